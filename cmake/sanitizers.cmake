@@ -1,0 +1,9 @@
+# Division by zero of floats stays out of the list: infinities are required results.
+if(VEXA_SANITIZE)
+  add_compile_options(-fsanitize=${VEXA_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${VEXA_SANITIZE})
+endif()
+if(VEXA_COVERAGE)
+  add_compile_options(--coverage)
+  add_link_options(--coverage)
+endif()

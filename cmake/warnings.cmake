@@ -1,0 +1,9 @@
+# Warnings for our own targets; never part of what a user of the library inherits.
+function(vexa_set_warnings target)
+  target_compile_options(${target} PRIVATE
+    -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wdouble-promotion
+    -Wold-style-cast -Wnon-virtual-dtor -Wformat=2)
+  if(VEXA_WARNINGS_AS_ERRORS)
+    target_compile_options(${target} PRIVATE -Werror)
+  endif()
+endfunction()

@@ -1,0 +1,36 @@
+#include <gtest/gtest.h>
+
+#include "vexa/math/TQuaternion.h"
+#include "vexa/math/TVector2D.h"
+#include "vexa/math/TVector3D.h"
+#include "vexa/math/uxs_generic_mat4.h"
+#include "vexa/math/uxs_generic_vec3.h"
+
+// The constants come out of the shared library with their values.
+TEST(Constants, AxesZerosAndIdentity) {
+  using Consts = UXS::uxs_generic_vec3_consts<float>;
+  const UXS::uxs_generic_vec3<float> zero;
+  EXPECT_EQ(Consts::UXS_VEC3_ZERO, zero);
+  EXPECT_EQ(Consts::UXS_X_AXIS_UNIT.x, 1);
+  EXPECT_EQ(Consts::UXS_Y_AXIS_UNIT.y, 1);
+  EXPECT_EQ(Consts::UXS_Z_AXIS_UNIT.z, 1);
+  EXPECT_EQ(Consts::UXS_MINUS_X_AXIS_UNIT, zero - Consts::UXS_X_AXIS_UNIT);
+  EXPECT_EQ(Consts::UXS_MINUS_Y_AXIS_UNIT, zero - Consts::UXS_Y_AXIS_UNIT);
+  EXPECT_EQ(Consts::UXS_MINUS_Z_AXIS_UNIT, zero - Consts::UXS_Z_AXIS_UNIT);
+  EXPECT_EQ(Oru::TVector2D<float>::ZeroVector, Oru::TVector2D<float>());
+  EXPECT_EQ(Oru::TVector3D<float>::ZeroVector, Oru::TVector3D<float>());
+  EXPECT_EQ(Oru::TVector3D<double>::ZeroVector, Oru::TVector3D<double>());
+  EXPECT_EQ(Oru::TQuaternion<float>::Identity.w, 1);
+  EXPECT_EQ(Oru::TQuaternion<double>::Identity.w, 1);
+  EXPECT_EQ(Oru::TQuaternion<double>::Identity.x, 0);
+}
+
+TEST(Mat4, TranslationAfterScaleMovesByTheWholeTranslation) {
+  UXS::uxs_generic_mat4<float> scale, translation;
+  scale.e[0] = scale.e[5] = scale.e[10] = 2;
+  translation.e[12] = 1;
+  EXPECT_EQ((translation * scale * Oru::TVector3D<float>(1, 0, 0)),
+            (Oru::TVector3D<float>(3, 0, 0)));
+  EXPECT_EQ((scale * translation * Oru::TVector3D<float>(1, 0, 0)),
+            (Oru::TVector3D<float>(4, 0, 0)));
+}

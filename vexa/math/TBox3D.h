@@ -1,0 +1,17 @@
+#pragma once
+
+#include "vexa/math/TVector3D.h"
+
+namespace Oru {
+
+/// Axis-aligned box from its lowest to its highest corner, in scene units.
+///
+/// A value-initialised box is all zeros and empty: mIsValid tells whether it holds any point.
+template <class T>
+struct TBox3D {
+  TVector3D<T> mMin;
+  TVector3D<T> mMax;
+  bool mIsValid = false;
+};
+
+}  // namespace Oru
