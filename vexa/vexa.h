@@ -30,3 +30,4 @@
 #include "vexa/math/uxs_color.h"
 #include "vexa/math/uxs_generic_mat4.h"
 #include "vexa/math/uxs_generic_vec3.h"
+#include "vexa/support/UxThrow.h"
