@@ -1,8 +1,9 @@
 # The library as others consume it: headers, libraries, a CMake package and a pkg-config file.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS vexa EXPORT vexaTargets
+install(TARGETS vexa refhost EXPORT vexaTargets
         LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+        ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}"
         FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
 install(EXPORT vexaTargets NAMESPACE vexa::
         DESTINATION "${CMAKE_INSTALL_LIBDIR}/cmake/vexa")
