@@ -30,4 +30,7 @@
 #include "vexa/math/uxs_color.h"
 #include "vexa/math/uxs_generic_mat4.h"
 #include "vexa/math/uxs_generic_vec3.h"
+#include "vexa/paths/XTBezierCurve.h"
+#include "vexa/paths/XTBezierPath.h"
+#include "vexa/paths/XTPathInfo.h"
 #include "vexa/support/UxThrow.h"

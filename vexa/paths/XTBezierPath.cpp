@@ -1,0 +1,137 @@
+#include "vexa/paths/XTBezierPath.h"
+
+#include <cstddef>
+#include <stdexcept>
+
+namespace Norvel::Vexa {
+
+namespace {
+
+// From one segment to sixteen: each round halves every piece, keeping their order.
+template <class V, class W, class S>
+void subdivideInSixteen(const XTBezierCurve<V, W, S>& curve, XTBezierCurve<V, W, S> pieces[16]) {
+  pieces[0] = curve;
+  for (int count = 1; count < 16; count *= 2) {
+    for (int i = count - 1; i >= 0; --i) {  // from the last, so that no piece is overwritten
+      pieces[i].subdivideCurve(pieces[2 * i], pieces[2 * i + 1]);
+    }
+  }
+}
+
+// The segments of the path, appended to those given.
+template <class V, class W, class S>
+void appendCurves(const XTPathInfo<V, W, S>& info, unsigned int pointCount,
+                  std::vector<XTBezierCurve<V, W, S>>& curves) {
+  curves.reserve(curves.size() + pointCount - 1);
+  V start = info.getPassagePointPositionAt(0);
+  V startControl = info.getAfterControlPointAt(0);
+  for (unsigned int i = 1; i < pointCount; ++i) {
+    const V end = info.getPassagePointPositionAt(i);
+    const V endControl = info.getBeforeControlPointAt(i);
+    curves.emplace_back(start, end, startControl, endControl);
+    start = end;
+    startControl = info.getAfterControlPointAt(i);
+  }
+}
+
+}  // namespace
+
+template <class V, class W, class S>
+XTBezierPath<V, W, S>::XTBezierPath(const XTPathInfo<V, W, S>* pathInfo)
+    : mTotalLength(0), mPathInfo(pathInfo) {}
+
+template <class V, class W, class S>
+XTBezierPath<V, W, S>::~XTBezierPath() = default;
+
+template <class V, class W, class S>
+void XTBezierPath<V, W, S>::createBezierCurve() {
+  mTotalLength = 0;
+  if (mPathInfo == nullptr) return;
+  const unsigned int pointCount = mPathInfo->getNbBezierPoints();
+  const bool listExists = mPathInfo->PointsMgrExist();
+  if (pointCount <= 1 || !listExists) return;
+
+  // What can fail comes first, so that the sequences stay in step.
+  std::vector<Curve> curves = mCurves;
+  appendCurves(*mPathInfo, pointCount, curves);
+  mRepartitions.reserve(curves.size());
+  mProportions.reserve(curves.size());
+  mCurves.swap(curves);
+  appendTables();
+}
+
+template <class V, class W, class S>
+void XTBezierPath<V, W, S>::appendTables() {
+  const std::size_t first = mRepartitions.size();
+  for (std::size_t i = first; i < mCurves.size(); ++i) {
+    mRepartitions.push_back(CalculateCurveDistanceRepartition(mCurves[i]));
+    mTotalLength += mRepartitions[i].back();
+    mProportions.push_back(mTotalLength);
+  }
+  for (std::size_t i = first; i < mProportions.size(); ++i) mProportions[i] /= mTotalLength;
+}
+
+template <class V, class W, class S>
+V XTBezierPath<V, W, S>::valueAt(S distance) const {
+  const sPlace place = placeAt(distance);
+  return place.mCurve->pointAt(place.mT);
+}
+
+template <class V, class W, class S>
+W XTBezierPath<V, W, S>::directionAt(S distance) const {
+  const sPlace place = placeAt(distance);
+  return place.mCurve->directionAt(place.mT);
+}
+
+template <class V, class W, class S>
+typename XTBezierPath<V, W, S>::CurveDistanceRepartition
+XTBezierPath<V, W, S>::CalculateCurveDistanceRepartition(Curve curve) {
+  Curve pieces[16];
+  subdivideInSixteen(curve, pieces);
+  CurveDistanceRepartition repartition;
+  S length = 0;
+  for (std::size_t k = 0; k < 16; ++k) {
+    length += S(pieces[k].getLengthAproximation());  // order: exact floats
+    repartition[k] = length;
+  }
+  return repartition;
+}
+
+template <class V, class W, class S>
+S XTBezierPath<V, W, S>::GetTfromDistanceWanted(CurveDistanceRepartition repartition, S distance) {
+  const S x = distance * repartition[15];
+  // The largest k with d(k) <= x: against d8, then d4 or d12, and so on down to the odd ones.
+  std::size_t k = 0;
+  for (std::size_t step = 8; step > 0; step /= 2) {
+    if (repartition[k + step - 1] <= x) k += step;
+  }
+  if (k == 0) return S(double(x / repartition[0]) * 0.0625);
+  const S past = x - repartition[k - 1];
+  const S piece = repartition[k] - repartition[k - 1];
+  return S(double(past) * 0.0625 / double(piece) + double(k) * 0.0625);  // order: exact floats
+}
+
+template <class V, class W, class S>
+typename XTBezierPath<V, W, S>::sPlace XTBezierPath<V, W, S>::placeAt(S distance) const {
+  if (!(distance >= 0 && distance <= 1)) {
+    throw std::runtime_error("XTBezierPath::valueAt - the distance wanted is not between 0 and 1");
+  }
+  const std::size_t count = mProportions.size();
+  if (count < 2) {
+    // Required behaviour: a single segment is measured anew by every call.
+    const Curve& curve = mCurves.at(0);
+    return {&curve, GetTfromDistanceWanted(CalculateCurveDistanceRepartition(curve), distance)};
+  }
+  if (distance <= mProportions[0]) {
+    return {&mCurves[0], GetTfromDistanceWanted(mRepartitions[0], distance / mProportions[0])};
+  }
+  std::size_t k = 1;
+  while (mProportions[k] < distance && k + 1 < count) ++k;
+  const S before = mProportions[k - 1];
+  const S share = (distance - before) / (mProportions[k] - before);  // order: exact floats
+  return {&mCurves[k], GetTfromDistanceWanted(mRepartitions[k], share)};
+}
+
+template class XTBezierPath<UXS::uxs_generic_vec3<float>, UXS::uxs_generic_vec3<float>, float>;
+
+}  // namespace Norvel::Vexa
