@@ -1,5 +1,6 @@
 #pragma once
 
+#include "vexa/Export.h"
 #include "vexa/math/TVector3D.h"
 
 namespace Oru {
@@ -8,7 +9,7 @@ namespace Oru {
 ///
 /// A value-initialised box is all zeros and empty: mIsValid tells whether it holds any point.
 template <class T>
-struct TBox3D {
+struct VEXA_EXPORT TBox3D {
   TVector3D<T> mMin;
   TVector3D<T> mMax;
   bool mIsValid = false;

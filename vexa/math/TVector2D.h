@@ -8,7 +8,7 @@ namespace Oru {
 ///
 /// A plain value; T may be another plain value. A value-initialised one is all zeros.
 template <class T>
-struct TVector2D {
+struct VEXA_EXPORT TVector2D {
   T x, y;
 
   /// (0, 0); exists for float.

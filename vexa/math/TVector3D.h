@@ -9,7 +9,7 @@ namespace Oru {
 ///
 /// A plain value. A value-initialised one is all zeros.
 template <class T>
-struct TVector3D {
+struct VEXA_EXPORT TVector3D {
   T x, y, z;
 
   /// (0, 0, 0); exists for float and double.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "vexa/Export.h"
 #include "vexa/math/TVector3D.h"
 
 namespace UXS {
@@ -10,7 +11,7 @@ namespace UXS {
 /// row at 3, 7, 11, 15. Points are column vectors on the right: p' = M p. A new one is the
 /// identity.
 template <class T>
-struct uxs_generic_mat4 {
+struct VEXA_EXPORT uxs_generic_mat4 {
   T e[16] = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
 
   /// The matrix product this b: element (r, c) is the sum over k of this(r, k) b(k, c), summed from

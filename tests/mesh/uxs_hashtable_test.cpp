@@ -1,0 +1,121 @@
+#include "vexa/mesh/uxs_hashtable.h"
+
+#include <cmath>
+#include <cstring>
+#include <gtest/gtest.h>
+#include <map>
+#include <random>
+
+#include "tests/helpers/compare.h"
+
+using namespace UXS;
+using V3 = Oru::TVector3D<float>;
+using Positions = uxs_hashtable<V3, unsigned int>;
+using Boxes = uxs_hashtable<unsigned int, Oru::TBox3D<float>>;
+
+namespace {
+
+/// The float with these bits.
+float fromBits(std::uint32_t bits) {
+  float value;
+  std::memcpy(&value, &bits, sizeof(value));
+  return value;
+}
+
+/// A value that cannot be made while `broken` is set.
+struct Fragile {
+  static inline bool broken = false;
+  int mValue;
+  Fragile(int inValue = 0) : mValue(inValue) {
+    if (broken) throw std::bad_alloc();
+  }
+};
+using Fragiles = uxs_hashtable<int, Fragile>;
+
+unsigned int hashOfInt(const int& key) { return static_cast<unsigned int>(key); }
+bool equalInts(const int& a, const int& b) { return a == b; }
+
+}  // namespace
+
+// Bytes 1, 2, 3, 4, 5, 6 at the even places, 0xFF at the odd ones.
+TEST(Hashtable, HashReadsTheEvenBytes) {
+  const V3 key{fromBits(0xFF02FF01), fromBits(0xFF04FF03), fromBits(0xFF06FF05)};
+  EXPECT_EQ(Positions::default_hashfunc(key),
+            ((((1u * 33 + 2) * 33 + 3) * 33 + 4) * 33 + 5) * 33 + 6);
+  EXPECT_EQ(Boxes::default_hashfunc(0x09070503), 3u * 33 + 7);
+}
+
+TEST(Hashtable, ZerosOfBothSignsAreOneKeyAndNaNIsNone) {
+  Positions table(1024);
+  const unsigned int value = 5;
+  table.link_cell({-0.0f, 0, 0}, &value);
+  ASSERT_NE(table.find({0, -0.0f, 0}), nullptr);
+  EXPECT_EQ(*table.find({0, -0.0f, 0}), 5u);
+  const V3 nan{NAN, 0, 0};
+  table.link_cell(nan, &value);
+  EXPECT_EQ(table.find(nan), nullptr);
+  // Bytes at odd places differ: the same bucket, another key.
+  EXPECT_EQ(Positions::default_hashfunc({fromBits(0x100), 0, 0}), Positions::default_hashfunc({}));
+  EXPECT_EQ(table.find({fromBits(0x100), 0, 0}), nullptr);
+}
+
+TEST(Hashtable, TheNewestOfEqualKeysIsFound) {
+  for (const unsigned int buckets : {0u, 1u, 1024u}) {
+    Positions table(buckets);
+    for (const unsigned int value : {1u, 2u}) table.link_cell({1, 2, 3}, &value);
+    EXPECT_EQ(*table.find({1, 2, 3}), 2u);
+    EXPECT_EQ(table.link_cell({4, 5, 6}, nullptr)->value, 0u);
+    EXPECT_EQ(table.count(), 3u);
+    EXPECT_EQ(table.bucketCount(), buckets == 0 ? 1 : buckets);
+  }
+}
+
+TEST(Hashtable, AnUnknownMaterialGetsAnEmptyBox) {
+  Boxes table(1024);
+  EXPECT_FALSE(table[7].mIsValid);
+  EXPECT_TRUE(vexa::tests::sameBits(table[7].mMax, V3{}));
+  table[7].mIsValid = true;
+  EXPECT_TRUE(table[7].mIsValid);
+  EXPECT_EQ(table.count(), 1u);
+  table.clear();
+  EXPECT_EQ(table.find(7), nullptr);
+  EXPECT_EQ(table.count(), 0u);
+}
+
+// 5,000 entries: past the first 1,024 cells, several to a bucket, a standard map beside them.
+TEST(Hashtable, AgreesWithAMapThroughGrowth) {
+  Positions table(64);
+  std::map<int, unsigned int> model;
+  std::mt19937 random(1);
+  for (unsigned int i = 0; i < 5000; ++i) {
+    const int key = static_cast<int>(random() % 3000);
+    table[{static_cast<float>(key), 0, 1}] = i;
+    model[key] = i;
+  }
+  EXPECT_EQ(table.count(), model.size());
+  for (int key = 0; key < 3000; ++key) {
+    const unsigned int* const found = table.find({static_cast<float>(key), 0, 1});
+    ASSERT_EQ(found != nullptr, model.count(key) == 1);
+    if (found != nullptr) {
+      EXPECT_EQ(*found, model[key]);
+    }
+  }
+}
+
+TEST(Hashtable, AFailedGrowthPointsTheBucketAtTheLastEntry) {
+  Fragiles table(8, hashOfInt, equalInts);
+  const Fragile first(100), last(200);
+  table.link_cell(1, &first);
+  for (int i = 1; i < 1024; ++i) table.link_cell(2, &last);
+  Fragile::broken = true;
+  EXPECT_EQ(table.link_cell(9, &first), nullptr);  // the bucket of 1
+  EXPECT_THROW(table[3], std::bad_alloc);
+  Fragile::broken = false;
+  EXPECT_EQ(table.count(), 1026u);
+  EXPECT_EQ(table.cells().size(), 1024u);
+  EXPECT_EQ(table.find(1), nullptr) << "required: the bucket's old chain is lost";
+  EXPECT_EQ(table.find(3), nullptr);
+  EXPECT_EQ(table.find(2)->mValue, 200);
+  table[1] = 5;
+  EXPECT_EQ(table.find(1)->mValue, 5);
+}
