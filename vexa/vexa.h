@@ -3,6 +3,8 @@
 /// Everything that Vexa offers, for hosts that prefer one include.
 
 #include "vexa/Export.h"
+#include "vexa/framecollector/XCTMPTake.h"
+#include "vexa/framecollector/XIFrameCollector.h"
 #include "vexa/host/CZelMatrix.h"
 #include "vexa/host/CZelPoint.h"
 #include "vexa/host/CZelUUID.h"
