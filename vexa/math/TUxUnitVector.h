@@ -1,0 +1,19 @@
+#pragma once
+
+#include "vexa/math/TUxBaseVector.h"
+
+namespace Norvel::Vexa {
+
+template <class T>
+class ux_vect3;
+
+/// A vector that was normalised when it was made: of length 1 within rounding, or exactly zero.
+///
+/// Made only by conversion from ux_vect3.
+template <class T>
+class TUxUnitVector : public TUxBaseVector<T> {
+  friend class ux_vect3<T>;
+  TUxUnitVector(T inX, T inY, T inZ) : TUxBaseVector<T>(inX, inY, inZ) { this->Normalize(); }
+};
+
+}  // namespace Norvel::Vexa
