@@ -1,11 +1,13 @@
 #pragma once
 
+#include "vexa/Export.h"
+
 namespace UXS {
 
 /// A colour: red, green, blue, alpha, usually in 0..1; no component is clamped.
 ///
 /// A plain value; arithmetic is component by component, alpha like the rest.
-struct uxs_color {
+struct VEXA_EXPORT uxs_color {
   float r, g, b, a;
 
   constexpr uxs_color() : r(), g(), b(), a() {}

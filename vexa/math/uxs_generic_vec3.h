@@ -8,7 +8,7 @@ namespace UXS {
 ///
 /// A plain value; arithmetic is component by component, in T. A value-initialised one is zero.
 template <class T>
-struct uxs_generic_vec3 {
+struct VEXA_EXPORT uxs_generic_vec3 {
   T x, y, z;
 
   constexpr uxs_generic_vec3() : x(), y(), z() {}
