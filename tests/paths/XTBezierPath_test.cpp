@@ -1,0 +1,233 @@
+#include "vexa/paths/XTBezierPath.h"
+
+#include <algorithm>
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
+#include <rapidcheck/gtest.h>
+#include <stdexcept>
+
+#include "refhost/scenes/paths.h"
+#include "tests/helpers/compare.h"
+#include "tests/helpers/raw_bits.h"
+#include "vexa/paths/XC3DPath.h"
+
+namespace {
+
+using namespace vexa;
+using Norvel::Vexa::XC3DPath;
+using Norvel::Vexa::XCZELPathInfo;
+using tests::rawBits;
+using tests::sameBits;
+using tests::whatOf;
+using V3 = UXS::uxs_generic_vec3<float>;
+using BezierPath = Norvel::Vexa::XTBezierPath<V3, V3, float>;
+
+constexpr const char* kOutOfRange =
+    "XTBezierPath::valueAt - the distance wanted is not between 0 and 1";
+
+// A path of the host with the info and the Bezier path over it.
+struct Ride {
+  explicit Ride(refhost::Path path) : mHost(std::move(path)) {}
+
+  refhost::Path mHost;
+  XCZELPathInfo mInfo{&mHost};
+  XC3DPath mPath{&mInfo};
+};
+
+// Points without control offsets: straight segments from each to the next.
+refhost::Path polyline(std::initializer_list<UxZel::CZelPoint> points) {
+  refhost::Path path;
+  for (const UxZel::CZelPoint& point : points) {
+    path.mPoints.add(refhost::smoothPoint(point, {0, 0, 0}));
+  }
+  return path;
+}
+
+double lengthOf(const V3& v) { return std::hypot(double(v.x), double(v.y), double(v.z)); }
+
+TEST(BezierPath, AFractionOfAStraightSegmentIsItsParameter) {
+  const Ride ride(refhost::scenes::straightPath(3));
+  const BezierPath::CurveDistanceRepartition table = ride.mPath.getRepartitions().at(0);
+  for (std::size_t k = 0; k < 16; ++k) EXPECT_EQ(table[k], float(k + 1) * 3 / 16);
+  for (const float f : {0.0f, 0.1f, 0.25f, 0.7f, 1.0f}) {
+    EXPECT_FLOAT_EQ(BezierPath::GetTfromDistanceWanted(table, f), f);
+  }
+  EXPECT_EQ(ride.mPath.valueAt(0.5f), V3(1.5f, 0, 0));
+  EXPECT_EQ(ride.mPath.getTotalLength(), 3);
+}
+
+// A body that gains speed evenly has gone k^2 of 256 steps after k of 16 parts.
+TEST(BezierPath, TheTableIsSearchedAtAllItsEntriesAndBetween) {
+  BezierPath::CurveDistanceRepartition squares;
+  for (std::size_t k = 1; k <= 16; ++k) squares[k - 1] = float(k * k);
+  for (int k = 0; k < 16; ++k) {
+    const float entry = float(k * k) / 256, between = float(2 * k * k + 2 * k + 1) / 512;
+    EXPECT_EQ(BezierPath::GetTfromDistanceWanted(squares, entry), float(k) / 16);
+    EXPECT_EQ(BezierPath::GetTfromDistanceWanted(squares, between), (float(k) + 0.5f) / 16);
+  }
+  EXPECT_EQ(BezierPath::GetTfromDistanceWanted(squares, 1), 1);
+  // It waits from 4/16 to 6/16: a distance equal to several entries is the last of them.
+  squares[4] = squares[5] = squares[3];
+  EXPECT_EQ(BezierPath::GetTfromDistanceWanted(squares, 16.0f / 256), 6.0f / 16);
+}
+
+// One unit along X, then one along Y.
+TEST(BezierPath, WhereSegmentsMeetTheEarlierOneAnswers) {
+  refhost::Path corner = polyline({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}});
+  corner.mPoints.mElements[1].mBefore = {-0.25, 0, 0};
+  corner.mPoints.mElements[1].mAfter = {0, 0.25, 0};
+  const Ride ride(corner);
+  EXPECT_EQ(ride.mPath.getProportions(), (std::vector<float>{0.5f, 1}));
+  EXPECT_EQ(ride.mPath.directionAt(0.5f), V3(0.25f, 0, 0));
+  EXPECT_GT(ride.mPath.directionAt(0.50001f).y, 0);
+  EXPECT_EQ(ride.mPath.valueAt(0), V3(0, 0, 0));
+  EXPECT_EQ(ride.mPath.valueAt(0.5f), V3(1, 0, 0));
+  EXPECT_EQ(ride.mPath.valueAt(1), V3(1, 1, 0));
+}
+
+TEST(BezierPath, RefusesFractionsOutsideThePathAndPathsWithoutSegments) {
+  const Ride one(refhost::scenes::straightPath(1)), four(refhost::scenes::circlePath(1));
+  for (const float f : {-1e-45f, 1.0000002f, std::numeric_limits<float>::quiet_NaN()}) {
+    EXPECT_EQ(whatOf([&] { one.mPath.valueAt(f); }), kOutOfRange);
+    EXPECT_EQ(whatOf([&] { four.mPath.directionAt(f); }), kOutOfRange);
+  }
+  const Ride single(polyline({{1, 2, 3}})), empty(polyline({}));
+  EXPECT_THROW(single.mPath.valueAt(0), std::out_of_range);
+  EXPECT_THROW(empty.mPath.directionAt(1), std::out_of_range);
+  BezierPath nowhere(nullptr);
+  nowhere.createBezierCurve();
+  EXPECT_THROW(nowhere.valueAt(0), std::out_of_range);
+}
+
+TEST(BezierPath, APathOfNoLengthIsOnePoint) {
+  const V3 place(1, 2, 3);
+  const Ride one(polyline({{1, 2, 3}, {1, 2, 3}}));
+  const Ride three(polyline({{1, 2, 3}, {1, 2, 3}, {1, 2, 3}, {1, 2, 3}}));
+  for (const float f : {0.0f, 0.5f, 1.0f}) {
+    EXPECT_EQ(one.mPath.valueAt(f), place);
+    EXPECT_EQ(three.mPath.valueAt(f), place);
+    EXPECT_EQ(three.mPath.directionAt(f), V3());
+  }
+}
+
+// Fails in the middle of the points while told to.
+struct FailingInfo final : XCZELPathInfo {
+  using XCZELPathInfo::XCZELPathInfo;
+  bool PointsMgrExist() const override { return mExists; }
+  V3 getBeforeControlPointAt(unsigned int index) const override {
+    if (mFails && index == 2) throw std::domain_error("lost");
+    return XCZELPathInfo::getBeforeControlPointAt(index);
+  }
+  bool mExists = true, mFails = false;
+};
+
+TEST(BezierPath, BuildingAppendsAndAFailureLeavesTheSequencesInStep) {
+  const refhost::Path host = refhost::scenes::windingPath(3);
+  FailingInfo info(&host);
+  BezierPath path(&info);
+  const auto expectSegments = [&](std::size_t count) {
+    EXPECT_EQ(path.getCurves().size(), count);
+    EXPECT_EQ(path.getRepartitions().size(), count);
+    EXPECT_EQ(path.getProportions().size(), count);
+  };
+  info.mFails = true;
+  EXPECT_THROW(path.createBezierCurve(), std::domain_error);
+  expectSegments(0);
+  info.mFails = false;
+  path.createBezierCurve();
+  const float length = path.getTotalLength();
+  path.createBezierCurve();
+  expectSegments(6);
+  EXPECT_EQ(path.getTotalLength(), length);
+  EXPECT_EQ(path.getProportions()[2], 1);
+  EXPECT_EQ(path.getProportions()[5], 1);
+  info.mFails = true;
+  EXPECT_THROW(path.createBezierCurve(), std::domain_error);
+  info.mExists = info.mFails = false;
+  path.createBezierCurve();
+  expectSegments(6);
+  EXPECT_EQ(path.getTotalLength(), 0);
+}
+
+// Equal fractions of a circle are equal angles.
+TEST(BezierPath, GoesRoundACircleAtConstantSpeed) {
+  const Ride ride(refhost::scenes::circlePath(2));
+  EXPECT_NEAR(ride.mPath.getTotalLength(), 4 * M_PI, 6e-3);
+  for (int i = 0; i < 64; ++i) {
+    const V3 place = ride.mPath.valueAt(float(i) / 64);
+    const double angle = std::atan2(double(place.y), double(place.x));
+    EXPECT_NEAR(angle < -1e-6 ? angle + 2 * M_PI : angle, i * 2 * M_PI / 64, 2e-3);
+  }
+}
+
+refhost::Path anyPath(const rc::Gen<double>& numbers) {
+  refhost::Path path;
+  for (int i = *rc::gen::inRange(2, 6); i > 0; --i) {
+    refhost::BezierPoint& point = path.mPoints.add();
+    const auto n = *rc::gen::container<std::vector<double>>(9, numbers);
+    point.mPassage = {n[0], n[1], n[2]};
+    point.mBefore = {n[3], n[4], n[5]};
+    point.mAfter = {n[6], n[7], n[8]};
+  }
+  return path;
+}
+
+rc::Gen<double> smallNumbers() {
+  return rc::gen::map(rc::gen::inRange(-100, 100), [](int n) { return double(n); });
+}
+
+// The chords between many equally spaced places add up evenly. A table of sixteen entries that are
+// joined by straight lines misses by a fraction of its longest piece.
+RC_GTEST_PROP(BezierPathProperty, EqualStepsAreEqualDistances, ()) {
+  const Ride ride(anyPath(smallNumbers()));
+  const double length = double(ride.mPath.getTotalLength());
+  constexpr int kSteps = 2000;
+  double gone = 0;
+  V3 before = ride.mPath.valueAt(0);
+  for (int i = 1; i <= kSteps; ++i) {
+    const V3 place = ride.mPath.valueAt(float(i) / kSteps);
+    gone += lengthOf(place - before);
+    RC_ASSERT(std::fabs(gone - length * i / kSteps) <= 0.015 * length);
+    before = place;
+  }
+}
+
+// Seen along any direction, no place is beyond the outermost control point.
+RC_GTEST_PROP(BezierPathProperty, NoPlaceIsOutsideTheHullOfTheControls, ()) {
+  const Ride ride(anyPath(smallNumbers()));
+  const auto d = *rc::gen::container<std::vector<double>>(3, smallNumbers());
+  const auto along = [&](const V3& v) {
+    return d[0] * double(v.x) + d[1] * double(v.y) + d[2] * double(v.z);
+  };
+  double low = std::numeric_limits<double>::infinity(), high = -low;
+  for (const auto& curve : ride.mPath.getCurves()) {
+    for (const V3& p : {curve.getStartValue(), curve.getEndValue(), curve.getStartControlPoint(),
+                        curve.getEndControlPoint()}) {
+      low = std::min(low, along(p));
+      high = std::max(high, along(p));
+    }
+  }
+  constexpr double kRounding =
+      300 * 200 * 1e-6;  // direction times coordinate, a few float roundings
+  for (int i = 0; i <= 100; ++i) {
+    const double place = along(ride.mPath.valueAt(float(i) / 100));
+    RC_ASSERT(place >= low - kRounding);
+    RC_ASSERT(place <= high + kRounding);
+  }
+}
+
+// Whatever the host's numbers are, only a fraction outside the path is refused.
+RC_GTEST_PROP(BezierPathProperty, AnyNumbersGiveAnAnswer, ()) {
+  const Ride ride(anyPath(rawBits<double>()));
+  const float f = *rawBits<float>();
+  const bool inside = f >= 0 && f <= 1;
+  RC_ASSERT(whatOf([&] { ride.mPath.valueAt(f); }) ==
+            (inside ? "nothing was thrown" : kOutOfRange));
+  for (int i = 0; i <= 16; ++i) {
+    ride.mPath.valueAt(float(i) / 16);
+    ride.mPath.directionAt(float(i) / 16);
+  }
+}
+
+}  // namespace
