@@ -6,6 +6,9 @@
 
 namespace Norvel {
 
+/// A text from outside: null reads as "".
+inline const char* orEmpty(const char* text) { return text != nullptr ? text : ""; }
+
 /// Formats into a fixed buffer, cut to N - 1 characters. What printf refuses (a width beyond int,
 /// a character without encoding) leaves the format itself as the text; null reads as "".
 template <std::size_t N>

@@ -1,0 +1,24 @@
+#include "vexa/support/XStPushReporter.h"
+
+#include "vexa/support/XCReporter.h"
+
+namespace Norvel {
+
+XStPushReporter::XStPushReporter(XIReporter* reporter, bool alsoDefault)
+    : mAlsoDefault(alsoDefault) {
+  if (XCReporter::tdReporter != nullptr) {
+    mPreviousReporter = XCReporter::tdReporter->GetValue();
+    XCReporter::tdReporter->SetValue(reporter);
+  }
+  if (mAlsoDefault) {
+    mPreviousDefault = XCReporter::defaultReporter;
+    XCReporter::defaultReporter = reporter;
+  }
+}
+
+XStPushReporter::~XStPushReporter() {
+  if (XCReporter::tdReporter != nullptr) XCReporter::tdReporter->SetValue(mPreviousReporter);
+  if (mAlsoDefault) XCReporter::defaultReporter = mPreviousDefault;
+}
+
+}  // namespace Norvel
