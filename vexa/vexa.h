@@ -60,6 +60,7 @@
 #include "vexa/paths/XTBezierPath.h"
 #include "vexa/paths/XTPathAgent.h"
 #include "vexa/paths/XTPathInfo.h"
+#include "vexa/support/CChemin.h"
 #include "vexa/support/TThreadData.h"
 #include "vexa/support/UxThrow.h"
 #include "vexa/support/XCBenchmarkRecords.h"

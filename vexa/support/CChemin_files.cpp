@@ -1,0 +1,159 @@
+#include <cstdio>
+#include <ctime>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "vexa/support/CChemin.h"
+#include "vexa/support/XCReporter.h"
+#include "vexa/support/file_system_internal.h"
+#include "vexa/support/format_internal.h"
+
+namespace Norvel {
+namespace {
+
+/// Hands on the result of a system call, with the error's text when it is not 0.
+int checked(int result, std::string* error) {
+  if (result != 0) takeSystemError(error);
+  return result;
+}
+
+/// Makes a directory that is open to all; 0, or what the failing call gave.
+int makeDirectory(const char* path) {
+  const int result = mkdir(path, 0700);
+  return result == 0 ? chmod(path, 0777) : result;
+}
+
+time_t modificationSecond(const std::string& path) {
+  struct stat status;
+  return stat(systemPath(path), &status) == 0 ? status.st_mtim.tv_sec : 0;
+}
+
+/// The folder of a path for the "at" calls; the current one when the path has no '/'.
+FileHandle openFolderOf(const std::string& path) {
+  const std::string folder = path.substr(0, path.rfind('/') + 1);
+  return FileHandle(open(folder.empty() ? "." : folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+}
+
+}  // namespace
+
+bool CChemin::FichierExiste(std::string* error) const {
+  return checked(access(systemPath(mPath), F_OK), error) == 0;
+}
+
+bool CChemin::RepertoireExiste(std::string* error) const {
+  struct stat status;
+  if (stat(systemPath(mPath), &status) == 0) {
+    if (S_ISDIR(status.st_mode)) return true;
+    errno = ENOTDIR;
+    takeSystemError(error);
+    return false;
+  }
+  const int code = errno;
+  takeSystemError(error);
+  if (code != ENOENT) {
+    XCReporter::Warning("CChemin::RepertoireExiste stat(%s) returned  errno = %d\n", mPath.c_str(),
+                        code);
+  }
+  return false;
+}
+
+bool CChemin::PlusRecent(const CChemin& other) const {
+  return modificationSecond(mPath) >= modificationSecond(other.mPath);
+}
+
+std::FILE* CChemin::OpenFile(const char* mode, std::string* error) const {
+  std::FILE* const file = std::fopen(systemPath(mPath), orEmpty(mode));
+  if (file == nullptr) takeSystemError(error);
+  return file;
+}
+
+std::FILE* CChemin::OpenRegularFile(std::string* error) const {
+  struct stat status;
+  FileHandle handle = Norvel::openRegularFile(AT_FDCWD, systemPath(mPath), 0, status);
+  std::FILE* const file = handle.isOpen() ? fdopen(handle.get(), "rb") : nullptr;
+  if (file == nullptr) {
+    takeSystemError(error);
+  } else {
+    handle.release();
+  }
+  return file;
+}
+
+int CChemin::CreerRepertoire(std::string* error) const {
+  return checked(makeDirectory(systemPath(mPath)), error);
+}
+
+int CChemin::CreerArborescenceDeRepertoire() const {
+  return withoutThrowing(0, nullptr, [this] {
+    std::string path = systemPath(mPath);
+    // Every part that ends before a '/' and has a named parent, from the top down; then the whole.
+    bool hasParent = false;
+    for (std::size_t i = 1; i < path.size(); ++i) {
+      if (path[i] != '/') continue;
+      path[i] = '\0';
+      if (hasParent) makeDirectory(path.c_str());
+      path[i] = '/';
+      hasParent = true;
+    }
+    if (hasParent) makeDirectory(path.c_str());
+    return 0;
+  });
+}
+
+int CChemin::DetruitFichier(std::string* error) const {
+  return checked(unlink(systemPath(mPath)), error);
+}
+
+int CChemin::DetruitRepertoire(std::string* error) const {
+  return checked(rmdir(systemPath(mPath)), error);
+}
+
+bool CChemin::CopierVers(CChemin target, std::string* error) const {
+  return withoutThrowing(false, error, [&] {
+    if (!FichierExiste()) {
+      if (error != nullptr) *error = "Input file does not exist";
+      return false;
+    }
+    const std::string to = systemPath(target.mPath);
+    const FileHandle folder = openFolderOf(to);
+    const char* const name = to.c_str() + (to.rfind('/') + 1);
+    if (folder.isOpen() && copyRegularFile(AT_FDCWD, systemPath(mPath), 0, folder.get(), name)) {
+      return true;
+    }
+    takeSystemError(error);
+    return false;
+  });
+}
+
+bool CChemin::RenameFile(const char* newName, std::string* error) const {
+  return withoutThrowing(false, error, [&] {
+    const std::string target = mPath.substr(0, mPath.rfind('/') + 1) + orEmpty(newName);
+    return checked(std::rename(systemPath(mPath), systemPath(target)), error) == 0;
+  });
+}
+
+bool CChemin::ResolveSymbolicLink(std::string* error) {
+  return ResolveSymbolicLink(mPath, mPath, error);
+}
+
+bool CChemin::ResolveSymbolicLink(const std::string& path, std::string& resolved,
+                                  std::string* error) {
+  return withoutThrowing(false, error, [&] {
+    char text[512];
+    const ssize_t size = readlink(systemPath(path), text, sizeof(text));
+    const bool isWhole = size >= 0 && size < ssize_t{sizeof(text)};
+    if (!isWhole) {
+      if (size >= 0) errno = ENAMETOOLONG;
+      takeSystemError(error);
+      resolved = path;
+      return false;
+    }
+    const std::string link(text, static_cast<std::size_t>(size));
+    const bool isAbsolute = link.compare(0, 1, "/") == 0;
+    resolved = (isAbsolute ? "" : path.substr(0, path.rfind('/') + 1)) + link;
+    return true;
+  });
+}
+
+}  // namespace Norvel

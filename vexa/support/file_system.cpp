@@ -1,0 +1,153 @@
+#include <array>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/xattr.h>
+#include <vector>
+
+#include "vexa/support/XCReporter.h"
+#include "vexa/support/file_system_internal.h"
+
+namespace Norvel {
+namespace {
+
+bool fail(int code) {
+  errno = code;
+  return false;
+}
+
+bool isRegular(const struct stat& status) {
+  if (S_ISREG(status.st_mode)) return true;
+  return fail(S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
+}
+
+/// What the target's file system cannot hold, or this user may not set, is left out of a copy.
+bool doneOrNotPossible(int result) {
+  return result == 0 || errno == ENOTSUP || errno == EPERM || errno == EACCES || errno == ENODATA;
+}
+
+/// A new file in an open directory, under a name of its own until it is complete.
+class TemporaryFile {
+ public:
+  explicit TemporaryFile(int folder) : mFolder(folder) {
+    for (int attempt = 0; attempt < 10000 && !mFile.isOpen(); ++attempt) {
+      std::snprintf(mName.data(), mName.size(), ".vexa-%ld-%d", static_cast<long>(getpid()),
+                    attempt);
+      mFile =
+          FileHandle(openat(folder, mName.data(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+      if (!mFile.isOpen() && errno != EEXIST) return;
+    }
+    mIsThere = mFile.isOpen();
+  }
+  ~TemporaryFile() {
+    const int saved = errno;
+    if (mIsThere) unlinkat(mFolder, mName.data(), 0);
+    errno = saved;
+  }
+  TemporaryFile(const TemporaryFile&) = delete;
+  TemporaryFile& operator=(const TemporaryFile&) = delete;
+
+  bool isOpen() const { return mFile.isOpen(); }
+  int get() const { return mFile.get(); }
+
+  /// Closes the file, which may be when the system tells that it could not write, and renames it.
+  bool becomes(const char* name) {
+    if (::close(mFile.release()) != 0) return false;
+    if (renameat(mFolder, mName.data(), mFolder, name) != 0) return false;
+    mIsThere = false;
+    return true;
+  }
+
+ private:
+  int mFolder;
+  std::array<char, 64> mName{};
+  FileHandle mFile;
+  bool mIsThere = false;
+};
+
+bool writeAll(int to, const char* data, std::size_t size) {
+  while (size > 0) {
+    const ssize_t count = write(to, data, size);
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return count < 0 ? false : fail(EIO);
+    data += count;
+    size -= static_cast<std::size_t>(count);
+  }
+  return true;
+}
+
+bool copyData(int from, int to) {
+  std::vector<char> buffer(1 << 16);
+  for (;;) {
+    const ssize_t count = read(from, buffer.data(), buffer.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return count == 0;
+    if (!writeAll(to, buffer.data(), static_cast<std::size_t>(count))) return false;
+  }
+}
+
+bool copyAttribute(int from, int to, const char* name) {
+  std::vector<char> value(1 << 16);  // the system's largest
+  const ssize_t size = fgetxattr(from, name, value.data(), value.size());
+  return doneOrNotPossible(size < 0 ? -1 : 0) &&
+         (size < 0 ||
+          doneOrNotPossible(fsetxattr(to, name, value.data(), static_cast<std::size_t>(size), 0)));
+}
+
+bool copyAttributes(int from, int to) {
+  std::vector<char> names(1 << 16);  // the system's largest
+  const ssize_t size = flistxattr(from, names.data(), names.size());
+  if (size < 0) return doneOrNotPossible(-1);
+  const char* const end = names.data() + size;
+  for (const char* name = names.data(); name < end; name += std::strlen(name) + 1) {
+    if (!copyAttribute(from, to, name)) return false;
+  }
+  return true;
+}
+
+bool setTimesAndMode(int to, const struct stat& source) {
+  const timespec times[2] = {source.st_atim, source.st_mtim};
+  return doneOrNotPossible(futimens(to, times)) && doneOrNotPossible(fchmod(to, 0777));
+}
+
+/// Whether a copy of that source may take the place of what stands there.
+bool mayReplace(int folder, const char* name, const struct stat& source) {
+  struct stat target;
+  if (fstatat(folder, name, &target, AT_SYMLINK_NOFOLLOW) != 0) return errno == ENOENT;
+  if (!S_ISLNK(target.st_mode) && !isRegular(target)) return false;
+  // Seen through a link it may be the source itself.
+  const bool reachable = fstatat(folder, name, &target, 0) == 0;
+  return reachable && isSameFile(source, target) ? fail(EINVAL) : true;
+}
+
+}  // namespace
+
+void takeSystemError(std::string* error) noexcept {
+  if (error == nullptr) return;
+  try {
+    *error = XCReporter::GetLastSystemErrorEnglish(XIReporter::kMsgError, kSystemErrno, nullptr);
+  } catch (const std::exception&) {
+    error->clear();
+  }
+}
+
+FileHandle openRegularFile(int folder, const char* name, int flags, struct stat& status) {
+  // Looked at first, because already opening a pipe or a device has effects.
+  const int look = (flags & O_NOFOLLOW) != 0 ? AT_SYMLINK_NOFOLLOW : 0;
+  if (fstatat(folder, name, &status, look) != 0 || !isRegular(status)) return FileHandle();
+  FileHandle file(openat(folder, name, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC | flags));
+  if (!file.isOpen() || fstat(file.get(), &status) != 0 || !isRegular(status)) return FileHandle();
+  return file;
+}
+
+bool copyRegularFile(int from, const char* name, int flags, int to, const char* targetName) {
+  struct stat status;
+  const FileHandle source = openRegularFile(from, name, flags, status);
+  if (!source.isOpen() || !mayReplace(to, targetName, status)) return false;
+  TemporaryFile copy(to);
+  return copy.isOpen() && copyData(source.get(), copy.get()) &&
+         copyAttributes(source.get(), copy.get()) && setTimesAndMode(copy.get(), status) &&
+         copy.becomes(targetName);
+}
+
+}  // namespace Norvel
