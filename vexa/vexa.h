@@ -3,6 +3,10 @@
 /// Everything that Vexa offers, for hosts that prefer one include.
 
 #include "vexa/Export.h"
+#include "vexa/animation/CKeyFrameTool.h"
+#include "vexa/animation/XCDateInterpolation.h"
+#include "vexa/animation/XCTimeImpl.h"
+#include "vexa/animation/keyframe_curves.h"
 #include "vexa/framecollector/XCTMPTake.h"
 #include "vexa/framecollector/XIFrameCollector.h"
 #include "vexa/host/CZelMatrix.h"
