@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "tests/helpers/compare.h"
+#include "tests/helpers/precisions.h"
 #include "vexa/math/ux_vect3.h"
 
 using namespace Norvel::Vexa;
@@ -21,8 +22,7 @@ ux_vect3<T> normalized(ux_vect3<T> v) {
 
 template <class T>
 class BaseVector : public testing::Test {};
-using Precisions = testing::Types<float, double>;
-TYPED_TEST_SUITE(BaseVector, Precisions);
+TYPED_TEST_SUITE(BaseVector, vexa::tests::Precisions, vexa::tests::PrecisionName);
 
 TYPED_TEST(BaseVector, NormalizeSilencesTheTinyAndLeavesUnitLengthAlone) {
   using T = TypeParam;

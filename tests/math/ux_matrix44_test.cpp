@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "tests/helpers/compare.h"
+#include "tests/helpers/precisions.h"
 
 using namespace Norvel::Vexa;
 using vexa::tests::sameBits;
@@ -58,8 +59,7 @@ T cofactor(const ux_matrix44<T>& m, int r, int c) {
 
 template <class T>
 class Matrix : public testing::Test {};
-using Precisions = testing::Types<float, double>;
-TYPED_TEST_SUITE(Matrix, Precisions);
+TYPED_TEST_SUITE(Matrix, vexa::tests::Precisions, vexa::tests::PrecisionName);
 
 TYPED_TEST(Matrix, BuildersTakePointsWhereTheyShould) {
   using T = TypeParam;
