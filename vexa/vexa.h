@@ -64,6 +64,7 @@
 #include "vexa/paths/XTBezierPath.h"
 #include "vexa/paths/XTPathAgent.h"
 #include "vexa/paths/XTPathInfo.h"
+#include "vexa/paths/path_position.h"
 #include "vexa/support/CChemin.h"
 #include "vexa/support/TThreadData.h"
 #include "vexa/support/UxThrow.h"
