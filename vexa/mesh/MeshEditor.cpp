@@ -1,0 +1,154 @@
+#include "vexa/mesh/MeshEditor.h"
+
+#include <algorithm>
+#include <cstddef>
+
+#include "vexa/mesh/MeshImpl.h"
+#include "vexa/mesh/mesh_geometry_internal.h"
+#include "vexa/tools/clock.h"
+
+namespace UXS {
+
+namespace {
+
+using PositionTable = uxs_hashtable<Oru::TVector3D<float>, unsigned int>;
+constexpr unsigned int kMergeBuckets = 1024;
+
+template <class T>
+void append(std::vector<T>& ioValues, std::size_t triangle, const T& value) {
+  ioValues.resize(triangle);  // zeros for the triangles before, if they had no value
+  ioValues.push_back(value);
+}
+
+template <class T>
+void overwrite(std::vector<T>& ioValues, std::size_t triangles, unsigned int i, const T& value) {
+  ioValues.resize(triangles);
+  entry(ioValues, i) = value;
+}
+
+template <class T>
+void erase(std::vector<T>& ioValues, unsigned int i) {
+  if (i < ioValues.size()) ioValues.erase(ioValues.begin() + static_cast<std::ptrdiff_t>(i));
+}
+
+}  // namespace
+
+Mesh::EditorBase::EditorBase(Mesh& mesh, bool keepDate) : mMesh(&mesh), mKeepDate(keepDate) {}
+
+Mesh::EditorBase::~EditorBase() {
+  if (!mKeepDate) data().mDate = get_time();
+}
+
+void Mesh::EditorBase::SetVerticesCount(unsigned int n) { data().mVertices.reserve(n); }
+
+void Mesh::EditorBase::SetTrianglesCount(unsigned int n) {
+  data().mVertices.reserve(std::size_t{3} * n);
+  data().mTriangles.reserve(n);
+  data().mSmoothNormals.reserve(n);
+  data().mUVCoords.reserve(n);
+  data().mMaterialIDs.reserve(n);
+}
+
+unsigned int Mesh::EditorBase::AddVertex(const Position& position) {
+  data().mVertices.push_back(position);
+  return static_cast<unsigned int>(data().mVertices.size() - 1);
+}
+
+unsigned int Mesh::EditorBase::AddTriangle(const Corners& corners, unsigned int material) {
+  const std::size_t triangle = data().mTriangles.size();
+  append(data().mMaterialIDs, triangle, material);
+  append(data().mUVCoords, triangle, CornerUVs());
+  append(data().mSmoothNormals, triangle, CornerPositions());
+  data().mTriangles.push_back(corners);
+  return static_cast<unsigned int>(triangle);
+}
+
+void Mesh::EditorBase::SetVertex(unsigned int vertex, const Position& position) {
+  entry(data().mVertices, vertex) = position;
+}
+
+void Mesh::EditorBase::SetTriangleMaterialID(unsigned int triangle, unsigned int material) {
+  overwrite(data().mMaterialIDs, data().mTriangles.size(), triangle, material);
+}
+
+void Mesh::EditorBase::SetTriangleUVCoords(unsigned int triangle, const CornerUVs& uv) {
+  overwrite(data().mUVCoords, data().mTriangles.size(), triangle, uv);
+}
+
+void Mesh::EditorBase::SetTriangleSmoothNormals(unsigned int triangle,
+                                                const CornerPositions& normals) {
+  overwrite(data().mSmoothNormals, data().mTriangles.size(), triangle, normals);
+}
+
+void Mesh::EditorBase::RemoveTriangle(unsigned int triangle) {
+  erase(data().mTriangles, triangle);
+  erase(data().mMaterialIDs, triangle);
+  erase(data().mUVCoords, triangle);
+  erase(data().mSmoothNormals, triangle);
+}
+
+void Mesh::EditorBase::RemoveAllTriangles() {
+  data().mTriangles.clear();
+  data().mMaterialIDs.clear();
+  data().mUVCoords.clear();
+  data().mSmoothNormals.clear();
+}
+
+void Mesh::EditorBase::Copy(const Mesh& source, bool skipNormals) {
+  if (source.mImpl == mMesh->mImpl) return;
+  const Impl& from = *source.mImpl;
+  Impl& to = data();
+  // All memory first: what follows cannot fail half-way.
+  to.mVertices.reserve(from.mVertices.size());
+  to.mTriangles.reserve(from.mTriangles.size());
+  to.mMaterialIDs.reserve(from.mTriangles.size());
+  to.mUVCoords.reserve(from.mUVCoords.size());
+  to.mSmoothNormals.reserve(from.mTriangles.size());
+
+  to.mVertices = from.mVertices;
+  to.mTriangles = from.mTriangles;
+  to.mMaterialIDs = from.mMaterialIDs;
+  to.mUVCoords = from.mUVCoords;
+  if (!skipNormals) to.mSmoothNormals = from.mSmoothNormals;
+  to.FitTriangleArrays();
+}
+
+void Mesh::EditorBase::MergeTriangleVertices(const std::vector<unsigned int>& triangles) {
+  PositionTable table(kMergeBuckets);
+  for (const unsigned int t : triangles) InternalMergeTriangleVertices(t, data(), table);
+}
+
+void Mesh::EditorBase::MergeTriangleVertices(unsigned int material) {
+  const Impl& mesh = data();
+  const std::size_t count = mesh.mTriangles.size();
+  for (std::size_t s = 0; s < mesh.mSections.size(); ++s) {
+    const unsigned int begin = mesh.mSections[s];
+    if (begin >= count || entry(mesh.mMaterialIDs, begin) != material) continue;
+    // Triangles may have been removed since the sections were made.
+    const std::size_t end =
+        s + 1 < mesh.mSections.size() ? std::min<std::size_t>(mesh.mSections[s + 1], count) : count;
+    PositionTable table(kMergeBuckets);
+    for (unsigned int t = begin; t < end; ++t) InternalMergeTriangleVertices(t, data(), table);
+  }
+}
+
+Mesh::Editor::~Editor() { data().Process(); }
+
+Mesh::LightWeightEditor::~LightWeightEditor() { data().ProcessLightWeight(); }
+
+void InternalMergeTriangleVertices(unsigned int triangle, Mesh::Impl& mesh, PositionTable& table) {
+  Mesh::Corners& corners = entry(mesh.mTriangles, triangle);
+  for (unsigned int* const corner : {&corners.x, &corners.y, &corners.z}) {
+    const Mesh::Position& position = entry(mesh.mVertices, *corner);
+    try {
+      if (const unsigned int* const stored = table.find(position)) {
+        *corner = *stored;
+      } else {
+        table.link_cell(position, corner);
+      }
+    } catch (...) {  // the corner keeps its vertex
+    }
+  }
+}
+
+}  // namespace UXS

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <vector>
+
+#include "vexa/Export.h"
+#include "vexa/math/TBox3D.h"
+#include "vexa/math/TVector2D.h"
+#include "vexa/math/TVector3D.h"
+#include "vexa/mesh/Mesh.h"
+#include "vexa/mesh/uxs_hashtable.h"
+
+namespace UXS {
+
+class MeshSmoothData;
+class MeshSmoothList;
+
+/// The data of a mesh and the steps that derive one part of it from another.
+///
+/// Editors write the first arrays and call Process() or ProcessLightWeight(). The steps can be run
+/// one by one; each relies on what stands before it in Process(), and on data and list having been
+/// made from the triangles as they now are. Arrays with one entry per triangle are empty or as long
+/// as mTriangles whenever a step ends.
+struct VEXA_EXPORT Mesh::Impl {
+  /// The group id of a triangle that has not been reached.
+  static constexpr unsigned int kNoGroup = 0xFFFFFFFF;
+
+  std::vector<Position> mVertices;
+  std::vector<Corners> mTriangles;
+  std::vector<unsigned int> mMaterialIDs;       // one per triangle
+  std::vector<CornerUVs> mUVCoords;             // one per triangle, or none
+  std::vector<CornerPositions> mSmoothNormals;  // one per triangle, or none
+  bool mIsStatic = false;
+  const Mesh* mMainMesh = nullptr;
+  std::vector<unsigned int> mSections;  // the first triangle of each
+  double mDate;
+  Oru::TBox3D<float> mAABB{};
+  uxs_hashtable<unsigned int, Oru::TBox3D<float>> mMaterialAABBs{1024};
+  std::vector<Oru::TVector2D<unsigned int>> mEdges;
+  std::vector<unsigned int> mGroupIDs;  // one per triangle
+
+  /// Empty and dated now.
+  Impl();
+
+  unsigned int GetSectionMaterialID(unsigned int section) const;
+  unsigned int GetSectionTrianglesCount(unsigned int section) const;
+  unsigned int GetTriangleIDFromSectionTriangleID(unsigned int section, unsigned int k) const;
+  /// The unit face normal: n = (p2 - p1) x (p0 - p1) over its length; zero when n.n is not above 0.
+  Position ProcessTriangleNormal(unsigned int triangle) const;
+
+  /// Derives everything from vertices, triangles and what is given per triangle.
+  void Process();
+  /// Derives the edges, and the normals if there are none; leaves the rest as it was.
+  void ProcessLightWeight();
+
+  /// Makes the arrays that have an entry per triangle as long as the triangles: short ones are
+  /// filled with zeros, long ones cut. Empty uv and normals, which a mesh may lack, stay empty.
+  void FitTriangleArrays();
+  /// Empties uv and normals that are all zero, then orders the triangles by material id; those of
+  /// one material keep their order.
+  void ProcessTrianglesSort();
+  /// Finds where a new material begins.
+  void ProcessSections();
+  /// Fills empty corner normals: with the face normal for an angle of 0 or less, else with
+  /// ProcessTriangleSmoothNormal. Normals that are there stay.
+  void ProcessTrianglesNormals(const MeshSmoothData& data, const MeshSmoothList& list, float angle);
+  /// The normal at one corner (0, 1 or 2) of a triangle: the sum of the face normals around the
+  /// vertex, weighted by their corner angles, of the faces that lie within `angle` degrees. A face
+  /// that looks the opposite way within that angle counts with its normal reversed.
+  Position ProcessTriangleSmoothNormal(unsigned int triangle, unsigned int corner, float angle,
+                                       const MeshSmoothData& data,
+                                       const MeshSmoothList& list) const;
+  /// Measures the mesh and each section. Throws std::bad_alloc when a material's box cannot be had.
+  void ProcessAABB();
+  /// Finds the edges to draw. The lists are in ascending order, as those of a whole mesh are.
+  void ProcessEdges(const MeshSmoothData& data, const MeshSmoothList& list);
+  /// Numbers the pieces that are connected through vertex indices, section by section.
+  /// Required behaviour: the first triangle of a section uses up a number, also when its piece has
+  /// one already.
+  void ProcessGroupID(const MeshSmoothList& list);
+};
+
+}  // namespace UXS
