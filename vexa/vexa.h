@@ -8,6 +8,7 @@
 #include "vexa/animation/XCTimeImpl.h"
 #include "vexa/animation/keyframe_curves.h"
 #include "vexa/framecollector/XCAMOFileIOTool.h"
+#include "vexa/framecollector/XCFrameCollector.h"
 #include "vexa/framecollector/XCTMPTake.h"
 #include "vexa/framecollector/XCTransformationNode.h"
 #include "vexa/framecollector/XIFrameCollector.h"

@@ -1,0 +1,230 @@
+#include "vexa/framecollector/XCFrameCollector.h"
+
+#include <cmath>
+#include <functional>
+#include <gtest/gtest.h>
+#include <random>
+
+#include "tests/helpers/compare.h"
+#include "tests/models/LiteralFrameCollector.h"
+#include "vexa/mesh/MeshEditor.h"
+#include "vexa/mesh/uxs_autoptr.h"
+#include "vexa/support/XStPushReporter.h"
+
+namespace Norvel::Vexa {
+namespace {
+
+using vexa::tests::LiteralFrameCollector;
+using vexa::tests::sameBits;
+using vexa::tests::whatOf;
+using Matrix = UXS::uxs_generic_mat4<float>;
+using Point = Oru::TVector3D<float>;
+
+constexpr UxZel::CZelUUID kNone{}, kSome{{1, 2, 3, 4}};
+
+struct Messages : XIReporter {
+  void ReportMsg(EMsgType type, const char* text) override {
+    EXPECT_EQ(type, kMsgWarning);
+    mTexts.push_back(text);
+  }
+  std::vector<std::string> mTexts;
+};
+
+// A mesh with one reference, on which a collector stands.
+UXS::uxs_autoptr<UXS::Mesh> meshOf(const std::vector<Point>& inPoints) {
+  UXS::uxs_autoptr<UXS::Mesh> mesh(new UXS::Mesh);
+  mesh->increment();
+  UXS::Mesh::Editor editor(*mesh, false);
+  for (const Point& p : inPoints) editor.AddVertex(p);
+  return mesh;
+}
+
+Matrix translation(float x, float y, float z) {
+  return {{1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, x, y, z, 1}};
+}
+
+// Random nodes, of which some lack takes or frames, and links, of which some lead nowhere.
+void fill(XIFrameCollector& ioCollector, std::size_t inVertices, unsigned inSeed) {
+  std::mt19937 random(inSeed);
+  const auto below = [&](unsigned n) { return unsigned(random() % n); };
+  const auto real = [&] { return float(int(below(2000)) - 1000) / 300.0f; };
+  const auto matrix = [&] {
+    Matrix m;
+    for (float& e : m.e) e = real();
+    return m;
+  };
+  ioCollector.SetGlobalTransformation(matrix());
+  const unsigned nodes = 1 + below(4);
+  for (unsigned n = 0; n < nodes; ++n) {
+    ioCollector.CreateTake();
+    const int node = int(ioCollector.AddTransformation(matrix(), 0, -1));
+    for (unsigned i = below(8); i > 0; --i) {
+      ioCollector.AddTransformation(matrix(), below(n + 1), node);
+    }
+  }
+  for (unsigned v = 0; v < inVertices; ++v) {
+    for (unsigned i = below(6); i > 0; --i) {
+      ioCollector.AddLink(int(below(nodes + 2)) - 1, kNone, v, double(real()) / 3);
+    }
+  }
+}
+
+TEST(XCFrameCollector, EqualsTheLiteralFormToTheBit) {
+  for (unsigned seed = 0; seed < 60; ++seed) {
+    std::vector<Point> points(seed % 23, Point(1.25f, -0.75f, 3));
+    for (std::size_t i = 0; i < points.size(); ++i) points[i].y += float(i) / 7;
+    const auto mesh = meshOf(points);
+    const std::vector<Point>& rest = mesh->GetVerticesArray();
+    XCFrameCollector collector(mesh.get());
+    LiteralFrameCollector literal(rest);
+    fill(collector, rest.size(), seed);
+    fill(literal, rest.size(), seed);
+    Messages messages;
+    const XStPushReporter scope(&messages, false);
+    for (unsigned take = 0; take < 5; ++take) {
+      for (unsigned frame = 0; frame < 5; ++frame) {
+        const auto& deformed =
+            collector.GetCurrentDefinition(take, frame, kNone)->GetVerticesArray();
+        ASSERT_EQ(deformed.size(), rest.size());
+        for (std::size_t v = 0; v < rest.size(); ++v) {
+          const Point expected = literal.TransformPoint(&rest[v], take, frame);
+          ASSERT_TRUE(sameBits(deformed[v], expected)) << seed << ' ' << v;
+          ASSERT_TRUE(sameBits(collector.TransformPoint(&rest[v], take, frame), expected));
+          double sum = 7, expectedSum = 7;
+          const Matrix m = literal.GetVertexTransformation(&rest[v], take, frame, expectedSum);
+          ASSERT_TRUE(sameBits(collector.GetVertexTransformation(&rest[v], take, frame, sum), m));
+          ASSERT_EQ(sum, expectedSum);
+          literal.TransformPoint(&rest[v], take, frame);  // as often as above, for the messages
+        }
+      }
+    }
+    EXPECT_EQ(messages.mTexts.size(), std::size_t(literal.skipped()));
+  }
+}
+
+// The link added last is visited first. Its node has 2 frames: frame 2 is held at 1, and the node
+// visited next is read at 1, too, although it has a frame 2.
+TEST(XCFrameCollector, AHeldFrameHoldsForTheLinksVisitedLater) {
+  const auto mesh = meshOf({{0, 0, 0}});
+  XCFrameCollector collector(mesh.get());
+  collector.CreateTake();
+  const int longer = int(collector.AddTransformation(translation(1, 0, 0), 0, -1));
+  collector.AddTransformation(translation(2, 0, 0), 0, longer);
+  collector.AddTransformation(translation(4, 0, 0), 0, longer);
+  const int shorter = int(collector.AddTransformation(translation(10, 0, 0), 0, -1));
+  collector.AddTransformation(translation(20, 0, 0), 0, shorter);
+  collector.AddLink(longer, kNone, 0, 1);
+  collector.AddLink(shorter, kNone, 0, 1);
+  double sum = 0;
+  const Point* vertex = mesh->GetVerticesArray().data();
+  EXPECT_EQ(collector.GetVertexTransformation(vertex, 0, 2, sum).e[12], 20 + 2);
+  EXPECT_EQ(collector.TransformPoint(vertex, 0, 2), Point(11, 0, 0));  // divided by the weights
+  collector.AddLink(longer, kNone, 0, 1);  // now visited before the shorter one
+  EXPECT_EQ(collector.GetVertexTransformation(vertex, 0, 2, sum).e[12], 4 + 20 + 2);
+}
+
+TEST(XCFrameCollector, YAndZCrossAndAnUnlinkedVertexIsInfinitelyFar) {
+  const auto mesh = meshOf({{10, 20, 30}, {1, -1, 0}});
+  XCFrameCollector collector(mesh.get());
+  collector.CreateTake();
+  collector.AddLink(int(collector.AddTransformation(translation(1, 2, 3), 0, -1)), kNone, 0, 1);
+  const Point* vertex = mesh->GetVerticesArray().data();
+  EXPECT_EQ(collector.TransformPoint(vertex, 0, 0), Point(11, 33, 22));
+  EXPECT_EQ(collector.TransformPoint(0u, 0u, 0u), Point());
+  const Point far = collector.TransformPoint(vertex + 1, 0, 0);
+  EXPECT_EQ(far.x, INFINITY);
+  EXPECT_TRUE(std::isnan(far.y));  // 0 from the third row
+  EXPECT_EQ(far.z, -INFINITY);
+}
+
+TEST(XCFrameCollector, ADefinitionIsKeptUntilItsFrameChanges) {
+  const auto mesh = meshOf({{1, 2, 3}});
+  XCFrameCollector collector(mesh.get());
+  UXS::Mesh* first = collector.GetCurrentDefinition(0, 0, kNone);
+  EXPECT_EQ(collector.GetCurrentDefinition(0, 0, kNone), first);
+  EXPECT_NE(collector.GetCurrentDefinition(0, 0, kSome), first);
+  first->increment();
+  const UXS::uxs_autoptr<UXS::Mesh> mine(first);
+  EXPECT_EQ(first->GetReferenceCount(), 2);
+  EXPECT_NE(collector.GetCurrentDefinition(0, 1, kNone), first);
+  EXPECT_EQ(first->GetReferenceCount(), 1);
+  EXPECT_EQ(mesh->GetReferenceCount(), 1);
+}
+
+TEST(XCFrameCollector, CountsItsSizeAndRefusesWhatIsNotThere) {
+  const auto mesh = meshOf({{0, 0, 0}, {1, 1, 1}});
+  XCFrameCollector collector(mesh.get());
+  EXPECT_EQ(collector.GetSize(), 0u);
+  EXPECT_EQ(whatOf([&] { collector.AddTransformation({}, 0, -1); }),
+            "XCTransformationNode::AddTransformation : bad take index (assertion failed)");
+  EXPECT_EQ(collector.GetSize(), 64u + 32);  // the node is there and knows no take
+  collector.CreateTake();
+  collector.CreateTake();
+  EXPECT_EQ(collector.GetNbrTakes(), 2u);
+  EXPECT_STREQ(collector.GetTake(1)->GetName(), "");
+  EXPECT_EQ(collector.GetTake(1)->GetFPS(), 0.33);
+  EXPECT_EQ(collector.AddTransformation({}, 1, -1), 1u);
+  EXPECT_EQ(collector.GetSize(), 96u + 64 + 32 + 48 * 2);
+  collector.AddLink(1, kSome, 0, 0.5);
+  collector.AddLink(1, kSome, 0, 0.5);
+  EXPECT_EQ(collector.GetSize(), 288u + 72 + 28 + 28);
+  const struct {
+    std::string mText;
+    std::function<void()> mCall;
+  } kRefused[] = {
+      {"XCFrameCollector::AddTransformation : bad node index",
+       [&] { collector.AddTransformation({}, 0, 2); }},
+      {"XCFrameCollector::GetTransformation : bad node index",
+       [&] { collector.GetTransformation(0, 0, 2); }},
+      {"XCFrameCollector::GetTransformation : bad node index",
+       [&] { collector.GetTransformation(0, 0, -1); }},
+      {"XCTransformationNode::GetTransformation : bad take index",
+       [&] { collector.GetTransformation(0, 0, 0); }},
+      {"XCTransformationNode::GetTransformation : bad transformation index",
+       [&] { collector.GetTransformation(0, 0, 1); }},
+      {"XCFrameCollector::AddLink : bad vertex index", [&] { collector.AddLink(0, kNone, 2, 1); }},
+      {"XCFrameCollector::GetTake : bad take index", [&] { collector.GetTake(2); }},
+  };
+  for (const auto& refused : kRefused) {
+    EXPECT_EQ(whatOf(refused.mCall), refused.mText + " (assertion failed)");
+  }
+  EXPECT_EQ(collector.GetSize(), 416u + 64);  // counted before it was refused
+}
+
+TEST(XCFrameCollector, ALinkThatLeadsNowhereIsReportedAndLeftOut) {
+  const auto mesh = meshOf({{1, 2, 3}});
+  XCFrameCollector collector(mesh.get());
+  collector.CreateTake();
+  collector.CreateTake();
+  collector.AddTransformation({}, 0, -1);
+  collector.AddLink(0, kNone, 0, 1);
+  collector.AddLink(5, kNone, 0, 1);
+  Messages messages;
+  const XStPushReporter scope(&messages, false);
+  const Point* vertex = mesh->GetVerticesArray().data();
+  EXPECT_EQ(collector.TransformPoint(vertex, 0, 0), Point(1, 3, 2));
+  collector.TransformPoint(vertex, 1, 0);
+  const std::string absent =
+      "XCFrameCollector::FillMatrix : XCFrameCollector::GetTransformation : bad node index "
+      "(assertion failed)";
+  const std::string empty =
+      "XCFrameCollector::FillMatrix : XCTransformationNode::GetTransformation : bad "
+      "transformation index (assertion failed)";
+  EXPECT_EQ(messages.mTexts, (std::vector<std::string>{absent, absent, empty}));
+}
+
+TEST(XCFrameCollector, TakesMatricesOutOfItsOwnStorage) {
+  const auto mesh = meshOf({});
+  XCFrameCollector collector(mesh.get());
+  collector.CreateTake();
+  collector.AddTransformation(translation(1, 2, 3), 0, -1);
+  for (int i = 0; i < 100; ++i) {
+    collector.AddTransformation(collector.GetTransformation(0, 0, 0), 0, 0);
+    const int node = int(collector.AddTransformation(collector.GetTransformation(0, 0, 0), 0, -1));
+    ASSERT_TRUE(sameBits(collector.GetTransformation(0, 0, node), translation(1, 2, 3)));
+    ASSERT_TRUE(sameBits(collector.GetTransformation(0, unsigned(node), 0), translation(1, 2, 3)));
+  }
+}
+
+}  // namespace
+}  // namespace Norvel::Vexa

@@ -1,0 +1,237 @@
+#include "vexa/framecollector/XCFrameCollector.h"
+
+#include <exception>
+#include <utility>
+
+#include "vexa/math/column_matrix.h"
+#include "vexa/mesh/MeshEditor.h"
+#include "vexa/mesh/uxs_autoptr.h"
+#include "vexa/support/UxThrow.h"
+#include "vexa/support/XCReporter.h"
+
+namespace Norvel::Vexa {
+namespace {
+
+using Matrix = UXS::uxs_generic_mat4<float>;
+using Point = Oru::TVector3D<float>;
+
+constexpr Matrix kZeroMatrix = {{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}};
+
+// Room for one more element, so that the next push_back cannot fail.
+template <class T>
+void growForOne(std::vector<T>& ioVector) {
+  if (ioVector.size() == ioVector.capacity()) ioVector.reserve(2 * ioVector.size() + 1);
+}
+
+// ioSum = weight * inMatrix + ioSum, element by element.
+void addWeighted(Matrix& ioSum, const Matrix& inMatrix, float inWeight) {
+  for (int k = 0; k < 16; ++k) {
+    ioSum.e[k] = inMatrix.e[k] * inWeight + ioSum.e[k];  // order: exact floats
+  }
+}
+
+// Required behaviour: the frame that was held stays in force for the links visited afterwards; a
+// take without frames makes it 0xFFFFFFFF, which the next node holds at its own last frame.
+const Matrix& heldTransformation(const XCTransformationNode& inNode, unsigned int inTake,
+                                 unsigned int& ioFrame) {
+  const unsigned int frames = inNode.GetTransformationsNbr(inTake);
+  if (ioFrame >= frames) ioFrame = frames - 1;
+  return inNode.GetTransformation(inTake, ioFrame);
+}
+
+// The vertex under a blended matrix that is still to be divided by the sum of its weights.
+// Required behaviour: y from the third row, z from the second; a sum of 0 gives infinities or NaN.
+Point deformed(const Point& p, const Matrix& inBlend, double inWeightSum) {
+  const float s = 1.0f / float(inWeightSum);
+  return {s * rowTimesPoint(inBlend.e, 0, p), s * rowTimesPoint(inBlend.e, 2, p),
+          s * rowTimesPoint(inBlend.e, 1, p)};
+}
+
+// A mesh with one reference, for a pointer that releases it.
+UXS::Mesh* newMesh() {
+  auto* mesh = new UXS::Mesh;
+  mesh->increment();
+  return mesh;
+}
+
+void reportLink(const char* inText) {
+  XCReporter::Message(XIReporter::kMsgWarning, "XCFrameCollector::FillMatrix : %s", inText);
+}
+
+}  // namespace
+
+// The mesh as it is deformed for one definition.
+struct XCFrameCollector::sCloneDefinitions {
+  sCloneDefinitions(unsigned int inFrame, unsigned int inTake)
+      : mFrame(inFrame), mTake(inTake), mMesh(newMesh()) {}
+
+  unsigned int mFrame;
+  unsigned int mTake;
+  UXS::uxs_autoptr<UXS::Mesh> mMesh;
+};
+
+// Either all three get their entry or none.
+void XCFrameCollector::sLink::add(unsigned int inNode, double inWeight,
+                                  const UxZel::CZelUUID& inDefinition) {
+  growForOne(mNodes);
+  growForOne(mWeights);
+  growForOne(mDefinitions);
+  mNodes.push_back(inNode);
+  mWeights.push_back(inWeight);
+  mDefinitions.push_back(inDefinition);
+}
+
+XCFrameCollector::XCFrameCollector(UXS::Mesh* inMesh) : mMesh(inMesh) {}
+
+XCFrameCollector::~XCFrameCollector() {
+  mTakes.clear();
+  mClones.clear();
+}
+
+unsigned int XCFrameCollector::AddTransformation(const Matrix& inMatrix, unsigned int inTake,
+                                                 int inNode) {
+  const Matrix matrix = inMatrix;  // it may lie in a node that moves when the list grows
+  mSize += 64;
+  if (inNode < 0) {
+    mNodes.emplace_back(GetNbrTakes());
+    inNode = int(mNodes.size()) - 1;
+    mSize += 32 + 48 * GetNbrTakes();
+  }
+  UxThrow::IfFalse(inNode < int(mNodes.size()),
+                   "XCFrameCollector::AddTransformation : bad node index");
+  mNodes[std::size_t(inNode)].AddTransformation(matrix, inTake);
+  return static_cast<unsigned int>(inNode);
+}
+
+void XCFrameCollector::SetGlobalTransformation(const Matrix& inMatrix) {
+  mGlobalTransformation = inMatrix;
+}
+
+const Matrix& XCFrameCollector::GetGlobalTransformation() const { return mGlobalTransformation; }
+
+const Matrix& XCFrameCollector::GetTransformation(unsigned int inTake, unsigned int inFrame,
+                                                  int inNode) const {
+  return nodeAt(static_cast<unsigned int>(inNode)).GetTransformation(inTake, inFrame);
+}
+
+void XCFrameCollector::AddLink(int inNode, const UxZel::CZelUUID& inDefinition,
+                               unsigned int inVertex, double inWeight) {
+  UxThrow::IfFalse(inVertex < restVertices().size(),
+                   "XCFrameCollector::AddLink : bad vertex index");
+  const Point* key = &restVertices()[inVertex];
+  const auto node = static_cast<unsigned int>(inNode);
+  const auto found = mLinks.find(key);
+  if (found == mLinks.end()) {
+    sLink first;
+    first.add(node, inWeight, inDefinition);
+    mLinks.emplace(key, std::move(first));
+    mSize += 72;
+  } else {
+    found->second.add(node, inWeight, inDefinition);
+  }
+  mSize += 28;
+}
+
+Matrix XCFrameCollector::GetVertexTransformation(const Point* inVertex, unsigned int inTake,
+                                                 unsigned int inFrame, double& outWeightSum) const {
+  Matrix matrix;
+  FillMatrix(inVertex, inTake, inFrame, outWeightSum, matrix);
+  return matrix;
+}
+
+Point XCFrameCollector::TransformPoint(const Point* inVertex, unsigned int inTake,
+                                       unsigned int inFrame) const {
+  UxThrow::IfNULL(inVertex, "XCFrameCollector::TransformPoint : bad vertex");
+  Matrix matrix;
+  double weightSum = 0;
+  FillMatrix(inVertex, inTake, inFrame, weightSum, matrix);
+  return deformed(*inVertex, matrix, weightSum);
+}
+
+Point XCFrameCollector::TransformPoint(unsigned int, unsigned int, unsigned int) const {
+  return Point();
+}
+
+UXS::Mesh* XCFrameCollector::GetCurrentDefinition(unsigned int inTake, unsigned int inFrame,
+                                                  const UxZel::CZelUUID& inDefinition) {
+  const auto found = mClones.find(inDefinition);
+  if (found != mClones.end()) {
+    const sCloneDefinitions& clone = *found->second;
+    if (clone.mTake == inTake && clone.mFrame == inFrame) return clone.mMesh.get();
+    mClones.erase(found);
+  }
+  // Stored only when it is complete: after a failure the next call computes afresh.
+  auto clone = std::make_unique<sCloneDefinitions>(inFrame, inTake);
+  deformInto(*clone->mMesh, inTake, inFrame);
+  UXS::Mesh* mesh = clone->mMesh.get();
+  mClones.insert_or_assign(inDefinition, std::move(clone));
+  return mesh;
+}
+
+unsigned int XCFrameCollector::GetSize() const { return mSize; }
+
+void XCFrameCollector::CreateTake() { mTakes.push_back(std::make_unique<XCTMPTake>()); }
+
+unsigned int XCFrameCollector::GetNbrTakes() const {
+  return static_cast<unsigned int>(mTakes.size());
+}
+
+XCTMPTake* XCFrameCollector::GetTake(unsigned int inIndex) const {
+  UxThrow::IfFalse(inIndex < mTakes.size(), "XCFrameCollector::GetTake : bad take index");
+  return mTakes[inIndex].get();
+}
+
+const std::vector<Point>& XCFrameCollector::restVertices() const {
+  static const std::vector<Point> kNone;
+  return mMesh ? mMesh->GetVerticesArray() : kNone;
+}
+
+const XCTransformationNode& XCFrameCollector::nodeAt(unsigned int inNode) const {
+  UxThrow::IfFalse(inNode < mNodes.size(), "XCFrameCollector::GetTransformation : bad node index");
+  return mNodes[inNode];
+}
+
+// The sum of weight * matrix over the links, the last added first, under the global transformation.
+// A link that cannot be followed is reported and left out, weight and all.
+void XCFrameCollector::FillMatrix(const Point* inVertex, unsigned int inTake, unsigned int inFrame,
+                                  double& outWeightSum, Matrix& outMatrix) const {
+  const auto found = mLinks.find(inVertex);
+  if (found == mLinks.end()) {
+    // Required behaviour: a check that never fires.
+    UxThrow::IfFalse(true, "XCFrameCollector::FillMatrix : Bad vertex index");
+    return;
+  }
+  const sLink& links = found->second;
+  UxThrow::IfFalse(!links.mNodes.empty(), "XCFrameCollector::FillMatrix : vertex not linked...");
+  Matrix blend = kZeroMatrix;
+  double weightSum = 0;
+  unsigned int frame = inFrame;
+  for (std::size_t i = links.mNodes.size(); i-- > 0;) {
+    try {
+      const Matrix& matrix = heldTransformation(nodeAt(links.mNodes[i]), inTake, frame);
+      addWeighted(blend, matrix, float(links.mWeights[i]));
+      weightSum += links.mWeights[i];  // order: exact floats
+    } catch (const std::exception& e) {
+      reportLink(e.what());
+    } catch (...) {
+      reportLink("unknown exception");
+    }
+  }
+  outWeightSum = weightSum;
+  outMatrix = mGlobalTransformation * blend;
+}
+
+// All points come first: an edit that has begun should not have to be abandoned.
+void XCFrameCollector::deformInto(UXS::Mesh& outMesh, unsigned int inTake,
+                                  unsigned int inFrame) const {
+  const std::vector<Point>& vertices = restVertices();
+  if (vertices.empty()) return;
+  std::vector<Point> points;
+  points.reserve(vertices.size());
+  for (const Point& vertex : vertices) points.push_back(TransformPoint(&vertex, inTake, inFrame));
+  UXS::Mesh::Editor editor(outMesh, false);
+  editor.Copy(*mMesh, true);
+  for (unsigned int i = 0; i < points.size(); ++i) editor.SetVertex(i, points[i]);
+}
+
+}  // namespace Norvel::Vexa
