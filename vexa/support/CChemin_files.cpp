@@ -88,15 +88,16 @@ int CChemin::CreerArborescenceDeRepertoire() const {
   return withoutThrowing(0, nullptr, [this] {
     std::string path = systemPath(mPath);
     // Every part that ends before a '/' and has a named parent, from the top down; then the whole.
-    bool hasParent = false;
-    for (std::size_t i = 1; i < path.size(); ++i) {
+    // Below a name that is too long there is nothing to make.
+    bool hasParent = false, goesOn = true;
+    for (std::size_t i = 1; i < path.size() && goesOn; ++i) {
       if (path[i] != '/') continue;
       path[i] = '\0';
-      if (hasParent) makeDirectory(path.c_str());
+      if (hasParent) goesOn = makeDirectory(path.c_str()) == 0 || errno != ENAMETOOLONG;
       path[i] = '/';
       hasParent = true;
     }
-    if (hasParent) makeDirectory(path.c_str());
+    if (hasParent && goesOn) makeDirectory(path.c_str());
     return 0;
   });
 }

@@ -1,0 +1,177 @@
+#include "vexa/support/XCReporter.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <gtest/gtest.h>
+#include <pthread.h>
+#include <stdexcept>
+#include <string>
+#include <thread>
+
+#include "tests/helpers/recording_reporter.h"
+#include "tests/helpers/vtable_slot.h"
+#include "vexa/support/XStPushReporter.h"
+
+namespace {
+
+using namespace Norvel;
+using vexa::tests::RecordingReporter;
+using Lines = std::vector<std::string>;
+
+template <class Call>
+Lines reportedBy(Call call) {
+  RecordingReporter reporter;
+  const XStPushReporter scope(&reporter, false);
+  call();
+  return reporter.lines;
+}
+
+TEST(XIReporter, ReportMsgFollowsTheTwoDestructors) {
+  EXPECT_EQ(vexa::tests::slotOf(&XIReporter::ReportMsg), 2);
+}
+
+TEST(XCReporter, PrintsWhenThereIsNoReporterAndTheTypeHasAName) {
+  testing::internal::CaptureStdout();
+  XCReporter::Warning("x=%d", 3);
+  for (int type = -1; type <= 7; ++type) {
+    XCReporter::SendMsg2Reporter(static_cast<XIReporter::EMsgType>(type), "%d");
+  }
+  std::fflush(stdout);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(),
+            "XCReporter: Warning(\"x=3\")\nXCReporter: Error(\"%d\")\nXCReporter: Warning(\"%d\")\n"
+            "XCReporter: Message(\"%d\")\nXCReporter: Trace(\"%d\")\nXCReporter: Bench(\"%d\")\n"
+            "XCReporter: Memory(\"%d\")\nXCReporter: NoMessage(\"%d\")\n");
+}
+
+TEST(XCReporter, HandsOnTypeAndTextAndCutsOnlyFormattedTexts) {
+  const std::string text(5000, 'x');
+  const char* const t = text.c_str();
+  const auto type = static_cast<XIReporter::EMsgType>(7);
+  const Lines lines = reportedBy([=] {
+    XCReporter::Error("%s", t);
+    XCReporter::Warning("w");
+    XCReporter::Printf("%%");
+    XCReporter::Message(type, "%s", t);
+    XCReporter::Message(type, nullptr);
+    XCReporter::SendMsg2Reporter(type, t);
+    XCReporter::SendMsg2Reporter(type, nullptr);
+  });
+  EXPECT_EQ(lines, (Lines{"0 " + text.substr(0, 2047), "1 w", "2 %", "7 " + text.substr(0, 4095),
+                          "7 " + text, "7 "}));
+}
+
+TEST(XCReporter, ModesSwitchTheirOwnKindAndReportEverySwitch) {
+  const auto send = [] {
+    XCReporter::TraceInLog("t %d");
+    XCReporter::BenchInLog("b %d", 1);
+    XCReporter::MemoryInLog("m %d", 2);
+  };
+  const auto switchAll = [](bool on) {
+    XCReporter::SetTraceInLog(on);
+    XCReporter::SetBenchInLog(on);
+    XCReporter::SetMemoryInLog(on);
+    EXPECT_TRUE(XCReporter::GetTraceInLog() == on && XCReporter::GetMemoryInLog() == on);
+  };
+  const Lines off{"3 Trace mode is disabled", "4 Bench mode is disabled",
+                  "5 Memory mode is disabled"};
+  EXPECT_EQ(reportedBy(send), Lines());
+  EXPECT_EQ(reportedBy([&] { switchAll(false); }), off);
+  EXPECT_EQ(
+      reportedBy([&] { switchAll(true); }),
+      (Lines{"3 Trace mode is enabled", "4 Bench mode is enabled", "5 Memory mode is enabled"}));
+  EXPECT_EQ(reportedBy(send), (Lines{"3 t %d", "4 b 1", "5 m 2"}));
+  EXPECT_EQ(reportedBy([&] { switchAll(false); }), off);
+}
+
+TEST(XStPushReporter, ScopesNestPerThreadAndMayServeTheOthers) {
+  RecordingReporter before, first, second;
+  const auto fromBoth = [](const char* text) {
+    XCReporter::Printf("%s", text);
+    std::thread([text] { XCReporter::Printf("other %s", text); }).join();
+  };
+  XCReporter::defaultReporter = &before;
+  {
+    const XStPushReporter a(&first, false);
+    {
+      const XStPushReporter b(&second, true);
+      fromBoth("inner");
+    }
+    fromBoth("outer");
+  }
+  fromBoth("none");
+  XCReporter::defaultReporter = nullptr;
+  EXPECT_EQ(second.lines, (Lines{"2 inner", "2 other inner"}));
+  EXPECT_EQ(first.lines, (Lines{"2 outer"}));
+  EXPECT_EQ(before.lines, (Lines{"2 other outer", "2 none", "2 other none"}));
+}
+
+/// A host's reporter that does something of its own.
+template <class Act>
+struct ActingReporter : RecordingReporter {
+  explicit ActingReporter(Act act) : mAct(act) {}
+  void ReportMsg(EMsgType type, const char* text) override {
+    RecordingReporter::ReportMsg(type, text);
+    mAct();
+  }
+  Act mAct;
+};
+
+TEST(XCReporter, WhatAReporterThrowsStaysInside) {
+  ActingReporter throwing([] { throw std::runtime_error("no disk"); });
+  const XStPushReporter scope(&throwing, false);
+  EXPECT_NO_THROW(XCReporter::Error("lost"));
+}
+
+TEST(XCReporter, AThreadMayBeCancelledWhileItReports) {
+  ActingReporter cancelling([] {
+    pthread_cancel(pthread_self());
+    pthread_testcancel();
+  });
+  XCReporter::defaultReporter = &cancelling;
+  pthread_t thread;
+  const auto body = [](void*) -> void* { return XCReporter::Error("the last one"), nullptr; };
+  ASSERT_EQ(pthread_create(&thread, nullptr, body, nullptr), 0);
+  void* result = nullptr;
+  pthread_join(thread, &result);
+  XCReporter::defaultReporter = nullptr;
+  EXPECT_EQ(result, PTHREAD_CANCELED);
+}
+
+TEST(XCReporter, NamesTheLastSystemError) {
+  int code = 7;
+  errno = ENOENT;
+  EXPECT_EQ(XCReporter::GetLastSystemErrorEnglish(XIReporter::kMsgError, kSystemErrno, &code),
+            "ERRNO [2] :No such file or directory");
+  EXPECT_EQ(code, 2);
+  EXPECT_EQ(XCReporter::GetLastSystemErrorEnglish(XIReporter::kMsgError, kSystemNone, &code), "");
+  EXPECT_EQ(code, 0);
+}
+
+TEST(XCReporter, BenchmarksSumUpAndPairLabelsWithTimesByIndex) {
+  const Lines lines = reportedBy([] {
+    XCReporter::StopBenchmark("unknown");
+    XCReporter::FlushBenchmark("unknown", true);
+    for (const char* label : {"", "second", "third"}) {
+      XCReporter::StartBenchmark("load", label);
+      XCReporter::StopBenchmark("load");
+    }
+    XCReporter::StartBenchmark("load", nullptr);  // still running: counts as its time of day
+    XCReporter::FlushBenchmark("load", true);
+    XCReporter::FlushBenchmark("load", true);
+  });
+  ASSERT_EQ(lines.size(), 3u);
+  EXPECT_GT(std::stod(lines[0].substr(lines[0].find("load takes ") + 11)), 1.7e9);
+  EXPECT_NE(lines[0].find(" seconds in 4 calls"), std::string::npos);
+  EXPECT_EQ(lines[1].substr(0, 27), "2       for second : 0.0000");
+  EXPECT_EQ(lines[2].substr(0, 26), "2       for third : 0.0000");
+}
+
+TEST(XCReporter, AReporterMayFlushTheBenchmarkThatItIsToldOf) {
+  ActingReporter flushing([] { XCReporter::FlushBenchmark("name", true); });
+  const XStPushReporter scope(&flushing, false);
+  XCReporter::StartBenchmark("name", "one");
+  XCReporter::FlushBenchmark("name", true);
+  EXPECT_EQ(flushing.lines.size(), 2u);
+}
+
+}  // namespace
