@@ -29,13 +29,14 @@ double ease(double r) { return (1 - std::cos(3.141592653589793 * r)) / 2; }
 
 }  // namespace
 
-void* operator new(std::size_t size) {
+// Out of line, so that the compiler does not see malloc meet delete.
+[[gnu::noinline]] void* operator new(std::size_t size) {
   ++allocations;
   if (void* memory = std::malloc(size)) return memory;
   throw std::bad_alloc();
 }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory, std::size_t) noexcept { std::free(memory); }
 
 TEST(TimedCurves, ShapesOverAnIntervalFromZero) {
   for (double r = 0.0625; r < 1; r += 0.0625) {

@@ -18,10 +18,10 @@ namespace {
 constexpr double kPi = 3.141592653589793;
 constexpr Place kTown = {140, 2931, 60, 0};  // 2 deg 20' E, 48 deg 51' N
 
-void expectNear(const Vec3& v, double x, double y, double z) {
-  EXPECT_NEAR(v.x, x, 1e-6);
-  EXPECT_NEAR(v.y, y, 1e-6);
-  EXPECT_NEAR(v.z, z, 1e-6);
+void expectNear(const Vec3& v, float x, float y, float z) {
+  EXPECT_NEAR(v.x, x, 1e-6f);
+  EXPECT_NEAR(v.y, y, 1e-6f);
+  EXPECT_NEAR(v.z, z, 1e-6f);
 }
 
 Vec3 sun(const Date& d, const Place& p = kTown) {
@@ -36,14 +36,14 @@ Vec3 noonOf(unsigned year, unsigned month, unsigned day) {
 
 // Worked out once, step by step, in double precision.
 TEST(Heliodon, DirectionsOfKnownDates) {
-  expectNear(sun({2024, 6, 21, 14, 0, true}), -0.03141225730, -0.42774868067, 0.90335172346);
-  expectNear(sun({2023, 12, 21, 9, 30, false}), 0.70085480001, -0.70773294548, 0.08897543024);
-  expectNear(sun({2000, 3, 1, 7, 15, true}, {9072, -2032, 600, 30}), 0.79318974299, 0.52329035354,
-             0.31147590198);
-  expectNear(sun({1900, 10, 5, 17, 45, true}, {-4440, 2442, -300, -45.5f}), -0.83830403591,
-             0.52673805893, 0.14068887893);
-  expectNear(sun({2023, 3, 20, 12, 0, false}, {0, 0, 0, 0}), 0.03245503546, -0.00378202193,
-             0.99946604094);
+  expectNear(sun({2024, 6, 21, 14, 0, true}), -0.031412257f, -0.427748680f, 0.903351723f);
+  expectNear(sun({2023, 12, 21, 9, 30, false}), 0.700854800f, -0.707732945f, 0.088975430f);
+  expectNear(sun({2000, 3, 1, 7, 15, true}, {9072, -2032, 600, 30}), 0.793189742f, 0.523290353f,
+             0.311475901f);
+  expectNear(sun({1900, 10, 5, 17, 45, true}, {-4440, 2442, -300, -45.5f}), -0.838304035f,
+             0.526738058f, 0.140688878f);
+  expectNear(sun({2023, 3, 20, 12, 0, false}, {0, 0, 0, 0}), 0.032455035f, -0.003782021f,
+             0.999466040f);
 }
 
 // The model is a sun: at its highest in the south, 90 - latitude +- 23.5 degrees, east at morning.
