@@ -221,17 +221,22 @@ void XCFrameCollector::FillMatrix(const Point* inVertex, unsigned int inTake, un
   outMatrix = mGlobalTransformation * blend;
 }
 
-// All points come first: an edit that has begun should not have to be abandoned.
+// Commits within its own scope: where memory runs out the caller gets to know.
 void XCFrameCollector::deformInto(UXS::Mesh& outMesh, unsigned int inTake,
                                   unsigned int inFrame) const {
   const std::vector<Point>& vertices = restVertices();
   if (vertices.empty()) return;
-  std::vector<Point> points;
-  points.reserve(vertices.size());
-  for (const Point& vertex : vertices) points.push_back(TransformPoint(&vertex, inTake, inFrame));
   UXS::Mesh::Editor editor(outMesh, false);
-  editor.Copy(*mMesh, true);
-  for (unsigned int i = 0; i < points.size(); ++i) editor.SetVertex(i, points[i]);
+  try {
+    editor.Copy(*mMesh, true);
+    for (unsigned int i = 0; i < vertices.size(); ++i) {
+      editor.SetVertex(i, TransformPoint(&vertices[i], inTake, inFrame));
+    }
+    editor.Commit();
+  } catch (...) {
+    editor.Abandon();
+    throw;
+  }
 }
 
 }  // namespace Norvel::Vexa

@@ -36,6 +36,10 @@ void erase(std::vector<T>& ioValues, unsigned int i) {
 Mesh::EditorBase::EditorBase(Mesh& mesh, bool keepDate) : mMesh(&mesh), mKeepDate(keepDate) {}
 
 Mesh::EditorBase::~EditorBase() {
+  if (isOpen()) dateMesh();
+}
+
+void Mesh::EditorBase::dateMesh() {
   if (!mKeepDate) data().mDate = get_time();
 }
 
@@ -132,9 +136,22 @@ void Mesh::EditorBase::MergeTriangleVertices(unsigned int material) {
   }
 }
 
-Mesh::Editor::~Editor() { data().Process(); }
+Mesh::Editor::~Editor() {
+  if (isOpen()) data().Process();
+}
 
-Mesh::LightWeightEditor::~LightWeightEditor() { data().ProcessLightWeight(); }
+void Mesh::Editor::Commit() try {
+  data().Process();
+  dateMesh();
+  Abandon();
+} catch (...) {
+  Abandon();
+  throw;
+}
+
+Mesh::LightWeightEditor::~LightWeightEditor() {
+  if (isOpen()) data().ProcessLightWeight();
+}
 
 void InternalMergeTriangleVertices(unsigned int triangle, Mesh::Impl& mesh, PositionTable& table) {
   Mesh::Corners& corners = entry(mesh.mTriangles, triangle);

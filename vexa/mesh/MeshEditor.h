@@ -13,7 +13,8 @@ namespace UXS {
 /// Use Editor, whose commit derives everything anew, or LightWeightEditor. The mesh is borrowed and
 /// must outlive its editor; one editor at a time. Until the commit the sections, edges, groups,
 /// boxes and normals are those of the commit before. Indices are the caller's to keep in range:
-/// they are asserted in debug builds only. An exception during the commit terminates the program.
+/// they are asserted in debug builds only. An exception during the commit terminates the program,
+/// unless it is Commit() that commits.
 ///
 /// Uv and normals that a commit has emptied come back as zeros for all triangles as soon as one
 /// is written or a triangle is added.
@@ -25,6 +26,10 @@ class VEXA_EXPORT Mesh::EditorBase : public uxs_reference {
   EditorBase& operator=(const EditorBase&) = delete;
   /// Only dates the mesh.
   ~EditorBase() override;
+
+  /// Ends the edit without a commit: what has been written stays, nothing is derived from it. This
+  /// object has then no further use.
+  void Abandon() { mMesh = nullptr; }
 
   /// Reserves room for n vertices.
   void SetVerticesCount(unsigned int n);
@@ -54,9 +59,11 @@ class VEXA_EXPORT Mesh::EditorBase : public uxs_reference {
 
  protected:
   Impl& data() { return *mMesh->mImpl; }
+  bool isOpen() const { return mMesh != nullptr; }
+  void dateMesh();
 
  private:
-  Mesh* mMesh;
+  Mesh* mMesh;  // null when the edit is over
   bool mKeepDate;
 };
 
@@ -65,6 +72,10 @@ class VEXA_EXPORT Mesh::Editor : public Mesh::EditorBase {
  public:
   using EditorBase::EditorBase;
   ~Editor() override;
+
+  /// Commits now and ends the edit. Throws std::bad_alloc when memory runs out; the edit is then
+  /// abandoned.
+  void Commit();
 };
 
 /// The editor whose commit runs Mesh::Impl::ProcessLightWeight(): for edits that move vertices and
