@@ -108,7 +108,7 @@ TEST(Array, FailureIsReportedAndChangesNothing) {
   EXPECT_EQ(a[3], 7u);
 
   struct Huge {
-    char bytes[1u << 31];
+    char bytes[1ull << 32];
   };
   using Huges = uxs_array<Huge, unsigned int>;
   Huges huge;

@@ -1,0 +1,31 @@
+#include "assets/read_file.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <stdexcept>
+
+namespace vexa::assets {
+namespace {
+
+[[noreturn]] void fail(const std::string& inPath) {
+  throw std::runtime_error(inPath + ": " + std::strerror(errno));
+}
+
+}  // namespace
+
+std::string readFile(const std::string& inPath) {
+  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(inPath.c_str(), "rb"),
+                                                             std::fclose);
+  if (!file) fail(inPath);
+  std::string bytes;
+  char block[1 << 16];
+  while (const std::size_t count = std::fread(block, 1, sizeof(block), file.get())) {
+    bytes.append(block, count);
+  }
+  if (std::ferror(file.get()) != 0) fail(inPath);
+  return bytes;
+}
+
+}  // namespace vexa::assets
