@@ -7,3 +7,8 @@ if(VEXA_COVERAGE)
   add_compile_options(--coverage)
   add_link_options(--coverage)
 endif()
+# The fuzzer sees which branches of the library an input takes.
+if(VEXA_BUILD_FUZZERS)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+  add_link_options(-fsanitize=fuzzer-no-link)
+endif()
