@@ -27,4 +27,10 @@ std::ptrdiff_t slotOf(Member member) {
   return isVirtual ? offset / static_cast<std::intptr_t>(sizeof(void*)) : -1;
 }
 
+/// Whether operations stand at consecutive positions, in this order, from the first on.
+template <class... Members>
+bool standInOrderFrom(std::ptrdiff_t first, Members... members) {
+  return ((slotOf(members) == first++) && ...);
+}
+
 }  // namespace vexa::tests

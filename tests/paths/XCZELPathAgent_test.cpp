@@ -10,16 +10,15 @@ namespace {
 
 using namespace vexa;
 using Norvel::Vexa::XCZELPathAgent;
-using tests::slotOf;
 using tests::whatOf;
 using V3 = UXS::uxs_generic_vec3<float>;
+using Agent = Norvel::Vexa::XTPathAgent<V3, V3, float>;
 
 TEST(PathAgent, WhatIsSetIsStoredRelativeToThePassagePoint) {
   refhost::Path path;
   const refhost::BezierPoint& point = path.mPoints.add();
   XCZELPathAgent agent(&path);
   agent.setPassagePointPositionAt(0, {10, 20, 0.1f});
-  EXPECT_EQ(point.mPassage.z, double(0.1f));
   agent.setBeforeControlPointAt(0, {9, 18, 0});
   agent.setAfterControlPointAt(0, {11, 22, 0});
   EXPECT_EQ(point.mBefore.y, -2);
@@ -33,9 +32,6 @@ TEST(PathAgent, WhatIsSetIsStoredRelativeToThePassagePoint) {
   EXPECT_TRUE(point.mTangentLocked);
   agent.setPathClosed(true);
   EXPECT_TRUE(path.mClosed);
-  agent.BlockSynchronization();
-  agent.UnBlockSynchronization();
-  EXPECT_EQ(agent.getPassagePointPositionAt(0), V3(10, 20, 0.1f));
 }
 
 TEST(PathAgent, AddsAndRemovesPointsOfAPathButNotOfAList) {
@@ -43,7 +39,6 @@ TEST(PathAgent, AddsAndRemovesPointsOfAPathButNotOfAList) {
   path.mPoints.add().mPassage = {1, 0, 0};
   XCZELPathAgent agent(&path);
   EXPECT_TRUE(agent.addNewPointAt(0));
-  EXPECT_EQ(agent.getNbBezierPoints(), 2u);
   EXPECT_EQ(agent.getPassagePointPositionAt(1).x, 1);
   EXPECT_TRUE(agent.removePointAt(1));
   EXPECT_EQ(agent.getPassagePointPositionAt(0).x, 0);
@@ -54,38 +49,21 @@ TEST(PathAgent, AddsAndRemovesPointsOfAPathButNotOfAList) {
   EXPECT_EQ(whatOf([&] { listAgent.removePointAt(0); }), text);  // required: the same text
   EXPECT_EQ(whatOf([&] { listAgent.setPathClosed(true); }),
             "XCZELPathAgent::setPathClosed - mPath is not initialized");
-  EXPECT_EQ(agent.getNbBezierPoints(), 1u);
-  path.mHasPointList = false;
-  EXPECT_EQ(whatOf([&] { XCZELPathAgent(&path).removePointAt(0); }),
-            "XC3DPath::removePointAt - can not get path's BezierPointsMgr");
+  EXPECT_EQ(
+      whatOf([&] { XCZELPathAgent(static_cast<UxZel::IZel3DPath*>(nullptr)).removePointAt(0); }),
+      "XC3DPath::removePointAt - can not get path's BezierPointsMgr");
 }
 
 TEST(PathAgent, VirtualOperationsStandInOrder) {
-  using Agent = Norvel::Vexa::XTPathAgent<V3, V3, float>;
-  const std::ptrdiff_t slots[] = {slotOf(&Agent::PointsMgrExist),
-                                  slotOf(&Agent::getNbBezierPoints),
-                                  slotOf(&Agent::addNewPointAt),
-                                  slotOf(&Agent::removePointAt),
-                                  slotOf(&Agent::getPassagePointPositionAt),
-                                  slotOf(&Agent::setPassagePointPositionAt),
-                                  slotOf(&Agent::getBeforeControlPointAt),
-                                  slotOf(&Agent::setBeforeControlPointAt),
-                                  slotOf(&Agent::getAfterControlPointAt),
-                                  slotOf(&Agent::setAfterControlPointAt),
-                                  slotOf(&Agent::getToBeforeCtrlPtAt),
-                                  slotOf(&Agent::setToBeforeCtrlPtAt),
-                                  slotOf(&Agent::getToAfterCtrlPtAt),
-                                  slotOf(&Agent::setToAfterCtrlPtAt),
-                                  slotOf(&Agent::getAfterControlPointWeightAt),
-                                  slotOf(&Agent::getBeforeControlPointWeightAt),
-                                  slotOf(&Agent::getTangentLockedAt),
-                                  slotOf(&Agent::setTangentLockedAt),
-                                  slotOf(&Agent::getPathClosed),
-                                  slotOf(&Agent::setPathClosed),
-                                  slotOf(&Agent::BlockSynchronization),
-                                  slotOf(&Agent::UnBlockSynchronization)};
-  std::ptrdiff_t expected = 0;
-  for (const std::ptrdiff_t slot : slots) EXPECT_EQ(slot, expected++);
+  EXPECT_TRUE(tests::standInOrderFrom(
+      0, &Agent::PointsMgrExist, &Agent::getNbBezierPoints, &Agent::addNewPointAt,
+      &Agent::removePointAt, &Agent::getPassagePointPositionAt, &Agent::setPassagePointPositionAt,
+      &Agent::getBeforeControlPointAt, &Agent::setBeforeControlPointAt,
+      &Agent::getAfterControlPointAt, &Agent::setAfterControlPointAt, &Agent::getToBeforeCtrlPtAt,
+      &Agent::setToBeforeCtrlPtAt, &Agent::getToAfterCtrlPtAt, &Agent::setToAfterCtrlPtAt,
+      &Agent::getAfterControlPointWeightAt, &Agent::getBeforeControlPointWeightAt,
+      &Agent::getTangentLockedAt, &Agent::setTangentLockedAt, &Agent::getPathClosed,
+      &Agent::setPathClosed, &Agent::BlockSynchronization, &Agent::UnBlockSynchronization));
 }
 
 }  // namespace

@@ -14,24 +14,24 @@ namespace {
 using namespace vexa;
 using Norvel::Vexa::XCZELPathAgent;
 using Norvel::Vexa::XCZELPathInfo;
-using tests::slotOf;
 using tests::whatOf;
 using V3 = UXS::uxs_generic_vec3<float>;
+using Info = Norvel::Vexa::XTPathInfo<V3, V3, float>;
 
 // At (10, 20, 30); arrives over a leg of length 5 and leaves over one of length 13.
 refhost::Path onePoint() {
-  refhost::Path path;
-  refhost::BezierPoint& point = path.mPoints.add();
+  refhost::BezierPoint point;
   point.mPassage = {10, 20, 30};
   point.mBefore = {-3, -4, 0};
   point.mAfter = {3, 4, 12};
   point.mTangentLocked = true;
+  refhost::Path path;
+  path.mPoints.add(point);
   return path;
 }
 
 template <class Reader>
 void expectThePoint(const Reader& reader) {
-  EXPECT_TRUE(reader.PointsMgrExist());
   EXPECT_EQ(reader.getNbBezierPoints(), 1u);
   EXPECT_EQ(reader.getPassagePointPositionAt(0), V3(10, 20, 30));
   EXPECT_EQ(reader.getBeforeControlPointAt(0), V3(7, 16, 30));
@@ -41,7 +41,6 @@ void expectThePoint(const Reader& reader) {
   EXPECT_EQ(reader.getBeforeControlPointWeightAt(0), 5);
   EXPECT_EQ(reader.getAfterControlPointWeightAt(0), 13);
   EXPECT_TRUE(reader.getTangentLockedAt(0));
-  EXPECT_FALSE(reader.getPathClosed());
 }
 
 TEST(PathInfo, ReadsThePointsAndSoDoesTheAgent) {
@@ -57,38 +56,35 @@ TEST(PathInfo, ReadsThePointsAndSoDoesTheAgent) {
 }
 
 // Calls an operation without a list, then for a point that is not there.
-template <class Call>
-void expectTexts(const std::string& operation, Call call) {
+template <class Reader, class Operation, class... Arguments>
+void expectTexts(const std::string& name, Operation operation, Arguments... arguments) {
   refhost::Path path = onePoint();
-  path.mHasPointList = false;
-  const std::string noList = "XC3DPath::" + operation + " - can not get path's BezierPointsMgr";
-  EXPECT_EQ(whatOf([&] { call(path); }), noList);
-  path.mHasPointList = true;
-  const std::string noPoint =
-      "XCZELPathAgent::" + operation + " : can not get BezierPoint (pointer is NULL)";
-  EXPECT_EQ(whatOf([&] { call(path); }), noPoint);
+  for (const unsigned int absent : {1u, 0xffffffffu}) {
+    const auto call = [&] { (Reader(&path).*operation)(absent, arguments...); };
+    path.mHasPointList = false;
+    EXPECT_EQ(whatOf(call), "XC3DPath::" + name + " - can not get path's BezierPointsMgr");
+    path.mHasPointList = true;
+    EXPECT_EQ(whatOf(call),
+              "XCZELPathAgent::" + name + " : can not get BezierPoint (pointer is NULL)");
+  }
 }
-
-#define EXPECT_TEXTS(Class, operation, ...) \
-  expectTexts(#operation, [](refhost::Path& path) { Class(&path).operation(__VA_ARGS__); })
+#define EXPECT_TEXTS(R, operation, ...) expectTexts<R>(#operation, &R::operation, ##__VA_ARGS__)
 
 TEST(PathInfo, ErrorsNameTheOperation) {
-  constexpr unsigned int kAbsent = 1, kFar = 0xffffffffu;
-  EXPECT_TEXTS(XCZELPathInfo, getPassagePointPositionAt, kAbsent);
-  EXPECT_TEXTS(XCZELPathInfo, getBeforeControlPointAt, kFar);
-  EXPECT_TEXTS(XCZELPathInfo, getAfterControlPointAt, kAbsent);
-  EXPECT_TEXTS(XCZELPathInfo, getToBeforeCtrlPtAt, kFar);
-  EXPECT_TEXTS(XCZELPathInfo, getToAfterCtrlPtAt, kAbsent);
-  EXPECT_TEXTS(XCZELPathInfo, getAfterControlPointWeightAt, kAbsent);
-  EXPECT_TEXTS(XCZELPathInfo, getBeforeControlPointWeightAt, kAbsent);
-  EXPECT_TEXTS(XCZELPathInfo, getTangentLockedAt, kAbsent);
-  EXPECT_TEXTS(XCZELPathAgent, getTangentLockedAt, kAbsent);
-  EXPECT_TEXTS(XCZELPathAgent, setPassagePointPositionAt, kAbsent, V3());
-  EXPECT_TEXTS(XCZELPathAgent, setBeforeControlPointAt, kAbsent, V3());
-  EXPECT_TEXTS(XCZELPathAgent, setAfterControlPointAt, kAbsent, V3());
-  EXPECT_TEXTS(XCZELPathAgent, setToBeforeCtrlPtAt, kAbsent, V3());
-  EXPECT_TEXTS(XCZELPathAgent, setToAfterCtrlPtAt, kAbsent, V3());
-  EXPECT_TEXTS(XCZELPathAgent, setTangentLockedAt, kAbsent, true);
+  EXPECT_TEXTS(XCZELPathInfo, getPassagePointPositionAt);
+  EXPECT_TEXTS(XCZELPathInfo, getBeforeControlPointAt);
+  EXPECT_TEXTS(XCZELPathInfo, getAfterControlPointAt);
+  EXPECT_TEXTS(XCZELPathInfo, getToBeforeCtrlPtAt);
+  EXPECT_TEXTS(XCZELPathInfo, getToAfterCtrlPtAt);
+  EXPECT_TEXTS(XCZELPathInfo, getAfterControlPointWeightAt);
+  EXPECT_TEXTS(XCZELPathInfo, getBeforeControlPointWeightAt);
+  EXPECT_TEXTS(XCZELPathInfo, getTangentLockedAt);
+  EXPECT_TEXTS(XCZELPathAgent, setPassagePointPositionAt, V3());
+  EXPECT_TEXTS(XCZELPathAgent, setBeforeControlPointAt, V3());
+  EXPECT_TEXTS(XCZELPathAgent, setAfterControlPointAt, V3());
+  EXPECT_TEXTS(XCZELPathAgent, setToBeforeCtrlPtAt, V3());
+  EXPECT_TEXTS(XCZELPathAgent, setToAfterCtrlPtAt, V3());
+  EXPECT_TEXTS(XCZELPathAgent, setTangentLockedAt, true);
   EXPECT_EQ(whatOf([] { XCZELPathInfo(nullptr).getNbBezierPoints(); }),
             "XC3DPath::getNbBezierPoints - can not get path's BezierPointsMgr");
 }
@@ -107,20 +103,11 @@ TEST(PathInfo, ANegativeCountIsNone) {
 }
 
 TEST(PathInfo, VirtualOperationsStandInOrder) {
-  using Info = Norvel::Vexa::XTPathInfo<V3, V3, float>;
-  const std::ptrdiff_t slots[] = {slotOf(&Info::PointsMgrExist),
-                                  slotOf(&Info::getNbBezierPoints),
-                                  slotOf(&Info::getPassagePointPositionAt),
-                                  slotOf(&Info::getBeforeControlPointAt),
-                                  slotOf(&Info::getAfterControlPointAt),
-                                  slotOf(&Info::getToBeforeCtrlPtAt),
-                                  slotOf(&Info::getToAfterCtrlPtAt),
-                                  slotOf(&Info::getAfterControlPointWeightAt),
-                                  slotOf(&Info::getBeforeControlPointWeightAt),
-                                  slotOf(&Info::getTangentLockedAt),
-                                  slotOf(&Info::getPathClosed)};
-  std::ptrdiff_t expected = 0;
-  for (const std::ptrdiff_t slot : slots) EXPECT_EQ(slot, expected++);
+  EXPECT_TRUE(tests::standInOrderFrom(
+      0, &Info::PointsMgrExist, &Info::getNbBezierPoints, &Info::getPassagePointPositionAt,
+      &Info::getBeforeControlPointAt, &Info::getAfterControlPointAt, &Info::getToBeforeCtrlPtAt,
+      &Info::getToAfterCtrlPtAt, &Info::getAfterControlPointWeightAt,
+      &Info::getBeforeControlPointWeightAt, &Info::getTangentLockedAt, &Info::getPathClosed));
 }
 
 }  // namespace
