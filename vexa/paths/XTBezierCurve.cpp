@@ -87,46 +87,6 @@ template <class V, class W, class S>
 XTBezierCurve<V, W, S>::~XTBezierCurve() = default;
 
 template <class V, class W, class S>
-V XTBezierCurve<V, W, S>::getStartValue() const {
-  return mStartValue;
-}
-
-template <class V, class W, class S>
-V XTBezierCurve<V, W, S>::getEndValue() const {
-  return mEndValue;
-}
-
-template <class V, class W, class S>
-V XTBezierCurve<V, W, S>::getStartControlPoint() const {
-  return mStartControlPoint;
-}
-
-template <class V, class W, class S>
-V XTBezierCurve<V, W, S>::getEndControlPoint() const {
-  return mEndControlPoint;
-}
-
-template <class V, class W, class S>
-void XTBezierCurve<V, W, S>::setStartValue(V value) {
-  mStartValue = value;
-}
-
-template <class V, class W, class S>
-void XTBezierCurve<V, W, S>::setEndValue(V value) {
-  mEndValue = value;
-}
-
-template <class V, class W, class S>
-void XTBezierCurve<V, W, S>::setStartControlPoint(V point) {
-  mStartControlPoint = point;
-}
-
-template <class V, class W, class S>
-void XTBezierCurve<V, W, S>::setEndControlPoint(V point) {
-  mEndControlPoint = point;
-}
-
-template <class V, class W, class S>
 double XTBezierCurve<V, W, S>::getLengthAproximation() const {
   const V middle = (mStartControlPoint + mEndControlPoint) * S(0.5);
   const double endLeg = double(vectorLength(mEndValue - mEndControlPoint));

@@ -22,18 +22,18 @@ class VEXA_EXPORT XTBezierCurve {
   XTBezierCurve& operator=(const XTBezierCurve&) = default;
   virtual ~XTBezierCurve();
 
-  virtual V getStartValue() const;         ///< P0
-  virtual V getEndValue() const;           ///< P3
-  virtual V getStartControlPoint() const;  ///< C1
-  virtual V getEndControlPoint() const;    ///< C2
-  virtual void setStartValue(V value);
-  virtual void setEndValue(V value);
-  virtual void setStartControlPoint(V point);
-  virtual void setEndControlPoint(V point);
+  virtual V getStartValue() const { return mStartValue; }                ///< P0
+  virtual V getEndValue() const { return mEndValue; }                    ///< P3
+  virtual V getStartControlPoint() const { return mStartControlPoint; }  ///< C1
+  virtual V getEndControlPoint() const { return mEndControlPoint; }      ///< C2
+  virtual void setStartValue(V value) { mStartValue = value; }
+  virtual void setEndValue(V value) { mEndValue = value; }
+  virtual void setStartControlPoint(V point) { mStartControlPoint = point; }
+  virtual void setEndControlPoint(V point) { mEndControlPoint = point; }
 
   /// Estimated arc length: the control polygon and twice the broken line P0-M-P3, over three, where
-  /// M is the middle of C1 and C2. Exact for a straight segment with its controls in order; halving
-  /// the segment first divides the error by about 16.
+  /// M is the middle of C1 and C2. Exact for a straight segment with its
+  /// controls in order; halving the segment first divides the excess by about 4.
   virtual double getLengthAproximation() const;
   /// Share of the first control leg |C1 - P0| in the length of the control polygon; 1 for a polygon
   /// of length 0.
