@@ -4,9 +4,13 @@
 
 #include "vexa/Export.h"
 #include "vexa/animation/CKeyFrameTool.h"
+#include "vexa/animation/CZelObjectInstanceTool.h"
+#include "vexa/animation/XCAnimationMgr.h"
 #include "vexa/animation/XCDateInterpolation.h"
 #include "vexa/animation/XCTimeImpl.h"
+#include "vexa/animation/XIAnimationMgr.h"
 #include "vexa/animation/keyframe_curves.h"
+#include "vexa/animation/matrix_conversion.h"
 #include "vexa/framecollector/XCAMOFileIOTool.h"
 #include "vexa/framecollector/XCFrameCollector.h"
 #include "vexa/framecollector/XCTMPTake.h"

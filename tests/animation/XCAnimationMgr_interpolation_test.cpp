@@ -1,0 +1,304 @@
+#include <gtest/gtest.h>
+#include <limits>
+#include <rapidcheck/gtest.h>
+#include <string>
+#include <vector>
+
+#include "refhost/scenes/paths.h"
+#include "refhost/scenes/properties.h"
+#include "tests/helpers/captured_stderr.h"
+#include "tests/helpers/compare.h"
+#include "tests/helpers/managed.h"
+#include "tests/helpers/raw_bits.h"
+#include "tests/helpers/vtable_slot.h"
+#include "vexa/animation/XCAnimationMgr.h"
+
+using namespace vexa::refhost;
+using Norvel::Vexa::XCAnimationMgr;
+using Norvel::Vexa::XIAnimationMgr;
+using UxZel::CZelVector;
+using uValue = UxZel::IZelKeyFrame::uValue;
+using vexa::tests::makeManager;
+using vexa::tests::sameBits;
+using vexa::tests::stderrOf;
+
+namespace {
+
+constexpr int kIntMax = std::numeric_limits<int>::max();
+constexpr int kIntMin = std::numeric_limits<int>::min();
+
+using Range = std::pair<int, int>;
+
+Range rangeOf(const std::vector<int>& keyFrames, int frame) {
+  Property property;
+  for (const int f : keyFrames) property.mKeys.add(realKey(f, 0));
+  int min = -1, max = -1;
+  XCAnimationMgr().GetKeyFrameRange(frame, min, max, &property.mKeys);
+  return {min, max};
+}
+
+/// The same by its definition: the latest key at or before the frame, the earliest of the others
+/// at or after it, the first of equals each time.
+Range plainRangeOf(const std::vector<int>& keyFrames, int frame) {
+  int min = -1, max = -1;
+  const auto at = [&](int i) { return keyFrames[std::size_t(i)]; };
+  const int count = int(keyFrames.size());
+  for (int i = 0; i < count; ++i) {
+    if (at(i) != -1 && at(i) <= frame && (min < 0 || at(i) > at(min))) min = i;
+  }
+  for (int i = 0; i < count; ++i) {
+    if (at(i) != -1 && at(i) >= frame && i != min && (max < 0 || at(i) < at(max))) max = i;
+  }
+  return {min < 0 ? max : min, max < 0 ? min : max};
+}
+
+struct Asked {
+  uValue mValue;
+  std::string mErrors;
+};
+
+Asked ask(Scene& scene, const Property& property, int frame, CZelVector* direction = nullptr,
+          double* rate = nullptr) {
+  Asked asked;
+  const auto manager = makeManager();
+  asked.mErrors = stderrOf(
+      [&] { asked.mValue = manager->InterpolateValue(&scene, &property, frame, direction, rate); });
+  return asked;
+}
+
+double realAt(const Property& property, int frame) {
+  Scene scene;
+  const Asked asked = ask(scene, property, frame);
+  EXPECT_EQ(asked.mErrors, "");
+  return asked.mValue.mReal;
+}
+
+/// The line that names a fault; the value must be all zero with it.
+std::string faultOf(const Asked& asked) {
+  EXPECT_TRUE(sameBits(asked.mValue, uValue{}));
+  const std::string before = "XCAnimationMgr::InterpolateValue - Caught an exception \"";
+  const std::string after = "\"\n", own = "XCAnimationMgr::InterpolateValue : ";
+  std::string text = asked.mErrors;
+  if (text.rfind(before, 0) != 0) return "unexpected: " + text;
+  text = text.substr(before.size(), text.size() - before.size() - after.size());
+  return text.rfind(own, 0) == 0 ? text.substr(own.size()) : text;
+}
+
+Property cyclic(std::initializer_list<Key> keys, int repeats) {
+  Property property;
+  for (const Key& key : keys) property.mKeys.add(key);
+  property.mCyclic = true;
+  property.mRepeatCount = repeats;
+  return property;
+}
+
+}  // namespace
+
+TEST(AnimationMgr, Slots) {
+  using vexa::tests::slotOf;
+  EXPECT_EQ(slotOf(&XIAnimationMgr::Delete), 0);
+  EXPECT_EQ(slotOf(&XIAnimationMgr::InterpolateValue), 1);
+  EXPECT_EQ(slotOf(&XIAnimationMgr::RegisterAnimatedObject), 2);
+  EXPECT_EQ(slotOf(&XIAnimationMgr::ManageAnimatedObjectInstance), 3);
+  EXPECT_EQ(slotOf(&XIAnimationMgr::GetCurrentDefinition), 4);
+  using Point = Oru::TVector3D<float>;
+  using ByPoint = Point (XIAnimationMgr::*)(const Point*, unsigned int, unsigned int,
+                                            const UxZel::CZelUUID&) const;
+  using ByIndex = Point (XIAnimationMgr::*)(unsigned int, unsigned int, unsigned int,
+                                            const UxZel::CZelUUID&) const;
+  EXPECT_EQ(slotOf<ByPoint>(&XIAnimationMgr::TransformPoint), 5);
+  EXPECT_EQ(slotOf<ByIndex>(&XIAnimationMgr::TransformPoint), 6);
+}
+
+TEST(AnimationMgr, KnowsNothingAtFirstAndForgivesNull) {
+  const auto manager = makeManager();
+  const Oru::TVector3D<float> point{1, 2, 3}, zero{};
+  EXPECT_EQ(manager->GetCurrentDefinition(0, 0, numberedUUID(1)), nullptr);
+  EXPECT_EQ(manager->TransformPoint(&point, 0, 0, numberedUUID(1)), zero);
+  EXPECT_EQ(manager->TransformPoint(3u, 0, 0, numberedUUID(1)), zero);
+  XIAnimationMgr::Destroy(nullptr);
+}
+
+TEST(KeyRange, NearestKeysInAnyOrder) {
+  EXPECT_EQ(rangeOf({}, 5), Range(-1, -1));
+  EXPECT_EQ(rangeOf({-1, -1}, 5), Range(-1, -1));
+  EXPECT_EQ(rangeOf({20, 0, 10}, 5), Range(1, 2));
+  EXPECT_EQ(rangeOf({20, 0, 10}, 10), Range(2, 0));
+  EXPECT_EQ(rangeOf({10, 20}, 5), Range(0, 0)) << "before the first";
+  EXPECT_EQ(rangeOf({10, 20}, 25), Range(1, 1)) << "after the last";
+  EXPECT_EQ(rangeOf({0, 10, 10, 20}, 10), Range(1, 2)) << "two at the frame itself";
+  EXPECT_EQ(rangeOf({-1, 0, -1, 10}, 5), Range(1, 3));
+  EXPECT_EQ(rangeOf({kIntMin, kIntMax}, kIntMax), Range(1, 1));
+  EXPECT_EQ(rangeOf({kIntMin, kIntMax}, kIntMin), Range(0, 1));
+}
+
+RC_GTEST_PROP(KeyRange, AgreesWithItsDefinition, ()) {
+  // Few frames, so that keys meet; some at both ends of the integers.
+  const auto frames = rc::gen::oneOf(rc::gen::inRange(-3, 8), rc::gen::arbitrary<int>(),
+                                     rc::gen::element(kIntMin, kIntMax, -1, 0));
+  const auto keys = *rc::gen::container<std::vector<int>>(frames);
+  const int frame = *frames;
+  RC_ASSERT(rangeOf(keys, frame) == plainRangeOf(keys, frame));
+}
+
+TEST(InterpolateValue, LampHalfwayUp) {
+  Scene lamp = scenes::lamp();
+  const auto at = [&](std::size_t property, int frame) {
+    return ask(lamp, lamp.mProperties[property], frame).mValue;
+  };
+  EXPECT_EQ(at(0, 50).mReal, 0.5);
+  EXPECT_EQ(at(1, 50).mColor[0], 127);
+  EXPECT_FLOAT_EQ(float(at(2, 50).mVector[2]), 15);
+  EXPECT_EQ(at(3, 50).mInteger, 1);
+  EXPECT_EQ(at(4, 49).mStep, 7u);
+  EXPECT_EQ(at(4, 50).mStep, 9u);
+  EXPECT_TRUE(sameBits(at(0, 1000), realKey(0, 1).mValue)) << "the last key holds, the rest is 0";
+  EXPECT_EQ(at(3, 50).mBytes[4], 0) << "bytes beyond the type are cleared";
+}
+
+TEST(InterpolateValue, EveryFaultGivesZeroAndALine) {
+  Scene scene;
+  Property property;
+  EXPECT_EQ(faultOf(ask(scene, property, 0)), "list of keyframes is empty");
+  property.mKeys.add(realKey(-1, 5));
+  EXPECT_EQ(faultOf(ask(scene, property, -1)), "given frame number is negative");
+  EXPECT_EQ(faultOf(ask(scene, property, 0)), "bad min index");
+  property.mKeys.add(realKey(3, 0.5));
+  property.mPropertyType = UxZel::kPropertyPosition;
+  property.mPath = numberedUUID(7);
+  scene.mPaths.add(scenes::straightPath(1)).mIdentity.mUUID = numberedUUID(8);
+  EXPECT_EQ(faultOf(ask(scene, property, 3)),
+            "key frame of position, but the path doesn't exists !");
+  // What the curves raise arrives under its own name.
+  property.mPropertyType = 0;
+  property.mCyclic = true;
+  property.mRepeatCount = 2;
+  property.mKeys.mElements = {realKey(10, 0), realKey(0, 1)};
+  EXPECT_EQ(ask(scene, property, 5).mErrors, "");
+}
+
+// Three passes from 0 to 10: the first as the keys say, later frames one behind.
+TEST(InterpolateValue, FoldsCyclesOneFrameBehind) {
+  const Property pulse = scenes::lamp().mProperties[5];
+  EXPECT_EQ(realAt(pulse, 5), 0.5);
+  EXPECT_EQ(realAt(pulse, 10), 1);
+  EXPECT_EQ(realAt(pulse, 15), 0.4);
+  EXPECT_EQ(realAt(pulse, 20), 0) << "folds to -1, before the first key";
+  EXPECT_EQ(realAt(pulse, 25), 0.4);
+  EXPECT_EQ(realAt(pulse, 31), 1) << "past the last pass";
+  // The remainder is that of the frame itself, not of its distance from the first key.
+  const Property late = cyclic({realKey(7, 0), realKey(17, 10)}, 3);
+  EXPECT_EQ(realAt(late, 18), 7) << "7 + 8 - 1";
+  EXPECT_EQ(realAt(late, 20), 0) << "7 + 0 - 1 is before the first key";
+}
+
+// An eased cycle starts square, goes on linear and ends one-minus-square.
+TEST(InterpolateValue, ForcesTheCurveByPass) {
+  const int kSinus = UxZel::kInterpolationSinus;
+  const Property eased = cyclic({realKey(0, 0, kSinus), realKey(10, 1)}, 3);
+  const double square = 0.0954915;  // a fifth of the way in
+  EXPECT_NEAR(realAt(eased, 2), square, 1e-7);
+  EXPECT_EQ(realAt(eased, 8), 0.8);
+  EXPECT_EQ(realAt(eased, 13), 0.2);
+  EXPECT_EQ(realAt(eased, 19), 0.8);
+  EXPECT_EQ(realAt(eased, 23), 0.2);
+  EXPECT_NEAR(realAt(eased, 29), 1 - square, 1e-7);
+  EXPECT_EQ(realAt(cyclic({realKey(0, 0, kSinus), realKey(10, 1)}, 0), 5), 0.5)
+      << "no pass, no square";
+  const Property once = cyclic({realKey(3, 0, kSinus), realKey(3, 1)}, 3);
+  EXPECT_EQ(realAt(once, 9), 0) << "a span of 0 is not cyclic; the first of equal keys holds";
+}
+
+TEST(InterpolateValue, FollowsThePathOfItsName) {
+  Scene scene = scenes::ride(scenes::straightPath(30));
+  const Property& place = scene.mProperties[0];
+  scene.mPaths.add(scenes::straightPath(300)).mIdentity.mUUID = numberedUUID(1);  // not the first
+  CZelVector direction{9, 9, 9};
+  for (const unsigned int kind : {1u, 38u, 59u}) {
+    scene.mProperties[0].mPropertyType = kind;
+    EXPECT_NEAR(ask(scene, place, 50, &direction).mValue.mVector[0], 15, 1e-5);
+    EXPECT_NEAR(direction.x, 30, 1e-4);
+  }
+  double rate = 3;
+  EXPECT_NEAR(ask(scene, place, 50, &direction, &rate).mValue.mVector[0], 15, 1e-5);
+  EXPECT_NEAR(direction.x, 3, 1e-5) << "the chord to the place 3 units on";
+  scene.mPaths.mElements[0].mHasPointList = false;
+  direction = {9, 9, 9};
+  EXPECT_EQ(faultOf(ask(scene, place, 50, &direction)), "XC3DPath::XC3DPath - probleme path ! ");
+  EXPECT_EQ(direction.x, 9) << "untouched on failure";
+}
+
+// 25 host frames per time unit; the object's 40 frames play once in 100 host frames.
+TEST(InterpolateValue, FrameNumbersFromARate) {
+  Scene scene;
+  Property frames;
+  frames.mPropertyType = UxZel::kPropertyAnimatedFrameRate;
+  frames.mKeys.mElements = {integerKey(100, 0), integerKey(200, 0)};
+  double rate = 40;
+  const auto at = [&](int frame) {
+    const Asked asked = ask(scene, frames, frame, nullptr, &rate);
+    EXPECT_EQ(asked.mErrors, "");
+    return asked.mValue.mInteger;
+  };
+  EXPECT_EQ(at(100), 0);
+  EXPECT_EQ(at(150), 20);
+  EXPECT_EQ(at(300), 80) << "runs on";
+  scene.mSettings.mElements[0].mTimeScale = 7;  // cancels out
+  frames.mKeys.mElements[1].mFrame = 99;        // keys the wrong way round
+  EXPECT_EQ(at(101), -40);
+  frames.mKeys.mElements[1].mFrame = 100;
+  EXPECT_EQ(at(101), kIntMin) << "no span";
+  EXPECT_EQ(ask(scene, frames, 150).mValue.mInteger, 0) << "without a rate";
+}
+
+TEST(InterpolateValue, FrameNumbersWrapAtTheRate) {
+  Scene scene;
+  Property frames;
+  frames.mPropertyType = UxZel::kPropertyAnimatedFrameRate;
+  // Unsorted keys: the last is before the frame asked for, yet the second is not folded.
+  frames.mKeys.mElements = {integerKey(0, 0), integerKey(10, 0), integerKey(1000, 0)};
+  frames.mCyclic = true;
+  frames.mRepeatCount = 3;
+  double rate = 4;
+  const auto at = [&](int frame) { return ask(scene, frames, frame, nullptr, &rate); };
+  EXPECT_EQ(at(25).mValue.mInteger, 2) << "frame 10 of 4, third pass";
+  EXPECT_EQ(at(45).mValue.mInteger, 18) << "more passes than it repeats";
+  for (const double odd : {0.0, 1e300, std::numeric_limits<double>::quiet_NaN()}) {
+    rate = odd;
+    EXPECT_EQ(at(25).mValue.mInteger, odd == 0 ? 0 : kIntMin) << odd;
+  }
+  rate = 0.5;
+  EXPECT_EQ(faultOf(at(25)), "rate is less than one frame");
+  scene.mSettings.mElements.clear();
+  EXPECT_EQ(faultOf(at(25)), "list of settings is empty");
+  frames.mKeys.mElements.resize(1);
+  EXPECT_EQ(faultOf(at(25)), "second key frame is missing");
+}
+
+// Whatever the host hands over ends in a value, and prints nothing or one line.
+RC_GTEST_PROP(InterpolateValue, EndsInADefinedResultOnAnyInput, ()) {
+  const auto number = rc::gen::oneOf(rc::gen::inRange(-2, 30), rc::gen::arbitrary<int>(),
+                                     rc::gen::element(kIntMin, kIntMax));
+  Scene scene = scenes::ride(scenes::windingPath(*rc::gen::inRange(-1, 3)));
+  scene.mSettings.mElements[0].mTimeScale = *number;
+  Property& property = scene.mProperties[0];
+  property.mPropertyType = *rc::gen::element(0u, 1u, 135u, 140u);
+  property.mCyclic = *rc::gen::arbitrary<bool>();
+  property.mRepeatCount = *number;
+  property.mKeys.mElements.clear();
+  const int count = *rc::gen::inRange(0, 5);
+  for (int i = 0; i < count; ++i) {
+    Key& key = property.mKeys.add(realKey(*number, *vexa::tests::rawBits<double>()));
+    key.mValueType = *rc::gen::inRange(0u, 9u);
+    key.mInterpolationType = *rc::gen::inRange(-1, 8);
+    for (int c = 1; c < 3; ++c) key.mValue.mVector[c] = *vexa::tests::rawBits<double>();
+  }
+  double rate = *vexa::tests::rawBits<double>();
+  CZelVector direction;
+  const Asked asked =
+      ask(scene, property, *number, &direction, *rc::gen::arbitrary<bool>() ? &rate : nullptr);
+  RC_ASSERT(asked.mErrors.empty() ||
+            asked.mErrors.rfind("XCAnimationMgr::InterpolateValue - Caught an exception \"", 0) ==
+                0);
+  RC_ASSERT(asked.mErrors.empty() || sameBits(asked.mValue, uValue{}));
+}

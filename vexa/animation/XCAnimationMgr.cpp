@@ -1,0 +1,60 @@
+#include "vexa/animation/XCAnimationMgr.h"
+
+#include "vexa/animation/entry_point_internal.h"
+#include "vexa/framecollector/XCFrameCollector.h"
+
+namespace Norvel::Vexa {
+
+namespace {
+
+template <class Map, class Key>
+typename Map::mapped_type valueOrNull(const Map& map, const Key& key) {
+  const auto place = map.find(key);
+  return place == map.end() ? nullptr : place->second;
+}
+
+}  // namespace
+
+XIAnimationMgr* XIAnimationMgr::Create() {
+  return guardEntryPoint<XIAnimationMgr*>("XIAnimationMgr::Create", nullptr,
+                                          [] { return new XCAnimationMgr; });
+}
+
+void XCAnimationMgr::Delete() { delete this; }
+
+UXS::Mesh* XCAnimationMgr::GetCurrentDefinition(unsigned int take, unsigned int frame,
+                                                const UxZel::CZelUUID& instance) const {
+  const sAnimatedInstanceData* record = findRecord(instance);
+  if (record == nullptr) return nullptr;
+  return record->mFrameCollector->GetCurrentDefinition(take, frame, instance);
+}
+
+Oru::TVector3D<float> XCAnimationMgr::TransformPoint(const Oru::TVector3D<float>* vertex,
+                                                     unsigned int take, unsigned int frame,
+                                                     const UxZel::CZelUUID& instance) const {
+  const sAnimatedInstanceData* record = findRecord(instance);
+  if (record == nullptr) return {};
+  return record->mFrameCollector->TransformPoint(vertex, take, frame);
+}
+
+Oru::TVector3D<float> XCAnimationMgr::TransformPoint(unsigned int vertex, unsigned int take,
+                                                     unsigned int frame,
+                                                     const UxZel::CZelUUID& instance) const {
+  const sAnimatedInstanceData* record = findRecord(instance);
+  if (record == nullptr) return {};
+  return record->mFrameCollector->TransformPoint(vertex, take, frame);
+}
+
+XCAnimationMgr::~XCAnimationMgr() = default;
+
+const XCAnimationMgr::sAnimatedInstanceData* XCAnimationMgr::findRecord(
+    const UxZel::IZelAnimatedObject* object) const {
+  return valueOrNull(mInstancesByAnimatedObject, object);
+}
+
+const XCAnimationMgr::sAnimatedInstanceData* XCAnimationMgr::findRecord(
+    const UxZel::CZelUUID& instance) const {
+  return valueOrNull(mInstancesByUUID, instance);
+}
+
+}  // namespace Norvel::Vexa

@@ -1,0 +1,86 @@
+// Where instances stand: their matrix into the world, and their anchors.
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <vector>
+
+#include "vexa/animation/CZelObjectInstanceTool.h"
+#include "vexa/animation/XCAnimationMgr.h"
+
+namespace Norvel::Vexa {
+
+namespace {
+
+const UxZel::CZelUUID& idOf(const UxZel::IZelObjectInstance& instance) {
+  return *instance.GetIdentity()->GetUUID();
+}
+
+bool isPlantGroup(const UxZel::IZelObjectInstance& instance) {
+  return std::strcmp(instance.GetClassName(), "3DPlantGroupInstances") == 0;
+}
+
+float meanScale(const UxZel::IZelObjectInstance& instance) {
+  const double* s = instance.GetScale();
+  return static_cast<float>((std::fabs(s[0]) + std::fabs(s[1]) + std::fabs(s[2])) / 3.0);
+}
+
+}  // namespace
+
+UxZel::IZelObjectInstance* XCAnimationMgr::GetZelObjectInstance(UxZel::IZelMgr* mgr,
+                                                                const UxZel::CZelUUID& id) const {
+  const UxZel::TZelObjectMgr<UxZel::IZelObjectInstance>* instances = mgr->GetObjectInstances();
+  const int passes = instances->GetCount();
+  for (int pass = 0; pass < passes; ++pass) {
+    // Required behaviour: every pass looks at the first instance.
+    UxZel::IZelObjectInstance* instance = instances->GetAt(0);
+    if (idOf(*instance) == id) return instance;
+  }
+  return nullptr;
+}
+
+ux_matrix44<double> XCAnimationMgr::GetLocal2WorldMatrix(
+    UxZel::IZelMgr* mgr, const UxZel::IZelObjectInstance* instance) const {
+  std::vector<const UxZel::IZelObjectInstance*> chain;  // from the instance outwards
+  UxZel::CZelUUID id = idOf(*instance);
+  const auto hasId = [&id](const auto* seen) { return idOf(*seen) == id; };
+  while (!isNone(id) && std::none_of(chain.begin(), chain.end(), hasId)) {
+    const UxZel::IZelObjectInstance* found = GetZelObjectInstance(mgr, id);
+    if (found == nullptr) break;
+    chain.push_back(found);
+    id = *found->GetParentUUID();
+  }
+
+  ux_matrix44<double> result;
+  float scale = 1.0f;
+  bool insidePlantGroup = false;
+  for (auto step = chain.rbegin(); step != chain.rend(); ++step) {
+    const UxZel::IZelObjectInstance& current = **step;
+    const bool isLast = step + 1 == chain.rend();
+    result = UxZel::CZelObjectInstanceTool::getObjectTransformToWorld(
+        &current, scale, result, nullptr, nullptr, false, true,
+        insidePlantGroup && current.GetPlantGroupFlag(), isLast);
+    scale *= meanScale(current);
+    insidePlantGroup = isPlantGroup(current);
+  }
+  return result;
+}
+
+void XCAnimationMgr::SetAnchorPos(UxZel::IZelMgr* mgr, UxZel::IZelObjectInstance* instance,
+                                  const UxZel::CZelPoint& worldPoint) const {
+  const UxZel::CZelPoint anchor = anchorInParent(mgr, instance, worldPoint);
+  instance->SetAnchor(&anchor);
+}
+
+UxZel::CZelPoint XCAnimationMgr::anchorInParent(UxZel::IZelMgr* mgr,
+                                                const UxZel::IZelObjectInstance* instance,
+                                                const UxZel::CZelPoint& worldPoint) const {
+  const UxZel::CZelUUID parentId = *instance->GetParentUUID();
+  if (isNone(parentId)) return worldPoint;
+  const UxZel::IZelObjectInstance* parent = GetZelObjectInstance(mgr, parentId);
+  if (parent == nullptr) return worldPoint;
+  const ux_point3<double> local = GetLocal2WorldMatrix(mgr, parent).invert() *
+                                  ux_point3<double>(worldPoint.x, worldPoint.y, worldPoint.z);
+  return {local.x, local.y, local.z};
+}
+
+}  // namespace Norvel::Vexa

@@ -1,0 +1,146 @@
+// The value of a property at a frame.
+#include <cstdint>
+#include <cstring>
+
+#include "vexa/animation/XCAnimationMgr.h"
+#include "vexa/animation/entry_point_internal.h"
+#include "vexa/animation/host_access_internal.h"
+#include "vexa/animation/keyframe_curves.h"
+#include "vexa/math/conversion.h"
+#include "vexa/paths/path_position.h"
+
+namespace Norvel::Vexa {
+
+namespace {
+
+using uValue = UxZel::IZelKeyFrame::uValue;
+using Keys = UxZel::TZelObjectMgr<UxZel::IZelKeyFrame>;
+
+constexpr char kOperation[] = "XCAnimationMgr::InterpolateValue";
+
+/// Exact, whatever the two frames are.
+std::int64_t frameDifference(std::int64_t a, std::int64_t b) { return a - b; }
+
+/// A frame to look up, and the curve that its pass prescribes; -1 for the keys' own.
+struct Pass {
+  int mFrame;
+  int mForcedType = -1;
+};
+
+/// Which pass of a cyclic value a frame falls into.
+Pass passOf(const UxZel::IZelInterpolatedValue& value, const Keys& keys, int frame) {
+  const UxZel::IZelKeyFrame& firstKey = *keys.GetAt(0);
+  const int first = firstKey.GetFrame(), last = keys.GetAt(keys.GetCount() - 1)->GetFrame();
+  const std::int64_t span = frameDifference(last, first);
+  Pass pass{frame};
+  if (span == 0) return pass;
+
+  const std::int64_t cycle = frameDifference(frame, first) / span;
+  const int repeats = value.GetRepeatCount(), type = firstKey.GetInterpolationType();
+  const bool eases = type != UxZel::kInterpolationDate && type != UxZel::kInterpolationLinear;
+  if (cycle == 0 && repeats > 0 && eases) pass.mForcedType = UxZel::kInterpolationSquare;
+  if (frame > last) {
+    // Required behaviour: the remainder is that of the absolute frame, and one is subtracted.
+    if (cycle < repeats) pass.mFrame = wrapToInt(first + frame % span - 1);
+    const bool isLastPass = cycle == std::int64_t{repeats} - 1;
+    pass.mForcedType =
+        isLastPass && eases ? UxZel::kInterpolationOneMinusSquare : UxZel::kInterpolationLinear;
+  }
+  return pass;
+}
+
+/// The frame number of an object's own animation, which has `rate` frames and plays once while the
+/// host goes from the first key to the second.
+int frameAtRate(const UxZel::IZelMgr& mgr, const UxZel::IZelInterpolatedValue& value,
+                const Keys& keys, int frame, const double* rate) {
+  const int start = keys.GetAt(0)->GetFrame();
+  const std::int64_t elapsed = frameDifference(frame, start);
+  if (rate == nullptr || elapsed <= 0) return 0;
+  const int end = elementAt(&keys, 1, kOperation, "second key frame is missing")->GetFrame();
+  const UxZel::IZelSettings& settings = settingsOf(&mgr, kOperation);
+  const double scale = settings.GetTimeScale();
+  const double seconds = static_cast<double>(elapsed) / settings.GetTimeScale();
+  const double x = scale * (*rate / 1000.0) * (seconds * 1000.0) /
+                   static_cast<double>(frameDifference(end, start));  // order: exact floats
+  const int n = truncToInt(x);
+  const bool wraps =
+      n > *rate && value.IsCyclic() && value.GetRepeatCount() >= truncToInt(x / *rate);
+  if (!wraps) return n;
+  const std::int64_t frames = truncToInt(*rate);
+  if (frames == 0) raise(kOperation, "rate is less than one frame");
+  return static_cast<int>(n % frames);
+}
+
+/// Position on the value's path, and the direction there.
+uValue positionAt(const UxZel::IZelMgr& mgr, const UxZel::IZelInterpolatedValue& value, int min,
+                  int max, int frame, uValue& direction, const double* rate) {
+  const UxZel::IZel3DPath* path = find3DPath(&mgr, *value.GetPathUUID());
+  if (path == nullptr) raise(kOperation, "key frame of position, but the path doesn't exists !");
+  const Keys* keys = value.GetKeyFrames();
+  uValue position{};
+  if (rate == nullptr) {
+    uxInterpolated3DPath(keys, path, min, max, frame, position, direction);
+  } else {
+    uxInterpolated3DPath(keys, path, min, max, frame, position, direction, *rate);
+  }
+  return position;
+}
+
+}  // namespace
+
+void XCAnimationMgr::GetKeyFrameRange(int frame, int& minIndex, int& maxIndex,
+                                      const Keys* keys) const {
+  bool hasBefore = false, hasAfter = false;
+  int before = 0, after = 0;  // frames of the nearest keys found so far
+  const int count = keys->GetCount();
+  for (int i = 0; i < count; ++i) {
+    const int keyFrame = keys->GetAt(i)->GetFrame();
+    if (keyFrame == -1) continue;
+    if (keyFrame <= frame && (!hasBefore || before < keyFrame)) {
+      hasBefore = true;
+      before = keyFrame;
+      minIndex = i;
+    } else if (keyFrame >= frame && (!hasAfter || after > keyFrame)) {
+      hasAfter = true;
+      after = keyFrame;
+      maxIndex = i;
+    }
+  }
+  if (hasAfter && !hasBefore) minIndex = maxIndex;
+  if (!hasAfter) maxIndex = minIndex;
+}
+
+uValue XCAnimationMgr::InterpolateValue(UxZel::IZelMgr* mgr,
+                                        const UxZel::IZelInterpolatedValue* value, int frame,
+                                        UxZel::CZelVector* outDirection, double* rate) {
+  return guardEntryPoint(kOperation, uValue{}, [&] {
+    const Keys& keys = *value->GetKeyFrames();
+    if (keys.GetCount() < 1) raise(kOperation, "list of keyframes is empty");
+    if (frame < 0) raise(kOperation, "given frame number is negative");
+    const Pass pass = value->IsCyclic() ? passOf(*value, keys, frame) : Pass{frame};
+    int min = -1, max = -1;
+    GetKeyFrameRange(pass.mFrame, min, max, &keys);
+    if (min < 0) raise(kOperation, "bad min index");
+    if (max < 0) raise(kOperation, "bad max index");
+
+    uValue result{}, direction{};
+    switch (value->GetPropertyType()) {
+      case UxZel::kPropertyPosition:
+      case UxZel::kPropertyPositionTarget:
+      case UxZel::kPropertyPositionObject:
+        result = positionAt(*mgr, *value, min, max, pass.mFrame, direction, rate);
+        if (outDirection != nullptr) {
+          std::memcpy(outDirection, direction.mBytes, sizeof(*outDirection));
+        }
+        break;
+      case UxZel::kPropertyAnimatedFrameRate:
+        result.mInteger = frameAtRate(*mgr, *value, keys, pass.mFrame, rate);
+        break;
+      default:
+        uxInterpolate(keys.GetAt(min), keys.GetAt(max), pass.mFrame, result, pass.mForcedType);
+    }
+    return result;
+  });
+}
+
+}  // namespace Norvel::Vexa
