@@ -28,7 +28,7 @@ class VEXA_EXPORT XTLinearCoefficient : public XTEndValues<V> {
 /// V, given twice, is the value type and S the type of its components: double, float, int, long,
 /// UXS::uxs_generic_vec3<float> or UXS::uxs_color.
 /// Required behaviour: for integers 1 / (t1 - t0) and t - t0 are truncated before their products,
-/// so that over an interval longer than 1 the value stays a until t1.
+/// so that the value stays a until t1.
 template <class V, class W, class S>
 class VEXA_EXPORT XTLinearInterpolation : public XTTimedInterpolation<XTLinearCoefficient<V>, V> {
  public:
