@@ -178,9 +178,10 @@ TEST(CChemin, MakesMissingFoldersButNoneUnderTheRoot) {
   for (const char* made : {"a", "a/b/c", "d"}) {
     EXPECT_EQ(fs::status(scratch / made).permissions(), fs::perms::all) << made;
   }
-  EXPECT_EQ(CChemin("/vexa_test_absent").CreerArborescenceDeRepertoire(), 0);
-  EXPECT_EQ(CChemin("/vexa_test_absent/b").CreerArborescenceDeRepertoire(), 0);
-  EXPECT_FALSE(fs::exists("/vexa_test_absent"));
+  const std::string absent = "/" + scratch.path().filename().string();
+  EXPECT_EQ(CChemin(absent.c_str()).CreerArborescenceDeRepertoire(), 0);
+  EXPECT_EQ(CChemin((absent + "/b").c_str()).CreerArborescenceDeRepertoire(), 0);
+  EXPECT_FALSE(fs::exists(absent));
 }
 
 // Six folders reach over the longest joined name, 1,023; 100,000 parts over the system's longest.
