@@ -17,9 +17,9 @@ struct Property final : UxZel::IZelInterpolatedValue {
   List<UxZel::IZelKeyFrame, Key> mKeys;
   bool mCyclic = false;
   int mRepeatCount = 0;
-  UxZel::CZelUUID mPath;          ///< the path that a position or a walker follows
-  /// Handed along with a request, see XIAnimationMgr::InterpolateValue: how far to look ahead on the
-  /// path of a position, or how many frames the animation behind a frame number has.
+  UxZel::CZelUUID mPath;  ///< the path that a position or a walker follows
+  /// Handed along with a request, see XIAnimationMgr::InterpolateValue: how far to look ahead on
+  /// the path of a position, or how many frames the animation behind a frame number has.
   std::optional<double> mRate;
   std::size_t mInstance = kNone;  ///< the instance that it drives, an index into the scene's list
 
