@@ -47,6 +47,11 @@ void release(void* inBlock) {
 
 void* operator new(std::size_t inSize) { return allocate(inSize); }
 void* operator new[](std::size_t inSize) { return allocate(inSize); }
+void* operator new(std::size_t inSize, const std::nothrow_t&) noexcept try {
+  return allocate(inSize);
+} catch (const std::bad_alloc&) {
+  return nullptr;
+}
 void operator delete(void* inBlock) noexcept { release(inBlock); }
 void operator delete[](void* inBlock) noexcept { release(inBlock); }
 void operator delete(void* inBlock, std::size_t) noexcept { release(inBlock); }
