@@ -36,7 +36,7 @@ void buildTube(UXS::Mesh& mesh) {
 
 // A turn about +Z around the middle of the tube.
 AnimationFile::Matrix turned(double radians) {
-  const double c = std::cos(radians), s = std::sin(radians), middle = kHeight / 2;
+  const double c = std::cos(radians), s = std::sin(radians), middle = double(kHeight) / 2;
   AnimationFile::Matrix m = {c, s, 0, 0, -s, c, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
   m[12] = s * middle;
   m[13] = middle - c * middle;
