@@ -1,7 +1,9 @@
 #include <gtest/gtest.h>
 #include <limits>
+#include <pthread.h>
 #include <rapidcheck/gtest.h>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "refhost/scenes/paths.h"
@@ -117,6 +119,37 @@ TEST(AnimationMgr, KnowsNothingAtFirstAndForgivesNull) {
   EXPECT_EQ(manager->TransformPoint(&point, 0, 0, numberedUUID(1)), zero);
   EXPECT_EQ(manager->TransformPoint(3u, 0, 0, numberedUUID(1)), zero);
   XIAnimationMgr::Destroy(nullptr);
+}
+
+/// A key that ends the thread which looks at its value.
+struct FinalKey final : UxZel::IZelKeyFrame {
+  int mFrame = 0;
+  unsigned int GetValueType() const override { return UxZel::kValueReal; }
+  const uValue* GetValue() const override { pthread_exit(nullptr); }
+  int GetFrame() const override { return mFrame; }
+  int GetInterpolationType() const override { return 0; }
+};
+struct FinalValue final : UxZel::IZelInterpolatedValue {
+  List<UxZel::IZelKeyFrame, FinalKey> mKeys;
+  unsigned int GetPropertyType() const override { return 0; }
+  const UxZel::TZelObjectMgr<UxZel::IZelKeyFrame>* GetKeyFrames() const override { return &mKeys; }
+  bool IsCyclic() const override { return false; }
+  int GetRepeatCount() const override { return 0; }
+  const UxZel::CZelUUID* GetPathUUID() const override { return nullptr; }
+};
+
+// Unwinding it is no exception: were it caught, the process would end.
+TEST(AnimationMgr, LetsTheEndOfAThreadPass) {
+  bool returned = false;
+  std::thread([&] {
+    const auto manager = makeManager();
+    FinalValue value;
+    value.mKeys.add();
+    value.mKeys.add().mFrame = 10;
+    manager->InterpolateValue(nullptr, &value, 5, nullptr, nullptr);
+    returned = true;
+  }).join();
+  EXPECT_FALSE(returned);
 }
 
 TEST(KeyRange, NearestKeysInAnyOrder) {

@@ -9,9 +9,11 @@ namespace Norvel::Vexa {
 /// Runs the body of an entry point that lets nothing out: any exception becomes a line on the
 /// standard error stream, and the result is the neutral one.
 ///
-/// Only the unwinding of a cancelled thread passes; to stop it would end the process.
+/// Only the unwinding of a cancelled thread passes; to stop it would end the process. It comes as a
+/// reference to nothing, which is not to be checked.
 template <class Result, class Body>
-Result guardEntryPoint(const char* operation, const Result& neutral, Body body) {
+__attribute__((no_sanitize("null"))) Result guardEntryPoint(const char* operation,
+                                                            const Result& neutral, Body body) {
   try {
     return body();
   } catch (const abi::__forced_unwind&) {

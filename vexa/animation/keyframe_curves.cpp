@@ -158,8 +158,9 @@ void Daterp(IZelKeyFrame* first, IZelKeyFrame* second, int frame, uValue& out) {
   }
 }
 
-void uxInterpolate(IZelKeyFrame* first, IZelKeyFrame* second, int frame, uValue& out,
-                   int forcedType) {
+// The unwinding of a cancelled thread comes as a reference to nothing, which is not to be checked.
+__attribute__((no_sanitize("null"))) void uxInterpolate(IZelKeyFrame* first, IZelKeyFrame* second,
+                                                        int frame, uValue& out, int forcedType) {
   const int curve = forcedType >= 0 ? forcedType : first->GetInterpolationType();
   try {
     switch (curve) {
@@ -177,7 +178,7 @@ void uxInterpolate(IZelKeyFrame* first, IZelKeyFrame* second, int frame, uValue&
         out = *first->GetValue();
     }
   } catch (const abi::__forced_unwind&) {
-    throw;  // a cancelled thread: no error, and the process ends if it is not let through
+    throw;
   } catch (...) {
     throw std::runtime_error("XCInterpolation - uxInterpolate an error was detected");
   }

@@ -120,7 +120,7 @@ std::string CChemin::DonneURL() const {
   std::string url = std::string(kScheme) + encoded(mPath);
   char separator = '?';
   for (const auto& [name, value] : mParameters) {
-    url.append(1, separator).append(name).append(1, '=').append(value);
+    url += separator + name + '=' + value;
     separator = '&';
   }
   return url;

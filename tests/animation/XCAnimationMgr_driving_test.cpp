@@ -1,0 +1,351 @@
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
+#include <rapidcheck/gtest.h>
+#include <string>
+#include <vector>
+
+#include "assets/walker_animation.h"
+#include "refhost/scenes/paths.h"
+#include "refhost/scenes/walker.h"
+#include "tests/helpers/captured_stderr.h"
+#include "tests/helpers/compare.h"
+#include "tests/helpers/managed.h"
+#include "tests/helpers/registered.h"
+#include "tests/helpers/scratch_directory.h"
+#include "vexa/animation/XCAnimationMgr.h"
+#include "vexa/mesh/Mesh.h"
+#include "vexa/paths/XC3DPath.h"
+
+using namespace vexa::refhost;
+using Norvel::Vexa::XCAnimationMgr;
+using scenes::kWalkerFrames;
+using scenes::kWalkerStride;
+using vexa::tests::drive;
+using vexa::tests::registerInstance;
+using vexa::tests::sameBits;
+using vexa::tests::stderrOf;
+using Point = Norvel::Vexa::ux_point3<double>;
+using uValue = UxZel::IZelKeyFrame::uValue;
+
+namespace {
+
+/// A scene of walkers whose instances are registered.
+struct Stage {
+  explicit Stage(Scene scene, bool registered = true) : mScene(std::move(scene)) {
+    const vexa::tests::ScratchDirectory scratch;
+    const std::string file = scratch / "walker.amo";
+    writeAnimationFile(vexa::assets::walkerAnimation(), file);
+    for (std::size_t i = 0; registered && i < mScene.mInstances.mElements.size(); ++i) {
+      registerInstance(mManager, mScene, i, file);
+    }
+  }
+  Instance& walker(std::size_t i = 0) { return mScene.mInstances.mElements[i]; }
+  Take& take() { return mScene.mDefinitions[0].mAnimatedObject->mTakes.mElements[0]; }
+  uValue driven(int frame, std::size_t property = 0) {
+    return drive(mManager, mScene, property, frame);
+  }
+  /// A vertex of the walker in the world, as the instance is placed and shows a take frame.
+  Point vertexAt(unsigned int vertex, int takeFrame) {
+    const auto& mesh = *mManager.GetCurrentDefinition(0, unsigned(takeFrame), numberedUUID(101));
+    const Oru::TVector3D<float>& v = mesh.GetVerticesArray()[vertex];
+    return mManager.GetLocal2WorldMatrix(&mScene, &walker()) *
+           Point(double(v.x), double(v.y), double(v.z));
+  }
+
+  XCAnimationMgr mManager;
+  Scene mScene;
+};
+
+double horizontalDistance(const Point& a, const Point& b) {
+  return std::hypot(a.x - b.x, a.y - b.y);
+}
+
+/// The fault that ManageAnimatedObjectInstance names for frame 30.
+std::string faultOf(Stage& stage) {
+  uValue result;
+  std::string text = stderrOf([&] { result = stage.driven(30); });
+  EXPECT_TRUE(sameBits(result, uValue{}));
+  const std::string before =
+      "XCAnimationMgr::ManageAnimatedObjectInstance - Caught an exception \"";
+  if (text.rfind(before, 0) != 0) return "unexpected: " + text;
+  return text.substr(before.size(), text.size() - before.size() - 2);
+}
+
+}  // namespace
+
+// Two walkers of one object, the second five frames ahead; the take of 25 frames starts anew.
+TEST(Driving, ShowsTheTakeFrame) {
+  Stage stage(scenes::parade(2));
+  EXPECT_EQ(stage.driven(7).mInteger, 7);
+  EXPECT_EQ(stage.driven(7, 1).mInteger, 12);
+  EXPECT_EQ(stage.walker(0).mState.mCurrentFrame, 7);
+  EXPECT_EQ(stage.walker(1).mState.mCurrentFrame, 12);
+  EXPECT_EQ(stage.driven(27).mInteger, 2);
+  stage.take().mFrameRate = 50;  // half as long, stretched over the same 25 host frames
+  EXPECT_EQ(stage.driven(10).mInteger, 8) << "10 of 25 is 4 of 12, at 2 take frames each";
+  stage.mScene.mProperties[0].mRepeatCount = 0;
+  EXPECT_EQ(stage.driven(60).mInteger, kWalkerFrames - 1) << "repeats used up: the second key's";
+  stage.mScene.mProperties[0].mCyclic = false;
+  EXPECT_EQ(stage.driven(30).mInteger, kWalkerFrames - 1) << "not cyclic: the second key's";
+  stage.mScene.mProperties[0].mKeys.mElements[0] = integerKey(100, 3);
+  EXPECT_EQ(stage.driven(99).mInteger, 3) << "before the first key";
+}
+
+TEST(Driving, SelectionStepByStep) {
+  Stage stage(scenes::parade(1));
+  Scene& scene = stage.mScene;
+  Property& value = scene.mProperties[0];
+  int cycles = 99;
+  const auto select = [&](int frame, int speed, bool wrapFreely, bool addOffset) {
+    return stage.mManager
+        .GetAnimatedObjectFrame(&scene, &stage.walker(), &scene.mDefinitions[0], &value, frame,
+                                cycles, speed, wrapFreely, addOffset)
+        .mInteger;
+  };
+  EXPECT_EQ(select(24, 0, true, false), 24);
+  EXPECT_EQ(cycles, 0);
+  EXPECT_EQ(select(25, 0, true, false), 1) << "a new cycle starts with frame 1";
+  EXPECT_EQ(cycles, 1);
+  EXPECT_EQ(select(49, 0, true, false), 25);
+  EXPECT_EQ(select(50, 0, false, false), 0) << "cyclic, without wrapping freely";
+  EXPECT_EQ(cycles, 2);
+  EXPECT_EQ(select(20, 50, true, false), 16) << "twice as fast: 40 frames in";
+  stage.walker().mState.mFrameOffset = -30;
+  EXPECT_EQ(select(20, 0, true, true), -10);
+  scene.mSettings.mElements[0].mTimeScale = 50;  // 1 take frame in 2 host frames
+  EXPECT_EQ(select(20, 0, true, false), 10);
+  EXPECT_EQ(select(20, 0, true, true), 10 - 60);
+  value.mKeys.mElements[0] = integerKey(0, 42);
+  const uValue still = stage.mManager.GetAnimatedObjectFrame(&scene, &stage.walker(), nullptr,
+                                                             &value, 20, cycles, -1, false, true);
+  EXPECT_EQ(still.mInteger, 42);
+  EXPECT_EQ(cycles, 0);
+}
+
+TEST(Driving, AnchorOfAnObject) {
+  Stage stage(scenes::parade(1));
+  stage.take().mElevation = 0.1;
+  const auto anchor = [&](int frame) {
+    return stage.mManager.GetAEAnchorPos(&stage.mScene, &stage.walker(),
+                                         &stage.mScene.mDefinitions[0], frame);
+  };
+  EXPECT_EQ(anchor(24).x, double(-0.15f + 1.5f));
+  EXPECT_EQ(anchor(24).y, -0.25);
+  EXPECT_EQ(anchor(24).z, double(0.1f));
+  stage.mScene.mDefinitions[0].mAnimatedObject->mAnimationKind = 1;  // asked by index: nowhere
+  EXPECT_EQ(anchor(24).x, 0);
+  EXPECT_EQ(anchor(24).z, double(0.1f));
+  Stage unknown(scenes::parade(1), false);
+  EXPECT_EQ(
+      unknown.mManager
+          .GetAEAnchorPos(&unknown.mScene, &unknown.walker(), &unknown.mScene.mDefinitions[0], 24)
+          .x,
+      0);
+}
+
+// The picture: whatever the frame, the anchor stands on the path and the walker faces along it.
+TEST(Walking, TheAnchorStaysOnACircleForTwoHundredFrames) {
+  const double radius = 10;
+  Stage stage(scenes::walk(scenes::circlePath(radius), 1, 1000));
+  stage.take().mElevation = 0.25;
+  const Norvel::Vexa::XCZELPathInfo info(&stage.mScene.mPaths.mElements[0]);
+  const Norvel::Vexa::XC3DPath path(&info);
+  double worst = 0, covered = 0;
+  for (int frame = 0; frame <= 200; ++frame) {
+    UxZel::CZelVector direction;
+    const int shown = drive(stage.mManager, stage.mScene, 0, frame, &direction).mInteger;
+    // Cycles of 25 frames: the first counts from frame 0, later ones from 1 and rest on the last.
+    const int cycles = frame / kWalkerFrames;
+    EXPECT_EQ(shown, frame % kWalkerFrames + (cycles > 0 ? 1 : 0));
+    const int step = std::min(shown, kWalkerFrames - 1);
+    covered = kWalkerStride * (cycles + step / double(kWalkerFrames - 1));
+    const auto expected = path.valueAt(float(covered / double(path.getTotalLength())));
+    const Point anchor = stage.vertexAt(0, shown);
+    worst =
+        std::max(worst, horizontalDistance(anchor, {double(expected.x), double(expected.y), 0}));
+    EXPECT_NEAR(anchor.z, 0.25 + 0.8, 1e-6);
+    // Its +X, the way that it walks, is the tangent: a quarter turn from the radius.
+    const Point &back = anchor, front = stage.vertexAt(1, shown);
+    EXPECT_NEAR((front.x - back.x) * anchor.x + (front.y - back.y) * anchor.y, 0,
+                0.3 * radius / 500);
+    EXPECT_NEAR(direction.x * anchor.x + direction.y * anchor.y, 0, radius / 500);
+    EXPECT_GT(direction.y * anchor.x - direction.x * anchor.y, 0) << "counterclockwise";
+  }
+  EXPECT_LT(worst, 1e-12) << "the point of the path itself, taken in double";
+  EXPECT_NEAR(covered, 8 * kWalkerStride + kWalkerStride / 24, 1e-12);
+}
+
+// The foot that carries stays where it is, but for what the turn of the body moves it: it is less
+// than one unit away from the anchor.
+TEST(Walking, TheStandingFootSlidesNoMoreThanTheTurn) {
+  for (const double radius : {5.0, 50.0, 500.0}) {
+    Stage stage(scenes::walk(scenes::circlePath(radius), 1, 1000));
+    const double step = kWalkerStride / 24, turn = step / radius;  // per frame
+    // The path's table of lengths is good to 1 % of a step.
+    const double allowed = turn * 1.0 + step * 0.011;
+    const auto feetAt = [&](int frame) {
+      const int shown = std::min(stage.driven(frame).mInteger, kWalkerFrames - 1);
+      return std::pair(stage.vertexAt(8, shown), stage.vertexAt(16, shown));
+    };
+    auto last = feetAt(0);
+    for (int frame = 1; frame < kWalkerFrames; ++frame) {
+      const auto now = feetAt(frame);
+      const bool rightStands = frame <= 12;
+      const double slide = rightStands ? horizontalDistance(now.second, last.second)
+                                       : horizontalDistance(now.first, last.first);
+      EXPECT_LE(slide, allowed) << frame << " on radius " << radius;
+      last = now;
+    }
+  }
+}
+
+// Scale, a lifted definition and a parent do not move the anchor from the path.
+TEST(Walking, HeightScaleAndParent) {
+  Stage stage(scenes::walk(scenes::straightPath(30), 1, 1000));
+  stage.mScene.mDefinitions[0].mSizes.mElevation = 2;
+  for (double& factor : stage.walker().mScale) factor = 2;
+  stage.driven(24);
+  Point anchor = stage.vertexAt(0, 24);
+  EXPECT_NEAR(anchor.x, kWalkerStride, 1e-5);
+  EXPECT_NEAR(anchor.y, 0, 1e-5);
+  EXPECT_EQ(stage.walker().mPosition.z, 2) << "the take has no height: the definition's";
+  EXPECT_NEAR(stage.walker().mAnchor.x, kWalkerStride, 1e-5);
+  EXPECT_EQ(stage.walker().mAnchor.z, 2);
+  EXPECT_EQ(stage.walker().mRotation, 1.5707963705062866) << "+X to +Y";
+  EXPECT_EQ(stage.walker().mDirection.x, 1);
+  EXPECT_EQ(stage.driven(100000).mInteger, stage.driven(1000).mInteger) << "ends at the second key";
+  EXPECT_NEAR(stage.walker().mAnchor.x, 30, 1e-5) << "and at the end of the path";
+}
+
+namespace {
+
+/// Writes down, in order, what is set on an instance.
+struct Witness final : UxZel::IZelObjectInstance, UxZel::IZelAnimationState {
+  Instance* mInstance;
+  mutable std::vector<std::string> mCalls;
+
+  explicit Witness(Instance& instance) : mInstance(&instance) {}
+  const UxZel::IZelIdentity* GetIdentity() const override { return mInstance->GetIdentity(); }
+  const char* GetClassName() const override { return mInstance->GetClassName(); }
+  const UxZel::CZelUUID* GetParentUUID() const override { return mInstance->GetParentUUID(); }
+  void SetAnchor(const UxZel::CZelPoint*) override { mCalls.emplace_back("anchor"); }
+  const double* GetScale() const override { return mInstance->GetScale(); }
+  const UxZel::CZelPoint* GetPosition() const override { return mInstance->GetPosition(); }
+  void SetPosition(const UxZel::CZelPoint*) override { mCalls.emplace_back("position"); }
+  double GetRotation() const override { return mInstance->GetRotation(); }
+  void SetRotation(double) override { mCalls.emplace_back("rotation"); }
+  UxZel::IZelAnimationState* GetAnimationState() const override {
+    return const_cast<Witness*>(this);
+  }
+  const UxZel::CZelVector* GetDirection() const override { return mInstance->GetDirection(); }
+  void SetDirection(const UxZel::CZelVector*) override { mCalls.emplace_back("direction"); }
+  bool GetPlantGroupFlag() const override { return false; }
+  bool GetBillboardEnabled() const override { return false; }
+
+  int GetCurrentFrame() const override { return 7; }
+  void SetCurrentFrame(int frame) override { mCalls.push_back("frame " + std::to_string(frame)); }
+  unsigned int GetTakeIndex() const override { return 0; }
+  int GetStartOffset() const override { return 25; }
+  void SetStartOffset(int frames) override { mCalls.push_back("start " + std::to_string(frames)); }
+  int GetFrameOffset() const override { return 0; }
+};
+
+std::vector<std::string> callsOf(Stage& stage, int frame) {
+  Witness witness(stage.walker());
+  stderrOf([&] {
+    stage.mManager.ManageAnimatedObjectInstance(&stage.mScene, &witness,
+                                                &stage.mScene.mDefinitions[0],
+                                                &stage.mScene.mProperties[0], frame, nullptr);
+  });
+  return witness.mCalls;
+}
+
+}  // namespace
+
+TEST(Driving, CallsTheHostInOrderAndNotAtAllOnFailure) {
+  using Calls = std::vector<std::string>;
+  Stage walking(scenes::walk(scenes::straightPath(30), 1, 1000));
+  EXPECT_EQ(callsOf(walking, 30),
+            Calls({"rotation", "direction", "position", "anchor", "start 25"}));
+  walking.mScene.mPaths.mElements[0].mPoints.mElements.resize(1);
+  EXPECT_EQ(callsOf(walking, 30), Calls());
+  Stage showing(scenes::parade(1));
+  EXPECT_EQ(callsOf(showing, 8), Calls({"frame 8"}));
+  EXPECT_EQ(callsOf(showing, 7), Calls()) << "shown already";
+  showing.mScene.mProperties[0].mPropertyType = 0;
+  EXPECT_EQ(callsOf(showing, 8), Calls());
+}
+
+TEST(Driving, EveryFaultGivesZeroAndALine) {
+  const std::string selection = "XCAnimationMgr::GetAnimatedObjectFrame : ";
+  const auto fault = [](auto damage, int startOffset = -1) {
+    Stage stage(scenes::walk(scenes::straightPath(30), 1, 1000));
+    stage.walker().mState.mStartOffset = startOffset;
+    damage(stage);
+    return faultOf(stage);
+  };
+  const auto keys = [](Stage & s) -> auto& { return s.mScene.mProperties[0].mKeys.mElements; };
+  EXPECT_EQ(fault([](Stage& s) { s.take().mFrameRate = 0; }), selection + "frame rate is zero");
+  EXPECT_EQ(fault([](Stage& s) { s.take().mFrameCount = 0; }, 0),
+            selection + "take without frames");
+  EXPECT_EQ(fault([](Stage& s) { s.mScene.mSettings.mElements[0].mTimeScale = 0; }),
+            selection + "time scale is zero");
+  EXPECT_EQ(fault([](Stage& s) { s.mScene.mSettings.mElements.clear(); }),
+            selection + "list of settings is empty");
+  EXPECT_EQ(fault([](Stage& s) { s.walker().mState.mTakeIndex = 1; }),
+            selection + "bad take index");
+  EXPECT_EQ(fault([&](Stage& s) { keys(s).clear(); }), selection + "second key frame is missing");
+  EXPECT_EQ(fault([&](Stage& s) { keys(s).pop_back(); }),
+            selection + "second key frame is missing");
+  EXPECT_EQ(fault([&](Stage& s) { keys(s)[1].mFrame = 0; }),
+            selection + "first two key frames are equal");
+  EXPECT_EQ(fault([](Stage& s) { s.mScene.mDefinitions[0].mAnimatedObject->mAnchorVertex = 24; }),
+            "XCAnimationMgr::ManageAnimatedObjectInstance : bad anchor vertex");
+  EXPECT_EQ(fault([](Stage& s) { s.mScene.mPaths.mElements.clear(); }),
+            "XC3DPath::XC3DPath - probleme path ! ");
+}
+
+TEST(Driving, WithoutAnimatedObjectTheFirstKeyHolds) {
+  for (const unsigned int kind : {135u, 136u}) {
+    Stage stage(scenes::parade(1), false);
+    Property& property = stage.mScene.mProperties[0];
+    property.mPropertyType = kind;
+    property.mKeys.mElements = {integerKey(0, 5)};
+    stage.mScene.mDefinitions[0].mAnimatedObject.reset();
+    EXPECT_EQ(stage.driven(30).mInteger, 5);
+    stage.walker().mDefinition = kNone;
+    EXPECT_EQ(stage.driven(30).mInteger, 5);
+  }
+}
+
+// A walker that was never registered has no stride: it stands at the start of the path.
+TEST(Walking, WithoutARecordItWaitsAtTheStart) {
+  Stage stage(scenes::walk(scenes::circlePath(3), 1, 1000), false);
+  EXPECT_EQ(stage.driven(30).mInteger, 6);
+  EXPECT_EQ(stage.walker().mPosition.x, 3);
+  EXPECT_EQ(stage.walker().mRotation, 0);
+  EXPECT_NEAR(stage.walker().mDirection.y, 1, 1e-6);
+}
+
+// Whatever numbers the host holds, driving ends: no trap, no hang.
+RC_GTEST_PROP(Driving, EndsInADefinedResultOnAnyNumbers, ()) {
+  static Stage showing(scenes::parade(1)), walking(scenes::walk(scenes::windingPath(2), 1, 100));
+  Stage& stage = *rc::gen::arbitrary<bool>() ? showing : walking;
+  const auto number = rc::gen::oneOf(
+      rc::gen::inRange(-2, 30), rc::gen::arbitrary<int>(),
+      rc::gen::element(std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
+  stage.mScene.mSettings.mElements[0].mTimeScale = *number;
+  stage.take().mFrameCount = *number;
+  stage.take().mFrameRate = *number;
+  stage.walker().mState.mStartOffset = *number;
+  stage.walker().mState.mFrameOffset = *number;
+  Property& property = stage.mScene.mProperties[0];
+  property.mCyclic = *rc::gen::arbitrary<bool>();
+  property.mRepeatCount = *number;
+  for (Key& key : property.mKeys.mElements) key.mFrame = *number;
+  const int frame = *number;
+  const std::string text = stderrOf([&] { stage.driven(frame); });
+  RC_ASSERT(text.empty() || text.rfind("XCAnimationMgr::ManageAnimatedObjectInstance - ", 0) == 0);
+  RC_ASSERT(std::isfinite(stage.walker().mPosition.x));
+}

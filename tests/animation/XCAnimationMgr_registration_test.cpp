@@ -1,0 +1,138 @@
+#include <gtest/gtest.h>
+
+#include "assets/walker_animation.h"
+#include "refhost/scenes/paths.h"
+#include "refhost/scenes/walker.h"
+#include "tests/helpers/compare.h"
+#include "tests/helpers/managed.h"
+#include "tests/helpers/registered.h"
+#include "tests/helpers/scratch_directory.h"
+#include "vexa/mesh/Mesh.h"
+
+using namespace vexa::refhost;
+using vexa::tests::makeManager;
+using vexa::tests::Manager;
+using vexa::tests::registerInstance;
+using vexa::tests::whatOf;
+
+namespace {
+
+class Registration : public testing::Test {
+ protected:
+  Registration() {
+    std::filesystem::create_directory(mScratch / "files");
+    writeAnimationFile(vexa::assets::walkerAnimation(), file());
+  }
+  std::string file() const { return mScratch / "files/walker.amo"; }
+  AnimatedObject& walker() { return *mScene.mDefinitions[0].mAnimatedObject; }
+  /// The mesh of an instance at the take's last frame, a stride ahead; null when it is unknown.
+  const UXS::Mesh* meshOf(std::size_t instance) const {
+    return mManager->GetCurrentDefinition(0, 24,
+                                          mScene.mInstances.mElements[instance].mIdentity.mUUID);
+  }
+  void enroll(std::size_t instance, const std::string& path, const std::string& fallback = "") {
+    registerInstance(*mManager, mScene, instance, path, fallback);
+  }
+
+  const vexa::tests::ScratchDirectory mScratch;
+  Scene mScene = scenes::walk(scenes::straightPath(30), 2, 100);
+  Manager mManager = makeManager();
+};
+
+}  // namespace
+
+TEST_F(Registration, BuildsTheMeshAndReadsTheFile) {
+  walker().mPolygons.mElements[0].mCorners.mElements[1].mU = 0.25f;
+  walker().mPolygons.mElements[0].mCorners.add().mPointIndex = 9999;  // a fourth is not read
+  enroll(0, file());
+  const UXS::Mesh* mesh = meshOf(0);
+  ASSERT_NE(mesh, nullptr);
+  ASSERT_EQ(mesh->GetVerticesArray().size(), 24u);
+  ASSERT_EQ(mesh->GetTrianglesArray().size(), 36u);
+  EXPECT_EQ(mesh->GetVerticesArray()[0], Oru::TVector3D<float>(-0.15f + 1.5f, -0.25f, 0.8f));
+  EXPECT_EQ(mesh->GetTrianglesArray()[0], Oru::TVector3D<unsigned int>(0, 2, 3));
+  EXPECT_EQ(mesh->GetTriangleUVCoords(0).y.x, 0.25f);
+  EXPECT_EQ(mesh->GetTriangleMaterialID(35), 2u);
+}
+
+// One record for all instances of an object: the file may go once the first is known.
+TEST_F(Registration, InstancesOfAnObjectShareItsFile) {
+  enroll(0, file());
+  std::filesystem::remove(file());
+  enroll(0, file());
+  enroll(1, "no such file");
+  ASSERT_NE(meshOf(1), nullptr);
+  EXPECT_NE(meshOf(0), meshOf(1)) << "deformed copies are kept per instance";
+}
+
+TEST_F(Registration, FindsTheFile) {
+  const std::string directory = mScratch / "files";
+  const struct {
+    std::string mFile, mFallback;
+    bool mFound;
+  } cases[] = {
+      {file(), "", true},
+      {"file://" + file(), "", true},
+      {"/gone/walker.amo", directory + "/", true},
+      {"/gone/walker.amo", directory + "/other.zel", true},  // a file beside it
+      {"/gone/walker.amo", directory, true},                 // the directory itself
+      {"/gone/walker.amo", "file://" + directory + "/", true},
+      {"walker.amo", directory + "/", true},
+      {"/gone/other.amo", directory + "/", false},
+      {"/gone/walker.amo", "/gone/", false},
+      {"/gone/walker.amo", "nowhere", false},
+      {"/gone/walker.amo", "", false},
+      {"", directory + "/", false},
+  };
+  for (const auto& c : cases) {
+    mManager = makeManager();
+    enroll(0, c.mFile, c.mFallback);
+    EXPECT_EQ(meshOf(0) != nullptr, c.mFound) << c.mFile << " in " << c.mFallback;
+  }
+  mManager = makeManager();
+  mManager->RegisterAnimatedObject(&mScene.mInstances.mElements[0], &walker(), nullptr, nullptr,
+                                   &walker().mPoints, &walker().mPolygons);
+  EXPECT_EQ(meshOf(0), nullptr);
+}
+
+TEST_F(Registration, LeavesOtherKindsAlone) {
+  walker().mAnimationKind = 1;
+  enroll(0, file());
+  EXPECT_EQ(meshOf(0), nullptr);
+}
+
+// After every failure nothing is known, and the next try works.
+TEST_F(Registration, FailsWithoutATrace) {
+  const auto error = [&](const std::string& path) {
+    const std::string text = whatOf([&] { enroll(0, path); });
+    EXPECT_EQ(meshOf(0), nullptr);
+    return text;
+  };
+  Polygon& polygon = walker().mPolygons.mElements[7];
+  const Polygon good = polygon;
+  polygon.mCorners.mElements.pop_back();
+  EXPECT_EQ(error(file()),
+            "XCAnimationMgr::RegisterAnimatedObject : polygon 7 has fewer than three corners");
+  polygon = triangle(0, 1, 24);
+  EXPECT_EQ(error(file()),
+            "XCAnimationMgr::RegisterAnimatedObject : polygon 7 has a corner past the last point");
+  polygon = good;
+  vexa::tests::writeText(mScratch / "bad.amo", "no animation");
+  EXPECT_EQ(error(mScratch / "bad.amo"), "XCAMOFileIOTool : This file has not the good version!");
+  walker().mPoints.mElements.pop_back();
+  walker().mPolygons.mElements.resize(24);
+  EXPECT_EQ(error(file()), "XCFrameCollector::AddLink : bad vertex index (assertion failed)");
+  walker().mPoints.add();
+  enroll(0, file());
+  EXPECT_NE(meshOf(0), nullptr);
+}
+
+// The queries ask the object's frame data; only deformed copies are kept per instance.
+TEST_F(Registration, Queries) {
+  enroll(0, file());
+  const UxZel::CZelUUID id = numberedUUID(101);
+  const UXS::Mesh* mesh = meshOf(0);
+  EXPECT_EQ(mManager->GetCurrentDefinition(0, 24, id), mesh);
+  EXPECT_EQ(mManager->TransformPoint(0u, 0, 24, id), Oru::TVector3D<float>());
+  EXPECT_EQ(meshOf(1), nullptr);
+}
