@@ -83,7 +83,7 @@ TEST(Obj, FaultsAreNamedWithTheirLine) {
 
 TEST(Obj, AMeshGoesOutAndComesBack) {
   UXS::Mesh mesh, back;
-  vexa::tests::build(mesh, vexa::tests::kSquare, {{{0, 1, 2}, 8}, {{0, 2, 3}, 5}});
+  vexa::tests::build(mesh, vexa::tests::kSquare, {{0, 1, 2}, {0, 2, 3}}, 8);
   {
     UXS::Mesh::Editor editor(mesh, false);
     editor.SetTriangleUVCoords(1, {{0, 0}, {0.5f, 1}, {1, 0.25f}});
@@ -96,6 +96,6 @@ TEST(Obj, AMeshGoesOutAndComesBack) {
   EXPECT_TRUE(vexa::tests::same(mesh.GetTrianglesArray(), back.GetTrianglesArray()));
   EXPECT_TRUE(vexa::tests::same(mesh.GetVerticesArray(), back.GetVerticesArray()));
   EXPECT_TRUE(vexa::tests::same(mesh.GetTriangleUVCoords(1), back.GetTriangleUVCoords(1)));
-  EXPECT_EQ(back.GetSectionMaterialID(1), 8u);
+  EXPECT_EQ(back.GetSectionMaterialID(0), 8u);
   std::remove("square.obj");
 }

@@ -3,17 +3,13 @@
 #include <algorithm>
 #include <gtest/gtest.h>
 
-#include "tests/helpers/compare.h"
 #include "tests/mesh/mesh_fixtures.h"
+#include "tests/models/mesh_walks.h"
 
 using namespace UXS;
 using namespace vexa::tests;
 
 namespace {
-
-Position positionOf(const Mesh& mesh, unsigned int triangle) {
-  return mesh.GetTriangleCoords(triangle).x;
-}
 
 /// A mesh as a list of whole triangles, which cannot get out of step.
 struct NaiveMesh {
@@ -28,8 +24,8 @@ struct NaiveMesh {
   std::vector<unsigned int> mSections;
   bool mHasUV = false, mHasNormals = false;
 
-  Triangles triangles() const {
-    Triangles all;
+  std::vector<Corners> triangles() const {
+    std::vector<Corners> all;
     for (const sRecord& r : mRecords) all.push_back(r.mCorners);
     return all;
   }
@@ -50,9 +46,8 @@ struct NaiveMesh {
     for (const unsigned int t : list) {
       Corners& c = mRecords[t].mCorners;
       for (unsigned int* const corner : {&c.x, &c.y, &c.z}) {
-        const auto known = std::find_if(met.begin(), met.end(), [&](unsigned int v) {
-          return mVertices[v] == mVertices[*corner];
-        });
+        const auto isHere = [&](unsigned int v) { return mVertices[v] == mVertices[*corner]; };
+        const auto known = std::find_if(met.begin(), met.end(), isHere);
         if (known == met.end()) {
           met.push_back(*corner);
         } else {
@@ -64,43 +59,38 @@ struct NaiveMesh {
 
   void mergeMaterial(unsigned int material) {
     for (std::size_t s = 0; s < mSections.size(); ++s) {
-      if (mSections[s] >= mRecords.size()) continue;
-      if (mRecords[mSections[s]].mMaterial != material) continue;
-      const std::size_t end = s + 1 < mSections.size() ? mSections[s + 1] : mRecords.size();
+      const std::size_t next = s + 1 < mSections.size() ? mSections[s + 1] : mRecords.size();
       std::vector<unsigned int> list;
-      for (unsigned int t = mSections[s]; t < std::min(end, mRecords.size()); ++t) {
-        list.push_back(t);
-      }
-      merge(list);
+      for (auto t = mSections[s]; t < std::min(next, mRecords.size()); ++t) list.push_back(t);
+      if (!list.empty() && mRecords[list[0]].mMaterial == material) merge(list);
     }
   }
 
-  void dropZeros() {
-    const auto isPlain = [](const sRecord& r) { return r.mUV == Mesh::CornerUVs(); };
-    const auto isUnlit = [](const sRecord& r) { return r.mNormals == Mesh::CornerPositions(); };
-    if (std::all_of(mRecords.begin(), mRecords.end(), isPlain)) mHasUV = false;
-    if (std::all_of(mRecords.begin(), mRecords.end(), isUnlit)) mHasNormals = false;
-  }
-
-  void commitLight() {
+  void commit(bool isFull) {
+    if (isFull) sort();
     mHasUV = mHasUV && !mRecords.empty();
     if (mHasNormals && !mRecords.empty()) return;
-    for (sRecord& r : mRecords) {
-      const Position n = faceNormal(mVertices, r.mCorners);
-      r.mNormals = {n, n, n};
+    const Walks walks(mVertices, triangles());
+    for (std::size_t t = 0; t < mRecords.size(); ++t) {
+      mRecords[t].mNormals = {walks.mNormals[t], walks.mNormals[t], walks.mNormals[t]};
     }
     mHasNormals = !mRecords.empty();
   }
 
-  void commit() {
-    dropZeros();
-    std::stable_sort(mRecords.begin(), mRecords.end(),
-                     [](const sRecord& a, const sRecord& b) { return a.mMaterial < b.mMaterial; });
+  void sort() {
+    const auto isSet = [](const auto& value) { return value != std::decay_t<decltype(value)>(); };
+    const auto any = [this](auto test) {
+      return std::any_of(mRecords.begin(), mRecords.end(), test);
+    };
+    mHasUV = mHasUV && any([&](const sRecord& r) { return isSet(r.mUV); });
+    for (sRecord& r : mRecords) r.mUV = mHasUV ? r.mUV : Mesh::CornerUVs();  // no -0 either
+    mHasNormals = mHasNormals && any([&](const sRecord& r) { return isSet(r.mNormals); });
+    const auto isBefore = [](const auto& a, const auto& b) { return a.mMaterial < b.mMaterial; };
+    std::stable_sort(mRecords.begin(), mRecords.end(), isBefore);
     mSections.clear();
     for (unsigned int t = 0; t < mRecords.size(); ++t) {
-      if (t == 0 || mRecords[t].mMaterial != mRecords[t - 1].mMaterial) mSections.push_back(t);
+      if (t == 0 || isBefore(mRecords[t - 1], mRecords[t])) mSections.push_back(t);
     }
-    commitLight();
   }
 };
 
@@ -110,169 +100,140 @@ struct Pair {
   NaiveMesh mModel;
 };
 
-/// One random call. Triangles use vertices that exist; no vertex is ever removed but by a copy.
-void editOnce(Dice& dice, Pair& io, const Pair& other, Mesh::EditorBase& editor) {
+/// A random call that reads or writes one of the triangles.
+void editTriangle(Dice& dice, NaiveMesh& io, Mesh::EditorBase& editor) {
+  const auto count = static_cast<unsigned int>(io.mRecords.size());
+  const unsigned int t = dice(count), call = dice(6);
+  NaiveMesh::sRecord& record = io.mRecords[t];
+  if (call == 0) {
+    editor.SetTriangleMaterialID(t, record.mMaterial = dice(4));
+  } else if (call == 1) {
+    record.mUV.y = {dice.coordinate(), dice.coordinate()};
+    editor.SetTriangleUVCoords(t, record.mUV);
+    io.mHasUV = true;
+  } else if (call == 2) {
+    record.mNormals.z = dice.position();
+    editor.SetTriangleSmoothNormals(t, record.mNormals);
+    io.mHasNormals = true;
+  } else if (call < 5) {
+    editor.RemoveTriangle(t);
+    io.mRecords.erase(io.mRecords.begin() + t);
+    io.mHasUV = io.mHasUV && count > 1;
+    io.mHasNormals = io.mHasNormals && count > 1;
+  } else {
+    const std::vector<unsigned int> list{t, dice(count), dice(count)};
+    editor.MergeTriangleVertices(list);
+    io.merge(list);
+  }
+}
+
+/// Any random call. Triangles use vertices that exist.
+void edit(Dice& dice, Pair& io, const Pair& other, Mesh::EditorBase& editor) {
   NaiveMesh& model = io.mModel;
   const auto vertices = static_cast<unsigned int>(model.mVertices.size());
-  const auto triangles = static_cast<unsigned int>(model.mRecords.size());
-  const unsigned int call = dice(24);
-  if (call < 6 || vertices < 3) {
-    model.mVertices.push_back(dice.position(true));
+  const unsigned int call = dice(20);
+  if (call < 4 || vertices < 3) {
+    model.mVertices.push_back(dice.position());
     EXPECT_EQ(editor.AddVertex(model.mVertices.back()), vertices);
-  } else if (call < 12) {
-    NaiveMesh::sRecord record;
-    record.mCorners = dice.corners(vertices);
-    record.mMaterial = dice(4);
-    model.mRecords.push_back(record);
+  } else if (call < 11) {
+    const Corners corners{dice(vertices), dice(vertices), dice(vertices)};
+    model.mRecords.push_back({corners, dice(4), {}, {}});
     model.mHasUV = model.mHasNormals = true;
-    EXPECT_EQ(editor.AddTriangle(record.mCorners, record.mMaterial), triangles);
-  } else if (call == 12) {
+    EXPECT_EQ(editor.AddTriangle(corners, model.mRecords.back().mMaterial),
+              model.mRecords.size() - 1);
+  } else if (call == 11) {
     const unsigned int v = dice(vertices);
-    editor.SetVertex(v, model.mVertices[v] = dice.position(true));
-  } else if (call == 13 && dice(4) == 0) {
-    editor.RemoveAllTriangles();
-    model.mRecords.clear();
-    model.mHasUV = model.mHasNormals = false;
-  } else if (call == 14) {
+    editor.SetVertex(v, model.mVertices[v] = dice.position());
+  } else if (call == 12) {
     const bool skipNormals = dice(2) == 0;
     editor.Copy(other.mMesh, skipNormals);
     model.copy(other.mModel, skipNormals);
     editor.Copy(io.mMesh, false);  // onto itself: nothing
-  } else if (call == 15) {
+  } else if (call == 13) {
     editor.MergeTriangleVertices(2u);
     model.mergeMaterial(2);
-  } else if (triangles > 0) {
-    const unsigned int t = dice(triangles);
-    NaiveMesh::sRecord& record = model.mRecords[t];
-    if (call == 16) {
-      editor.SetTriangleMaterialID(t, record.mMaterial = dice(4));
-    } else if (call == 17) {
-      record.mUV.y = {dice.coordinate(true), dice.coordinate(true)};
-      editor.SetTriangleUVCoords(t, record.mUV);
-      model.mHasUV = true;
-    } else if (call == 18) {
-      record.mNormals.z = dice.position(true);
-      editor.SetTriangleSmoothNormals(t, record.mNormals);
-      model.mHasNormals = true;
-    } else if (call < 22) {
-      editor.RemoveTriangle(t);
-      model.mRecords.erase(model.mRecords.begin() + t);
-      model.mHasUV = model.mHasUV && triangles > 1;
-      model.mHasNormals = model.mHasNormals && triangles > 1;
-    } else {
-      const std::vector<unsigned int> list{t, dice(triangles), dice(triangles)};
-      editor.MergeTriangleVertices(list);
-      model.merge(list);
-    }
+  } else if (call == 14 && dice(4) == 0) {
+    editor.RemoveAllTriangles();
+    model.mRecords.clear();
+    model.mHasUV = model.mHasNormals = false;
+  } else if (!model.mRecords.empty()) {
+    editTriangle(dice, model, editor);
   }
 }
 
-void expectSame(const Mesh& mesh, const NaiveMesh& model, bool full) {
+void extend(Oru::TBox3D<float>& io, const Position& p) {
+  const Position lo = io.mMin, hi = io.mMax;
+  const auto low = [](float a, float b) { return b <= a ? b : a; };
+  const auto high = [](float a, float b) { return b <= a ? a : b; };
+  io = io.mIsValid ? Oru::TBox3D<float>{{low(lo.x, p.x), low(lo.y, p.y), low(lo.z, p.z)},
+                                        {high(hi.x, p.x), high(hi.y, p.y), high(hi.z, p.z)},
+                                        true}
+                   : Oru::TBox3D<float>{p, p, true};
+}
+
+void expectSame(const Mesh& mesh, const NaiveMesh& model, bool isFull) {
+  const Walks walks(model.mVertices, model.triangles());
   ASSERT_TRUE(same(mesh.GetVerticesArray(), model.mVertices));
-  ASSERT_TRUE(same(mesh.GetTrianglesArray(), model.triangles()));
+  ASSERT_TRUE(same(mesh.GetTrianglesArray(), walks.mTriangles));
   ASSERT_EQ(mesh.HasUVCoords(), model.mHasUV);
-  std::vector<Position> normals;
+  ASSERT_TRUE(same(mesh.GetEdgesArray(), walks.edges()));
+  Oru::TBox3D<float> boxes[5] = {};  // the last for all
   for (unsigned int t = 0; t < model.mRecords.size(); ++t) {
     const NaiveMesh::sRecord& r = model.mRecords[t];
     ASSERT_EQ(mesh.GetTriangleMaterialID(t), r.mMaterial);
     ASSERT_TRUE(!model.mHasUV || same(mesh.GetTriangleUVCoords(t), r.mUV));
     ASSERT_TRUE(same(mesh.GetTriangleSmoothNormals(t), r.mNormals));
-    normals.push_back(faceNormal(model.mVertices, r.mCorners));
+    ASSERT_TRUE(same(mesh.GetTriangleNormal(t), walks.mNormals[t]));
+    for (const unsigned int v : {r.mCorners.x, r.mCorners.y, r.mCorners.z}) {
+      extend(boxes[r.mMaterial], model.mVertices[v]);
+      extend(boxes[4], model.mVertices[v]);
+    }
   }
-  const Lists lists = listTriangles(model.mVertices.size(), model.triangles());
-  ASSERT_TRUE(same(mesh.GetEdgesArray(), walkEdges(model.triangles(), normals, lists)));
-  if (!full) return;
-  ASSERT_EQ(mesh.GetSectionsCount(), model.mSections.size());
-  const std::vector<unsigned int> groups = walkGroups(model.triangles(), model.mSections, lists);
+  if (!isFull) return;
+  const std::vector<unsigned int> groups = walks.groups(model.mSections);
   for (unsigned int t = 0; t < groups.size(); ++t) ASSERT_EQ(mesh.GetTriangleGroupID(t), groups[t]);
+  ASSERT_EQ(mesh.GetSectionsCount(), model.mSections.size());
+  ASSERT_TRUE(same(mesh.GetAABB(), boxes[4]));
+  for (unsigned int m = 0; m < 4; ++m) ASSERT_TRUE(same(mesh.GetMaterialAABB(m), boxes[m]));
+}
+
+template <class Editor>
+void editAndCommit(Dice& dice, Pair& io, const Pair& other, bool isFull) {
+  {
+    Editor editor(io.mMesh, true);
+    for (unsigned int calls = dice(50); calls > 0; --calls) edit(dice, io, other, editor);
+    io.mModel.commit(isFull);
+  }
+  expectSame(io.mMesh, io.mModel, isFull);
 }
 
 }  // namespace
 
-TEST(MeshEditor, CountsFromZeroAndDatesTheMesh) {
-  Mesh mesh;
-  const double created = mesh.GetDate();
-  while (Mesh().GetDate() == created) {
-  }
-  {
-    Mesh::Editor editor(mesh, true);
-    editor.SetVerticesCount(3);
-    editor.SetTrianglesCount(1);
-    for (unsigned int v = 0; v < 3; ++v) EXPECT_EQ(editor.AddVertex(kSquare[v]), v);
-    EXPECT_EQ(editor.AddTriangle({0, 1, 2}, 5), 0u);
-    EXPECT_TRUE(mesh.HasUVCoords()) << "until the commit finds them all zero";
-  }
-  EXPECT_FALSE(mesh.HasUVCoords());
-  EXPECT_EQ(mesh.GetTriangleSmoothNormals(0).y, Position(0, 0, 1));
-  EXPECT_EQ(mesh.GetDate(), created);
-  { const Mesh::EditorBase editor(mesh, false); }
-  EXPECT_GT(mesh.GetDate(), created);
-}
-
-// Required: this commit does not drop normals of zero, and so does not replace them either.
-TEST(MeshEditor, TheLightWeightCommitKeepsZeroNormals) {
-  Mesh mesh;
-  {
-    Mesh::LightWeightEditor editor(mesh, false);
-    for (const Position& p : kSquare) editor.AddVertex(p);
-    editor.AddTriangle({0, 1, 2}, 0);
-  }
-  EXPECT_TRUE(same(mesh.GetTriangleSmoothNormals(0).x, {}));
-  EXPECT_EQ(mesh.GetEdgesArray().size(), 3u);
-  EXPECT_EQ(mesh.GetSectionsCount(), 0u);
-}
-
-TEST(MeshEditor, ACopyWithoutNormalsGetsFlatOnes) {
-  Mesh source, target;
-  build(source, kSquare, {{{0, 1, 2}, 0}, {{0, 2, 3}, 0}});
-  {
-    Mesh::Editor editor(source, false);
-    editor.SetTriangleSmoothNormals(1, {{1, 0, 0}, {1, 0, 0}, {1, 0, 0}});
-  }
-  { Mesh::Editor(target, false).Copy(source, true); }
-  EXPECT_EQ(target.GetTriangleSmoothNormals(1).x, Position(0, 0, 1));
-  { Mesh::Editor(target, false).Copy(source, false); }
-  EXPECT_EQ(target.GetTriangleSmoothNormals(1).x, Position(1, 0, 0));
-}
-
-// The square as two triangles with vertices of their own; one corner is at the other zero.
-TEST(MeshEditor, MergingJoinsCornersAtTheSamePosition) {
-  Mesh mesh;
-  build(mesh, {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {-0.0f, 0, 0}, {1, 1, 0}, {0, 1, 0}},
-        {{{0, 1, 2}, 3}, {{3, 4, 5}, 3}});
-  EXPECT_EQ(mesh.GetTriangleGroupID(1), 1u);
-  { Mesh::Editor(mesh, false).MergeTriangleVertices(3u); }
-  EXPECT_EQ(mesh.GetTrianglesArray()[1], Corners(0, 2, 5));
-  EXPECT_EQ(mesh.GetVerticesArray().size(), 6u);
-  EXPECT_EQ(mesh.GetTriangleGroupID(1), 0u);
-  EXPECT_EQ(positionOf(mesh, 1), kSquare[0]);
-}
-
-// Two meshes edited at random, committed both ways and copied from each other.
+// Two meshes of few vertices, edited at random, committed both ways and copied from each other.
+// Their edges belong to many triangles, corners repeat, positions are NaN or infinite.
 TEST(MeshEditor, AnyOrderOfCallsKeepsTheArraysInStep) {
   for (unsigned int seed = 0; seed < 300; ++seed) {
     Dice dice(seed);
     Pair pairs[2];
     for (int commit = 0; commit < 12; ++commit) {
       const unsigned int which = dice(2);
-      Pair &edited = pairs[which], &other = pairs[1 - which];
-      const bool full = dice(3) != 0;
-      const auto edit = [&](Mesh::EditorBase& editor) {
-        for (unsigned int calls = dice(25); calls > 0; --calls) {
-          editOnce(dice, edited, other, editor);
-        }
-      };
-      if (full) {
-        Mesh::Editor editor(edited.mMesh, true);
-        edit(editor);
-        edited.mModel.commit();
+      if (dice(3) != 0) {
+        editAndCommit<Mesh::Editor>(dice, pairs[which], pairs[1 - which], true);
       } else {
-        Mesh::LightWeightEditor editor(edited.mMesh, true);
-        edit(editor);
-        edited.mModel.commitLight();
+        editAndCommit<Mesh::LightWeightEditor>(dice, pairs[which], pairs[1 - which], false);
       }
-      expectSame(edited.mMesh, edited.mModel, full);
       if (HasFatalFailure()) FAIL() << "seed " << seed << ", commit " << commit;
     }
   }
+}
+
+TEST(MeshEditor, TheEndDatesTheMeshUnlessToldToKeepTheDate) {
+  Mesh mesh;
+  const double created = mesh.GetDate();
+  while (Mesh().GetDate() == created) {
+  }
+  { Mesh::Editor(mesh, true).SetTrianglesCount(5); }
+  EXPECT_EQ(mesh.GetDate(), created);
+  { const Mesh::EditorBase editor(mesh, false); }
+  EXPECT_GT(mesh.GetDate(), created);
 }

@@ -2,12 +2,10 @@
 
 #include <cmath>
 #include <limits>
-#include <ostream>
 #include <random>
+#include <vector>
 
-#include "tests/models/mesh_walks.h"
 #include "vexa/mesh/MeshEditor.h"
-#include "vexa/mesh/MeshImpl.h"
 
 namespace vexa::tests {
 
@@ -29,11 +27,8 @@ inline bool same(const Oru::TBox3D<float>& a, const Oru::TBox3D<float>& b) {
 }
 template <class T>
 bool same(const std::vector<T>& a, const std::vector<T>& b) {
-  if (a.size() != b.size()) return false;
-  for (std::size_t i = 0; i < a.size(); ++i) {
-    if (!same(a[i], b[i])) return false;
-  }
-  return true;
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                    [](const T& x, const T& y) { return same(x, y); });
 }
 
 /// A source of small numbers: the same sequence for the same seed, everywhere.
@@ -44,35 +39,26 @@ struct Dice {
     return static_cast<unsigned int>(mEngine()) % sides;
   }
   /// On a coarse grid, so that positions coincide and faces lie in one plane; now and then wild.
-  float coordinate(bool canBeWild) {
+  float coordinate() {
     constexpr float kInfinity = std::numeric_limits<float>::infinity();
     constexpr float kWild[] = {NAN, kInfinity, -kInfinity, -0.0f, 1e30f, 1e-30f};
-    if (canBeWild && (*this)(20) == 0) return kWild[(*this)(6)];
+    if ((*this)(20) == 0) return kWild[(*this)(6)];
     return static_cast<float>((*this)(3)) - 1;
   }
-  Position position(bool canBeWild) {
-    const float x = coordinate(canBeWild), y = coordinate(canBeWild);
-    return {x, y, coordinate(canBeWild)};
-  }
-  Corners corners(unsigned int vertices) {
-    const unsigned int a = (*this)(vertices), b = (*this)(vertices);
-    return {a, b, (*this)(vertices)};
+  UXS::Mesh::Position position() {
+    const float x = coordinate(), y = coordinate();
+    return {x, y, coordinate()};
   }
 };
 
-/// The description of one mesh, as its editor takes it.
-struct sTriangle {
-  Corners mCorners;
-  unsigned int mMaterial;
-};
-inline void build(UXS::Mesh& outMesh, const std::vector<Position>& vertices,
-                  const std::vector<sTriangle>& triangles) {
+inline void build(UXS::Mesh& outMesh, const std::vector<UXS::Mesh::Position>& vertices,
+                  const std::vector<UXS::Mesh::Corners>& triangles, unsigned int material = 0) {
   UXS::Mesh::Editor editor(outMesh, false);
-  for (const Position& p : vertices) editor.AddVertex(p);
-  for (const sTriangle& t : triangles) editor.AddTriangle(t.mCorners, t.mMaterial);
+  for (const auto& p : vertices) editor.AddVertex(p);
+  for (const auto& corners : triangles) editor.AddTriangle(corners, material);
 }
 
 /// (0,0,0), (1,0,0), (1,1,0), (0,1,0): a square whose two triangles share the edge 0-2.
-inline const std::vector<Position> kSquare{{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}};
+inline const std::vector<UXS::Mesh::Position> kSquare{{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}};
 
 }  // namespace vexa::tests
