@@ -68,23 +68,25 @@ void expectTexts(const std::string& name, Operation operation, Arguments... argu
               "XCZELPathAgent::" + name + " : can not get BezierPoint (pointer is NULL)");
   }
 }
-#define EXPECT_TEXTS(R, operation, ...) expectTexts<R>(#operation, &R::operation, ##__VA_ARGS__)
+#define EXPECT_GETTER_TEXTS(name) expectTexts<XCZELPathInfo>(#name, &XCZELPathInfo::name)
+#define EXPECT_SETTER_TEXTS(name, value) \
+  expectTexts<XCZELPathAgent>(#name, &XCZELPathAgent::name, value)
 
 TEST(PathInfo, ErrorsNameTheOperation) {
-  EXPECT_TEXTS(XCZELPathInfo, getPassagePointPositionAt);
-  EXPECT_TEXTS(XCZELPathInfo, getBeforeControlPointAt);
-  EXPECT_TEXTS(XCZELPathInfo, getAfterControlPointAt);
-  EXPECT_TEXTS(XCZELPathInfo, getToBeforeCtrlPtAt);
-  EXPECT_TEXTS(XCZELPathInfo, getToAfterCtrlPtAt);
-  EXPECT_TEXTS(XCZELPathInfo, getAfterControlPointWeightAt);
-  EXPECT_TEXTS(XCZELPathInfo, getBeforeControlPointWeightAt);
-  EXPECT_TEXTS(XCZELPathInfo, getTangentLockedAt);
-  EXPECT_TEXTS(XCZELPathAgent, setPassagePointPositionAt, V3());
-  EXPECT_TEXTS(XCZELPathAgent, setBeforeControlPointAt, V3());
-  EXPECT_TEXTS(XCZELPathAgent, setAfterControlPointAt, V3());
-  EXPECT_TEXTS(XCZELPathAgent, setToBeforeCtrlPtAt, V3());
-  EXPECT_TEXTS(XCZELPathAgent, setToAfterCtrlPtAt, V3());
-  EXPECT_TEXTS(XCZELPathAgent, setTangentLockedAt, true);
+  EXPECT_GETTER_TEXTS(getPassagePointPositionAt);
+  EXPECT_GETTER_TEXTS(getBeforeControlPointAt);
+  EXPECT_GETTER_TEXTS(getAfterControlPointAt);
+  EXPECT_GETTER_TEXTS(getToBeforeCtrlPtAt);
+  EXPECT_GETTER_TEXTS(getToAfterCtrlPtAt);
+  EXPECT_GETTER_TEXTS(getAfterControlPointWeightAt);
+  EXPECT_GETTER_TEXTS(getBeforeControlPointWeightAt);
+  EXPECT_GETTER_TEXTS(getTangentLockedAt);
+  EXPECT_SETTER_TEXTS(setPassagePointPositionAt, V3());
+  EXPECT_SETTER_TEXTS(setBeforeControlPointAt, V3());
+  EXPECT_SETTER_TEXTS(setAfterControlPointAt, V3());
+  EXPECT_SETTER_TEXTS(setToBeforeCtrlPtAt, V3());
+  EXPECT_SETTER_TEXTS(setToAfterCtrlPtAt, V3());
+  EXPECT_SETTER_TEXTS(setTangentLockedAt, true);
   EXPECT_EQ(whatOf([] { XCZELPathInfo(nullptr).getNbBezierPoints(); }),
             "XC3DPath::getNbBezierPoints - can not get path's BezierPointsMgr");
 }

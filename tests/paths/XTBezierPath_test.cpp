@@ -9,6 +9,7 @@
 #include "refhost/scenes/paths.h"
 #include "tests/helpers/compare.h"
 #include "tests/helpers/raw_bits.h"
+#include "tests/models/literal_path.h"
 #include "vexa/paths/XC3DPath.h"
 
 namespace {
@@ -135,7 +136,7 @@ TEST(BezierPath, GoesRoundACircleAtConstantSpeed) {
 
 refhost::Path anyPath(const rc::Gen<double>& numbers) {
   refhost::Path path;
-  for (int i = *rc::gen::inRange(2, 6); i > 0; --i) {
+  for (int i = *rc::gen::inRange(2, 20); i > 0; --i) {
     refhost::BezierPoint& point = path.mPoints.add();
     const auto n = *rc::gen::container<std::vector<double>>(9, numbers);
     point.mPassage = {n[0], n[1], n[2]};
@@ -155,7 +156,7 @@ RC_GTEST_PROP(BezierPathProperty, MovesEvenlyInsideTheHullOfTheControls, ()) {
   const auto along = [&](V3 v) {
     return d[0] * double(v.x) + d[1] * double(v.y) + d[2] * double(v.z);
   };
-  double low = INFINITY, high = -low;
+  double low = HUGE_VAL, high = -low;
   for (const auto& curve : ride.mPath.getCurves()) {
     const auto [least, most] =
         std::minmax({along(curve.getStartValue()), along(curve.getEndValue()),
@@ -175,14 +176,27 @@ RC_GTEST_PROP(BezierPathProperty, MovesEvenlyInsideTheHullOfTheControls, ()) {
   }
 }
 
-// Whatever the host's numbers are, only a fraction outside the path is refused.
-RC_GTEST_PROP(BezierPathProperty, AnyNumbersGiveAnAnswer, ()) {
-  const Ride ride(anyPath(tests::rawBits<double>()));
+bool same(float a, float b) { return tests::sameBits(a, b) || (std::isnan(a) && std::isnan(b)); }
+
+// Whatever the host's numbers are, only a fraction outside the path is refused, and lanes side by
+// side give what one segment after the other gives.
+RC_GTEST_PROP(BezierPathProperty, AnyNumbersGiveTheAnswerOfTheLiteralForm, (bool ordinary)) {
+  const auto numbers = rc::gen::cast<double>(rc::gen::cast<float>(rc::gen::inRange(-9999, 9999)));
+  const Ride ride(anyPath(ordinary ? numbers : tests::rawBits<double>()));
+  const models::LiteralPath literal(ride.mInfo);
+  for (std::size_t i = 0; i < literal.tables.size(); ++i) {
+    const auto& table = ride.mPath.getRepartitions()[i];
+    RC_ASSERT(std::equal(table.begin(), table.end(), literal.tables[i].begin(), same));
+    RC_ASSERT(same(ride.mPath.getProportions()[i], literal.proportions[i]));
+  }
   const float f = *tests::rawBits<float>();
   const bool inside = f >= 0 && f <= 1;
-  RC_ASSERT(whatOf([&] { ride.mPath.valueAt(f); }) ==
+  RC_ASSERT(whatOf([&] { ride.mPath.directionAt(f); }) ==
             (inside ? "nothing was thrown" : kOutOfRange));
-  for (int i = 0; i <= 16; ++i) ride.mPath.directionAt(float(i) / 16);
+  for (int i = 0; i <= 32; ++i) {
+    const V3 ours = ride.mPath.valueAt(float(i) / 32), theirs = literal.valueAt(float(i) / 32);
+    RC_ASSERT(same(ours.x, theirs.x) && same(ours.y, theirs.y) && same(ours.z, theirs.z));
+  }
 }
 
 }  // namespace

@@ -18,6 +18,7 @@ using UxZel::IZelKeyFrame;
 using Keys = refhost::List<IZelKeyFrame, refhost::Key>;
 
 constexpr int kMax = std::numeric_limits<int>::max();
+constexpr double kNaN = std::numeric_limits<double>::quiet_NaN();
 const refhost::Path kStraight = refhost::scenes::straightPath(3);
 
 // Keys at frames 0, 10, 20 ... with these fractions; the last one asks for a curve.
@@ -63,13 +64,13 @@ TEST(PathPosition, EasesWhereTheObjectRests) {
 }
 
 TEST(PathPosition, OddKeysGiveOddFractionsAndNothingWorse) {
-  EXPECT_TRUE(std::isnan(at(keysOf({NAN, NAN, NAN, NAN}), 1, 15)));
+  EXPECT_TRUE(std::isnan(at(keysOf({kNaN, kNaN, kNaN, kNaN}), 1, 15)));
   Keys wide = keysOf({0, 1}, UxZel::kInterpolationLinear);
   wide.mElements[0].mFrame = -2;
   wide.mElements[1].mFrame = kMax;  // the difference is an int, and wraps
   EXPECT_EQ(at(wide, 0, -1), 1.0 / -2147483647.0);
   wide.mElements[1].mFrame = -2;
-  EXPECT_EQ(at(wide, 0, 3), INFINITY);
+  EXPECT_EQ(at(wide, 0, 3), HUGE_VAL);
   // The line goes on beyond the keys, the curves do not.
   EXPECT_EQ(at(keysOf({0, 1}), 0, 20, true), 2);
   EXPECT_EQ(whatOf([] {
@@ -107,8 +108,8 @@ TEST(PathPosition, FollowsAStraightPath) {
   still.mElements[1].mFrame = 0;
   expectX(follow(&kStraight, still, 7), 1.5, 1);  // a unit vector at one frame only
   expectX(follow(&kStraight, still, 7, 0.75), 1.5, 0.75);
-  const double pairs[][2] = {{0.75, 0.75}, {-0.75, -0.75}, {1.5, 1.5},   // the very end
-                             {2, 2.5},     {-9, 2.5},      {NAN, 2.5}};  // and a unit step
+  const double pairs[][2] = {{0.75, 0.75}, {-0.75, -0.75}, {1.5, 1.5},    // the very end
+                             {2, 2.5},     {-9, 2.5},      {kNaN, 2.5}};  // and a unit step
   for (const auto& [distance, chord] : pairs) {
     expectX(follow(&kStraight, keys, 5, distance), 1.5, chord);
   }

@@ -18,10 +18,6 @@ float weight(const UxZel::CZelVector& offset) {
 
 }  // namespace
 
-XCBezierPointTool::XCBezierPointTool(const UxZel::IZelBezierPoint* point) : mPoint(point) {}
-
-XCBezierPointTool::~XCBezierPointTool() = default;
-
 UxZel::CZelPoint XCBezierPointTool::getBeforeCtrlPoint() const {
   return sum(*mPoint->GetPassagePoint(), *mPoint->GetBeforeControlOffset());
 }

@@ -11,8 +11,8 @@ namespace Norvel::Vexa {
 class VEXA_EXPORT XCBezierPointTool {
  public:
   /// The point is borrowed, must not be null and must outlive the tool.
-  explicit XCBezierPointTool(const UxZel::IZelBezierPoint* point);
-  virtual ~XCBezierPointTool();
+  explicit XCBezierPointTool(const UxZel::IZelBezierPoint* point) : mPoint(point) {}
+  virtual ~XCBezierPointTool() = default;
 
   /// The control point through which the path arrives: passage point + before offset.
   UxZel::CZelPoint getBeforeCtrlPoint() const;

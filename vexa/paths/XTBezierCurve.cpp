@@ -72,18 +72,6 @@ sNearestPlace nearestPlace(const XTBezierCurve<V, W, S>& piece, const V& coordin
 }  // namespace
 
 template <class V, class W, class S>
-XTBezierCurve<V, W, S>::XTBezierCurve()
-    : mStartValue(), mEndValue(), mStartControlPoint(), mEndControlPoint() {}
-
-template <class V, class W, class S>
-XTBezierCurve<V, W, S>::XTBezierCurve(V startValue, V endValue, V startControlPoint,
-                                      V endControlPoint)
-    : mStartValue(startValue),
-      mEndValue(endValue),
-      mStartControlPoint(startControlPoint),
-      mEndControlPoint(endControlPoint) {}
-
-template <class V, class W, class S>
 XTBezierCurve<V, W, S>::~XTBezierCurve() = default;
 
 template <class V, class W, class S>

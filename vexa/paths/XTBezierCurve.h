@@ -15,9 +15,13 @@ template <class V, class W, class S>
 class VEXA_EXPORT XTBezierCurve {
  public:
   /// All four points at the origin.
-  XTBezierCurve();
+  XTBezierCurve() : mStartValue(), mEndValue(), mStartControlPoint(), mEndControlPoint() {}
   /// Ends first, then controls: P0, P3, C1, C2.
-  XTBezierCurve(V startValue, V endValue, V startControlPoint, V endControlPoint);
+  XTBezierCurve(V startValue, V endValue, V startControlPoint, V endControlPoint)
+      : mStartValue(startValue),
+        mEndValue(endValue),
+        mStartControlPoint(startControlPoint),
+        mEndControlPoint(endControlPoint) {}
   XTBezierCurve(const XTBezierCurve&) = default;
   XTBezierCurve& operator=(const XTBezierCurve&) = default;
   virtual ~XTBezierCurve();

@@ -3,20 +3,11 @@
 #include <cstddef>
 #include <stdexcept>
 
+#include "vexa/paths/arc_length_tables_internal.h"
+
 namespace Norvel::Vexa {
 
 namespace {
-
-// From one segment to sixteen: each round halves every piece, keeping their order.
-template <class V, class W, class S>
-void subdivideInSixteen(const XTBezierCurve<V, W, S>& curve, XTBezierCurve<V, W, S> pieces[16]) {
-  pieces[0] = curve;
-  for (int count = 1; count < 16; count *= 2) {
-    for (int i = count - 1; i >= 0; --i) {  // from the last, so that no piece is overwritten
-      pieces[i].subdivideCurve(pieces[2 * i], pieces[2 * i + 1]);
-    }
-  }
-}
 
 // The segments of the path, appended to those given.
 template <class V, class W, class S>
@@ -63,8 +54,9 @@ void XTBezierPath<V, W, S>::createBezierCurve() {
 template <class V, class W, class S>
 void XTBezierPath<V, W, S>::appendTables() {
   const std::size_t first = mRepartitions.size();
+  mRepartitions.resize(mCurves.size());
+  arc_length::fillTables(&mCurves[first], mCurves.size() - first, &mRepartitions[first]);
   for (std::size_t i = first; i < mCurves.size(); ++i) {
-    mRepartitions.push_back(CalculateCurveDistanceRepartition(mCurves[i]));
     mTotalLength += mRepartitions[i].back();
     mProportions.push_back(mTotalLength);
   }
@@ -86,14 +78,8 @@ W XTBezierPath<V, W, S>::directionAt(S distance) const {
 template <class V, class W, class S>
 typename XTBezierPath<V, W, S>::CurveDistanceRepartition
 XTBezierPath<V, W, S>::CalculateCurveDistanceRepartition(Curve curve) {
-  Curve pieces[16];
-  subdivideInSixteen(curve, pieces);
   CurveDistanceRepartition repartition;
-  S length = 0;
-  for (std::size_t k = 0; k < 16; ++k) {
-    length += S(pieces[k].getLengthAproximation());  // order: exact floats
-    repartition[k] = length;
-  }
+  arc_length::fillTables(&curve, 1, &repartition);
   return repartition;
 }
 

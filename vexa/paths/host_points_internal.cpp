@@ -29,7 +29,9 @@ UxZel::IZelBezierPoint* pointAt(const List* points, unsigned int index, const ch
   // The host counts in int; there is no point beyond that.
   constexpr unsigned int kLastIndex = std::numeric_limits<int>::max();
   UxZel::IZelBezierPoint* point = index <= kLastIndex ? points->GetAt(int(index)) : nullptr;
-  UxThrow::IfNULL(point, "XCZELPathAgent::%s : can not get BezierPoint", operation);
+  if (point == nullptr) {  // asked here too, because the call is dear
+    UxThrow::IfNULL(point, "XCZELPathAgent::%s : can not get BezierPoint", operation);
+  }
   return point;
 }
 
