@@ -105,4 +105,7 @@ TYPED_TEST(BaseVector, RollForUpVectorUndoesGetUpVector) {
       EXPECT_NEAR(double(back), roll > 0 ? roll : turn + roll, tolerance);
     }
   }
+  // Required: both rolls are so near that the first one is taken.
+  const ux_vect3<T> view(1, 0, 0);
+  EXPECT_NEAR(double(view.RollForUpVector(view.get_up_vector(T(-0.04)))), 0.04, tolerance);
 }

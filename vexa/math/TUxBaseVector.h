@@ -98,6 +98,8 @@ class TUxBaseVector {
   TUxUnitVector<T> get_up_vector(T roll) const;
 
   /// The roll in radians, in [0, 2 pi], with which get_up_vector yields `up`.
+  ///
+  /// Required behaviour: of a roll just below 0, by less than 0.05, the sign is lost.
   T RollForUpVector(const TUxUnitVector<T>& up) const;
 
  private:
