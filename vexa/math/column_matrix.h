@@ -4,16 +4,22 @@
 /// row r and column c at 4c + r, points as column vectors on the right.
 namespace Norvel::Vexa {
 
+/// out = a p for one column p of four values, each row summed from the first term on.
+template <class T>
+constexpr void multiplyColumn(const T* a, const T* p, T* out) {
+  const T x = p[0], y = p[1], z = p[2], w = p[3];
+  // order: exact floats
+  for (int r = 0; r < 4; ++r) out[r] = a[r] * x + a[4 + r] * y + a[8 + r] * z + a[12 + r] * w;
+}
+
 /// out = a b: element (r, c) is the sum over k of a(r, k) b(k, c), from k = 0 upwards. `out` shares
 /// no storage with a or b.
 template <class T>
 constexpr void multiplyColumns(const T* a, const T* b, T* out) {
-  for (int c = 0; c < 16; c += 4) {
-    for (int r = 0; r < 4; ++r) {
-      out[c + r] = a[r] * b[c] + a[4 + r] * b[c + 1] + a[8 + r] * b[c + 2] +
-                   a[12 + r] * b[c + 3];  // order: exact floats
-    }
-  }
+  multiplyColumn(a, b, out);
+  multiplyColumn(a, b + 4, out + 4);
+  multiplyColumn(a, b + 8, out + 8);
+  multiplyColumn(a, b + 12, out + 12);
 }
 
 /// Row r of m times the direction v: m(r,0) x + m(r,1) y + m(r,2) z.

@@ -3,7 +3,11 @@
 #include <algorithm>
 #include <cmath>
 #include <stdexcept>
+#include <type_traits>
 #include <utility>
+
+#include "vexa/math/matrix_inverse_internal.h"
+#include "vexa/math/simd/Float4.h"
 
 namespace Norvel::Vexa {
 
@@ -12,46 +16,8 @@ namespace {
 template <class T>
 constexpr T kPi = T(3.141592653589793);
 
-// The 2x2 minors of two columns p and q, over the pairs of rows 01, 02, 03, 12, 13, 23.
 template <class T>
-struct Minors {
-  T m01, m02, m03, m12, m13, m23;
-
-  Minors(const T* p, const T* q)
-      : m01(p[0] * q[1] - p[1] * q[0]),
-        m02(p[0] * q[2] - p[2] * q[0]),
-        m03(p[0] * q[3] - p[3] * q[0]),
-        m12(p[1] * q[2] - p[2] * q[1]),
-        m13(p[1] * q[3] - p[3] * q[1]),
-        m23(p[2] * q[3] - p[3] * q[2]) {}
-};
-
-// The minors of the left and of the right half of a matrix; all cofactors are built from them.
-template <class T>
-struct Halves {
-  Minors<T> left, right;
-
-  explicit Halves(const T* e) : left(e, e + 4), right(e + 8, e + 12) {}
-
-  // Laplace expansion along the left half. The order lets two equal rows cancel exactly.
-  T determinant() const {
-    return product(right, left) + product(left, right);  // order: exact floats
-  }
-  static T product(const Minors<T>& a, const Minors<T>& b) {
-    return a.m01 * b.m23 + a.m03 * b.m12 - a.m02 * b.m13;
-  }
-};
-
-// One row of the inverse: the cofactors of a column from its entries s * p and the minors of the
-// other half, times r = 1/determinant.
-template <class T>
-void storeRow(T s, const T* p, const Minors<T>& m, T r, T* out) {
-  const T p0 = s * p[0], p1 = s * p[1], p2 = s * p[2], p3 = s * p[3];
-  out[0] = (p1 * m.m23 - p2 * m.m13 + p3 * m.m12) * r;
-  out[4] = (p2 * m.m03 - p0 * m.m23 - p3 * m.m02) * r;
-  out[8] = (p0 * m.m13 - p1 * m.m03 + p3 * m.m01) * r;
-  out[12] = (p1 * m.m02 - p0 * m.m12 - p2 * m.m01) * r;
-}
+using Inverse = MatrixInverse<T, std::conditional_t<std::is_same_v<T, float>, Float4, Double4>>;
 
 }  // namespace
 
@@ -83,17 +49,13 @@ void ux_matrix44<T>::transpose() {
 
 template <class T>
 ux_matrix44<T> ux_matrix44<T>::invert() const {
-  const Halves<T> halves(e);
-  const T determinant = halves.determinant();
+  const Inverse<T> inverse(e);
+  const T determinant = inverse.determinant();
   if (determinant == 0) {
     throw std::overflow_error("ux_matrix44<Type>::invert() - Matrix cannot be inverted");
   }
-  const T r = 1 / determinant;
-  ux_matrix44 result;
-  storeRow<T>(1, e + 4, halves.right, r, result.e);
-  storeRow<T>(-1, e, halves.right, r, result.e + 1);
-  storeRow<T>(1, e + 12, halves.left, r, result.e + 2);
-  storeRow<T>(-1, e + 8, halves.left, r, result.e + 3);
+  ux_matrix44 result{Unset()};
+  inverse.store(determinant, result.e);
   return result;
 }
 
@@ -104,7 +66,7 @@ void ux_matrix44<T>::inverse() {
 
 template <class T>
 bool ux_matrix44<T>::is_invertible() const {
-  return Halves<T>(e).determinant() != 0;
+  return Inverse<T>(e).determinant() != 0;
 }
 
 template <class T>

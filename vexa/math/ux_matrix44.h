@@ -80,8 +80,8 @@ class VEXA_EXPORT ux_matrix44 {
   void add_scale(T x, T y, T z);
 
   /// Matrix product; each element is summed from k = 0 upwards.
-  constexpr ux_matrix44 operator*(const ux_matrix44& b) const {
-    ux_matrix44 result;
+  ux_matrix44 operator*(const ux_matrix44& b) const {
+    ux_matrix44 result{Unset()};
     multiplyColumns(e, b.e, result.e);
     return result;
   }
@@ -108,6 +108,10 @@ class VEXA_EXPORT ux_matrix44 {
   }
 
  private:
+  // For results whose elements are all written next.
+  struct Unset {};
+  explicit ux_matrix44(Unset) {}
+
   constexpr T row(int r, const ux_point4<T>& p) const {
     return rowTimesDirection(e, r, p) + e[12 + r] * p.w;  // order: exact floats
   }
