@@ -132,7 +132,11 @@ struct FinalKey final : UxZel::IZelKeyFrame {
 struct FinalValue final : UxZel::IZelInterpolatedValue {
   List<UxZel::IZelKeyFrame, FinalKey> mKeys;
   unsigned int GetPropertyType() const override { return 0; }
-  const UxZel::TZelObjectMgr<UxZel::IZelKeyFrame>* GetKeyFrames() const override { return &mKeys; }
+  bool mThrows = false;
+  const UxZel::TZelObjectMgr<UxZel::IZelKeyFrame>* GetKeyFrames() const override {
+    if (mThrows) throw 42;
+    return &mKeys;
+  }
   bool IsCyclic() const override { return false; }
   int GetRepeatCount() const override { return 0; }
   const UxZel::CZelUUID* GetPathUUID() const override { return nullptr; }
@@ -150,6 +154,14 @@ TEST(AnimationMgr, LetsTheEndOfAThreadPass) {
     returned = true;
   }).join();
   EXPECT_FALSE(returned);
+}
+
+TEST(AnimationMgr, CatchesWhatIsNoException) {
+  FinalValue value;
+  value.mThrows = true;
+  const auto manager = makeManager();
+  EXPECT_EQ(stderrOf([&] { manager->InterpolateValue(nullptr, &value, 5, nullptr, nullptr); }),
+            "XCAnimationMgr::InterpolateValue - Caught an exception\n");
 }
 
 TEST(KeyRange, NearestKeysInAnyOrder) {
