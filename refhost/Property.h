@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "refhost/Identity.h"
@@ -16,7 +17,10 @@ struct Property final : UxZel::IZelInterpolatedValue {
   List<UxZel::IZelKeyFrame, Key> mKeys;
   bool mCyclic = false;
   int mRepeatCount = 0;
-  UxZel::CZelUUID mPath;          ///< the path that a position or a walker follows
+  UxZel::CZelUUID mPath;  ///< the path that a position or a walker follows
+  /// Handed along with a request, see XIAnimationMgr::InterpolateValue: how far to look ahead on
+  /// the path of a position, or how many frames the animation behind a frame number has.
+  std::optional<double> mRate;
   std::size_t mInstance = kNone;  ///< the instance that it drives, an index into the scene's list
 
   unsigned int GetPropertyType() const override { return mPropertyType; }

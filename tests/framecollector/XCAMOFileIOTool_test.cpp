@@ -164,14 +164,32 @@ TEST(XCAMOFileIOTool, HonoursWhatTheFileHoldsAndLittleBeyond) {
   EXPECT_EQ(errorOf(words({101, 0, 2000000}, 140 + 4 * 2000000)), "nothing was thrown");
 }
 
-// Takes without frames cost a node 48 bytes each, which nothing in the file has to stand for.
-TEST(XCAMOFileIOTool, RefusesASmallFileThatWouldFillTheMemory) {
-  const std::uint32_t takes = 200000, nodes = 400;
-  std::string bytes = words({101, takes, 1}, 140 + 4 * takes + nodes * 132);
-  std::memcpy(&bytes[136 + 4 * takes], &nodes, 4);
-  RecordingCollector collector;
-  EXPECT_EQ(readBytes(bytes, collector), kTruncated);
-  EXPECT_EQ(collector.calls().find("AddTransformation"), std::string::npos);
+// Takes without frames cost a node 48 bytes each, which nothing in the file has to stand for. The
+// bytes behind the counts are a hole in the file.
+TEST(XCAMOFileIOTool, RefusesFilesThatWouldFillTheMemory) {
+  const struct {
+    std::uint32_t mTakes, mNodes;
+    std::uintmax_t mSize;
+    bool mRefused;
+  } kFiles[] = {
+      {200000, 25, 1000000, false},    // 240 MB
+      {200000, 400, 1000000, true},    // 3.6 GiB from 1 MB
+      {200000, 400, 70000000, false},  // the same from 70 MB
+      {230000, 400, 70000000, true},   // 4.1 GiB
+      {60000000, 0, 250000000, true},  // takes alone
+  };
+  for (const auto& file : kFiles) {
+    std::string bytes = words({101, file.mTakes, 1}, 140);
+    if (file.mNodes > 0) bytes.resize(140 + 4 * file.mTakes);
+    std::memcpy(&bytes[bytes.size() - 4], &(file.mNodes > 0 ? file.mNodes : file.mTakes), 4);
+    vexa::assets::writeFile(kName, bytes);
+    std::filesystem::resize_file(kName, file.mSize);
+    RecordingCollector collector;
+    EXPECT_EQ(readFile(collector, kName.c_str()),
+              file.mRefused ? kTruncated : "nothing was thrown");
+    EXPECT_EQ(collector.calls().find("AddTransformation") == std::string::npos, file.mRefused);
+    std::filesystem::remove(kName);
+  }
 }
 
 }  // namespace

@@ -1,28 +1,86 @@
 // Reading a file and computing a definition while memory runs out: every allocation fails once, and
 // every allocation from a certain one on.
 #include <chrono>
+#include <cstdlib>
 #include <filesystem>
 #include <gtest/gtest.h>
+#include <new>
 #include <unistd.h>
 
 #include "assets/AnimationFile.h"
 #include "assets/write_file.h"
 #include "tests/helpers/compare.h"
-#include "tests/helpers/failing_new.h"
 #include "vexa/framecollector/XCAMOFileIOTool.h"
 #include "vexa/framecollector/XCFrameCollector.h"
 #include "vexa/mesh/MeshEditor.h"
 #include "vexa/mesh/uxs_autoptr.h"
 
+namespace {
+
+struct {
+  long mUntilFailure = -1;  // allocations that still succeed; none fails while it is negative
+  bool mOnwards = false;
+  bool mFired = false;
+  long mBlocks = 0;
+  std::size_t mBytes = 0;  // handed out so far
+} gMemory;
+
+void* allocate(std::size_t inSize) {
+  if (gMemory.mUntilFailure == 0) {
+    if (!gMemory.mOnwards) gMemory.mUntilFailure = -1;
+    gMemory.mFired = true;
+    throw std::bad_alloc();
+  }
+  if (gMemory.mUntilFailure > 0) --gMemory.mUntilFailure;
+  ++gMemory.mBlocks;
+  gMemory.mBytes += inSize;
+  void* block = std::malloc(inSize + 1);
+  if (block == nullptr) throw std::bad_alloc();
+  return block;
+}
+void release(void* inBlock) {
+  if (inBlock != nullptr) --gMemory.mBlocks;
+  std::free(inBlock);
+}
+
+}  // namespace
+
+void* operator new(std::size_t inSize) { return allocate(inSize); }
+void* operator new[](std::size_t inSize) { return allocate(inSize); }
+void* operator new(std::size_t inSize, const std::nothrow_t&) noexcept try {
+  return allocate(inSize);
+} catch (const std::bad_alloc&) {
+  return nullptr;
+}
+void operator delete(void* inBlock) noexcept { release(inBlock); }
+void operator delete[](void* inBlock) noexcept { release(inBlock); }
+void operator delete(void* inBlock, std::size_t) noexcept { release(inBlock); }
+void operator delete[](void* inBlock, std::size_t) noexcept { release(inBlock); }
+
 namespace Norvel::Vexa {
 namespace {
 
 using vexa::assets::AnimationFile;
-using vexa::tests::gMemory;
-using vexa::tests::throwsAt;
 using Points = std::vector<Oru::TVector3D<float>>;
 
 constexpr UxZel::CZelUUID kNone{};
+
+// Runs a call that may fail at one allocation, or at all from that one on, and says whether an
+// exception came out; mFired tells whether it came to that allocation at all.
+template <class Call>
+bool throwsAt(long inAllocation, bool inOnwards, Call call) {
+  bool thrown = false;
+  gMemory.mFired = false;
+  gMemory.mOnwards = inOnwards;
+  gMemory.mUntilFailure = inAllocation;
+  try {
+    call();
+  } catch (const std::exception&) {
+    thrown = true;
+  }
+  gMemory.mUntilFailure = -1;
+  return thrown;
+}
 
 // A strip of triangles whose vertices follow two nodes for two frames.
 class MemoryRunsOut : public testing::TestWithParam<bool> {

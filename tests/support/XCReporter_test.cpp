@@ -32,15 +32,14 @@ TEST(XIReporter, ReportMsgFollowsTheTwoDestructors) {
 
 TEST(XCReporter, PrintsWhenThereIsNoReporterAndTheTypeHasAName) {
   testing::internal::CaptureStdout();
-  XCReporter::Warning("x=%d", 3);
   for (int type = -1; type <= 7; ++type) {
-    XCReporter::SendMsg2Reporter(static_cast<XIReporter::EMsgType>(type), "%d");
+    XCReporter::Message(static_cast<XIReporter::EMsgType>(type), "%d", type);
   }
   std::fflush(stdout);
   EXPECT_EQ(testing::internal::GetCapturedStdout(),
-            "XCReporter: Warning(\"x=3\")\nXCReporter: Error(\"%d\")\nXCReporter: Warning(\"%d\")\n"
-            "XCReporter: Message(\"%d\")\nXCReporter: Trace(\"%d\")\nXCReporter: Bench(\"%d\")\n"
-            "XCReporter: Memory(\"%d\")\nXCReporter: NoMessage(\"%d\")\n");
+            "XCReporter: Error(\"0\")\nXCReporter: Warning(\"1\")\nXCReporter: Message(\"2\")\n"
+            "XCReporter: Trace(\"3\")\nXCReporter: Bench(\"4\")\nXCReporter: Memory(\"5\")\n"
+            "XCReporter: NoMessage(\"6\")\n");
 }
 
 TEST(XCReporter, HandsOnTypeAndTextAndCutsOnlyFormattedTexts) {
@@ -61,26 +60,22 @@ TEST(XCReporter, HandsOnTypeAndTextAndCutsOnlyFormattedTexts) {
 }
 
 TEST(XCReporter, ModesSwitchTheirOwnKindAndReportEverySwitch) {
-  const auto send = [] {
-    XCReporter::TraceInLog("t %d");
-    XCReporter::BenchInLog("b %d", 1);
-    XCReporter::MemoryInLog("m %d", 2);
-  };
-  const auto switchAll = [](bool on) {
+  const auto sendAfterSwitch = [](bool on) {
     XCReporter::SetTraceInLog(on);
     XCReporter::SetBenchInLog(on);
     XCReporter::SetMemoryInLog(on);
     EXPECT_TRUE(XCReporter::GetTraceInLog() == on && XCReporter::GetMemoryInLog() == on);
+    XCReporter::TraceInLog("t %d");
+    XCReporter::BenchInLog("b %d", 1);
+    XCReporter::MemoryInLog("m %d", 2);
   };
   const Lines off{"3 Trace mode is disabled", "4 Bench mode is disabled",
                   "5 Memory mode is disabled"};
-  EXPECT_EQ(reportedBy(send), Lines());
-  EXPECT_EQ(reportedBy([&] { switchAll(false); }), off);
-  EXPECT_EQ(
-      reportedBy([&] { switchAll(true); }),
-      (Lines{"3 Trace mode is enabled", "4 Bench mode is enabled", "5 Memory mode is enabled"}));
-  EXPECT_EQ(reportedBy(send), (Lines{"3 t %d", "4 b 1", "5 m 2"}));
-  EXPECT_EQ(reportedBy([&] { switchAll(false); }), off);
+  EXPECT_EQ(reportedBy([&] { sendAfterSwitch(false); }), off);
+  EXPECT_EQ(reportedBy([&] { sendAfterSwitch(true); }),
+            (Lines{"3 Trace mode is enabled", "4 Bench mode is enabled", "5 Memory mode is enabled",
+                   "3 t %d", "4 b 1", "5 m 2"}));
+  EXPECT_EQ(reportedBy([&] { sendAfterSwitch(false); }), off);
 }
 
 TEST(XStPushReporter, ScopesNestPerThreadAndMayServeTheOthers) {

@@ -70,20 +70,15 @@ TEST(Heliodon, NorthTurnsTheSceneUnderTheSun) {
 }
 
 TEST(Heliodon, AnglesToDirection) {
-  const auto direction = [](double a, double b) {
-    return UXS::uxs_heliodon_tool::get_sun_direction(atRunTime(a), atRunTime(b));
-  };
-  EXPECT_EQ(direction(0, 0), Vec3(0, 0, 1));
-  expectNear(direction(0, 1.5707963267948966), {-1, 0, 0});
-  expectNear(direction(1.5707963267948966, 1.5707963267948966), {0, 1, 0});
+  const double quarter = atRunTime(1.5707963267948966);
+  EXPECT_EQ(UXS::uxs_heliodon_tool::get_sun_direction(0, 0), Vec3(0, 0, 1));
+  expectNear(UXS::uxs_heliodon_tool::get_sun_direction(0, quarter), {-1, 0, 0});
+  expectNear(UXS::uxs_heliodon_tool::get_sun_direction(quarter, quarter), {0, 1, 0});
 }
 
 TEST(Heliodon, AnyNumbersGiveAUnitVectorOrNaN) {
   constexpr std::int32_t least = std::numeric_limits<std::int32_t>::min();
-  const Date last = {~0u, ~0u, ~0u, ~0u, ~0u, true};
-  for (const Place& place : {Place{least, least, least, 1e30f}, Place{0, 90 * 60, 0, HUGE_VALF}}) {
-    const Vec3 v = sun(last, place);
-    const float length = std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z);
-    EXPECT_TRUE(std::isnan(length) || std::abs(length - 1) < 1e-6f);
-  }
+  const Vec3 v = sun({~0u, ~0u, ~0u, ~0u, ~0u, true}, {least, least, least, 1e30f});
+  EXPECT_NEAR(v.x * v.x + v.y * v.y + v.z * v.z, 1, 1e-6);
+  EXPECT_TRUE(std::isnan(sun({}, {0, 0, 0, HUGE_VALF}).x));
 }

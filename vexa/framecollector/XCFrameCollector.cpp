@@ -1,5 +1,6 @@
 #include "vexa/framecollector/XCFrameCollector.h"
 
+#include <cstdint>
 #include <exception>
 #include <utility>
 
@@ -16,12 +17,6 @@ using Matrix = UXS::uxs_generic_mat4<float>;
 using Point = Oru::TVector3D<float>;
 
 constexpr Matrix kZeroMatrix = {{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}};
-
-// Room for one more element, so that the next push_back cannot fail.
-template <class T>
-void growForOne(std::vector<T>& ioVector) {
-  if (ioVector.size() == ioVector.capacity()) ioVector.reserve(2 * ioVector.size() + 1);
-}
 
 // ioSum = weight * inMatrix + ioSum, element by element.
 void addWeighted(Matrix& ioSum, const Matrix& inMatrix, float inWeight) {
@@ -70,17 +65,6 @@ struct XCFrameCollector::sCloneDefinitions {
   UXS::uxs_autoptr<UXS::Mesh> mMesh;
 };
 
-// Either all three get their entry or none.
-void XCFrameCollector::sLink::add(unsigned int inNode, double inWeight,
-                                  const UxZel::CZelUUID& inDefinition) {
-  growForOne(mNodes);
-  growForOne(mWeights);
-  growForOne(mDefinitions);
-  mNodes.push_back(inNode);
-  mWeights.push_back(inWeight);
-  mDefinitions.push_back(inDefinition);
-}
-
 XCFrameCollector::XCFrameCollector(UXS::Mesh* inMesh) : mMesh(inMesh) {}
 
 XCFrameCollector::~XCFrameCollector() {
@@ -118,18 +102,11 @@ void XCFrameCollector::AddLink(int inNode, const UxZel::CZelUUID& inDefinition,
                                unsigned int inVertex, double inWeight) {
   UxThrow::IfFalse(inVertex < restVertices().size(),
                    "XCFrameCollector::AddLink : bad vertex index");
-  const Point* key = &restVertices()[inVertex];
-  const auto node = static_cast<unsigned int>(inNode);
-  const auto found = mLinks.find(key);
-  if (found == mLinks.end()) {
-    sLink first;
-    first.add(node, inWeight, inDefinition);
-    mLinks.emplace(key, std::move(first));
-    mSize += 72;
-  } else {
-    found->second.add(node, inWeight, inDefinition);
-  }
-  mSize += 28;
+  if (inVertex >= mLastLinks.size()) mLastLinks.resize(restVertices().size(), kNoLink);
+  unsigned int& last = mLastLinks[inVertex];
+  mLinks.push_back({static_cast<unsigned int>(inNode), last, inWeight, inDefinition});
+  mSize += last == kNoLink ? 72 + 28 : 28;
+  last = static_cast<unsigned int>(mLinks.size() - 1);
 }
 
 Matrix XCFrameCollector::GetVertexTransformation(const Point* inVertex, unsigned int inTake,
@@ -186,6 +163,14 @@ const std::vector<Point>& XCFrameCollector::restVertices() const {
   return mMesh ? mMesh->GetVerticesArray() : kNone;
 }
 
+// A vertex is known by its address in the rest mesh; any other address has no links.
+unsigned int XCFrameCollector::lastLinkOf(const Point* inVertex) const {
+  const auto address = reinterpret_cast<std::uintptr_t>(inVertex);
+  const auto offset = address - reinterpret_cast<std::uintptr_t>(restVertices().data());
+  const auto vertex = offset / sizeof(Point);
+  return vertex < mLastLinks.size() && offset % sizeof(Point) == 0 ? mLastLinks[vertex] : kNoLink;
+}
+
 const XCTransformationNode& XCFrameCollector::nodeAt(unsigned int inNode) const {
   UxThrow::IfFalse(inNode < mNodes.size(), "XCFrameCollector::GetTransformation : bad node index");
   return mNodes[inNode];
@@ -195,22 +180,21 @@ const XCTransformationNode& XCFrameCollector::nodeAt(unsigned int inNode) const 
 // A link that cannot be followed is reported and left out, weight and all.
 void XCFrameCollector::FillMatrix(const Point* inVertex, unsigned int inTake, unsigned int inFrame,
                                   double& outWeightSum, Matrix& outMatrix) const {
-  const auto found = mLinks.find(inVertex);
-  if (found == mLinks.end()) {
+  unsigned int link = lastLinkOf(inVertex);
+  if (link == kNoLink) {
     // Required behaviour: a check that never fires.
     UxThrow::IfFalse(true, "XCFrameCollector::FillMatrix : Bad vertex index");
     return;
   }
-  const sLink& links = found->second;
-  UxThrow::IfFalse(!links.mNodes.empty(), "XCFrameCollector::FillMatrix : vertex not linked...");
+  UxThrow::IfFalse(link < mLinks.size(), "XCFrameCollector::FillMatrix : vertex not linked...");
   Matrix blend = kZeroMatrix;
   double weightSum = 0;
   unsigned int frame = inFrame;
-  for (std::size_t i = links.mNodes.size(); i-- > 0;) {
+  for (; link != kNoLink; link = mLinks[link].mPrevious) {
     try {
-      const Matrix& matrix = heldTransformation(nodeAt(links.mNodes[i]), inTake, frame);
-      addWeighted(blend, matrix, float(links.mWeights[i]));
-      weightSum += links.mWeights[i];  // order: exact floats
+      const Matrix& matrix = heldTransformation(nodeAt(mLinks[link].mNode), inTake, frame);
+      addWeighted(blend, matrix, float(mLinks[link].mWeight));
+      weightSum += mLinks[link].mWeight;  // order: exact floats
     } catch (const std::exception& e) {
       reportLink(e.what());
     } catch (...) {

@@ -48,17 +48,19 @@ class VEXA_EXPORT XCFrameCollector : public XIFrameCollector {
   XCTMPTake* GetTake(unsigned int inIndex) const;
 
  private:
-  /// The links of one vertex, in the order in which they were added.
+  /// One link of a vertex; those of one vertex form a chain from the last added to the first, which
+  /// is the order in which they are visited.
   struct sLink {
-    std::vector<unsigned int> mNodes;
-    std::vector<double> mWeights;
-    std::vector<UxZel::CZelUUID> mDefinitions;
-
-    void add(unsigned int inNode, double inWeight, const UxZel::CZelUUID& inDefinition);
+    unsigned int mNode;
+    unsigned int mPrevious;  // index of the link added before, or kNoLink
+    double mWeight;
+    UxZel::CZelUUID mDefinition;
   };
+  static constexpr unsigned int kNoLink = 0xFFFFFFFF;
   struct sCloneDefinitions;
 
   const std::vector<Oru::TVector3D<float>>& restVertices() const;
+  unsigned int lastLinkOf(const Oru::TVector3D<float>* inVertex) const;
   const XCTransformationNode& nodeAt(unsigned int inNode) const;
   void FillMatrix(const Oru::TVector3D<float>* inVertex, unsigned int inTake, unsigned int inFrame,
                   double& outWeightSum, UXS::uxs_generic_mat4<float>& outMatrix) const;
@@ -66,7 +68,8 @@ class VEXA_EXPORT XCFrameCollector : public XIFrameCollector {
 
   std::vector<XCTransformationNode> mNodes;
   UXS::uxs_generic_mat4<float> mGlobalTransformation;
-  std::map<const Oru::TVector3D<float>*, sLink> mLinks;
+  std::vector<sLink> mLinks;
+  std::vector<unsigned int> mLastLinks;  // per vertex: index of its last link, or kNoLink
   UXS::Mesh* mMesh;
   std::vector<std::unique_ptr<XCTMPTake>> mTakes;
   std::map<UxZel::CZelUUID, std::unique_ptr<sCloneDefinitions>> mClones;

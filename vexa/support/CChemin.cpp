@@ -120,7 +120,7 @@ std::string CChemin::DonneURL() const {
   std::string url = std::string(kScheme) + encoded(mPath);
   char separator = '?';
   for (const auto& [name, value] : mParameters) {
-    url += separator + name + '=' + value;
+    url.append(1, separator).append(name).append(1, '=').append(value);
     separator = '&';
   }
   return url;

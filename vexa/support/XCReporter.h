@@ -15,7 +15,8 @@ enum SystemErrorType : int { kSystemErrno = 0, kSystemNone = 1 };
 /// else to the process-wide default, else prints it as `XCReporter: TYPE("TEXT")` on standard
 /// output.
 ///
-/// Reporting never throws; what a host's reporter throws is dropped. The per-thread reporter needs
+/// Reporting never throws, and what a host's reporter throws is dropped; only the records of
+/// benchmarks may run out of memory (std::bad_alloc). The per-thread reporter needs
 /// no lock; the default reporter, the modes and the benchmarks are plain globals, to be set from
 /// one thread. Texts are cut to 2,047 characters, those of Message to 4,095.
 class VEXA_EXPORT XCReporter {

@@ -113,7 +113,9 @@ bool setTimesAndMode(int to, const struct stat& source) {
 /// Whether a copy of that source may take the place of what stands there.
 bool mayReplace(int folder, const char* name, const struct stat& source) {
   struct stat target;
-  if (fstatat(folder, name, &target, AT_SYMLINK_NOFOLLOW) != 0) return errno == ENOENT;
+  if (fstatat(folder, name, &target, AT_SYMLINK_NOFOLLOW) != 0) {
+    return errno == ENOENT && *name != '\0';
+  }
   if (!S_ISLNK(target.st_mode) && !isRegular(target)) return false;
   // Seen through a link it may be the source itself.
   const bool reachable = fstatat(folder, name, &target, 0) == 0;

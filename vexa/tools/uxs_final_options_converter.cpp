@@ -63,7 +63,7 @@ void uxs_final_options_converter::presets_to_options(const engine& e, const ambi
 void uxs_final_options_converter::options_to_presets(const engine& e, const int* levels,
                                                      ambiance& a, settings& s) const {
   constexpr int kRecordsPerEngine = kPresets * kPresets;
-  const auto* records = _presets + engineIndex(e) * kRecordsPerEngine;
+  const auto* records = &_presets[engineIndex(e) * kRecordsPerEngine];
   a = ambiance_custom;
   s = settings_custom;
   for (int i = 0; i < kRecordsPerEngine; ++i) {
@@ -85,7 +85,7 @@ void uxs_final_options_converter::decode_options(const engine& e, int* levels) c
 int uxs_final_options_converter::encode_option(const engine& e, const options& o, int value) const {
   const int row = engineIndex(e) * kOptions + clamped(o, kOptions);
   if (row >= kEngines * kOptions) return 1;
-  const int* values = _tables + row * kLevels;
+  const int* values = &_tables[row * kLevels];
   const int upper = int(std::lower_bound(values, values + kLevels, value) - values);
   if (upper == 0) return 1;
   if (upper == kLevels) return kLevels;

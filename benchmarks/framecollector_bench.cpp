@@ -1,0 +1,318 @@
+#include <algorithm>
+#include <benchmark/benchmark.h>
+#include <cmath>
+#include <cstdio>
+#include <filesystem>
+#include <map>
+#include <numeric>
+
+#include "assets/AnimationFile.h"
+#include "benchmarks/framecollector_references.h"
+#include "benchmarks/torus.h"
+#include "tests/models/LiteralFrameCollector.h"
+#include "tests/models/literal_animation_file.h"
+#include "tests/models/mesh_walks.h"
+#include "vexa/framecollector/XCAMOFileIOTool.h"
+#include "vexa/framecollector/XCFrameCollector.h"
+
+namespace vexa::benchmarks {
+
+namespace {
+
+using Norvel::Vexa::XCFrameCollector;
+using Norvel::Vexa::XIFrameCollector;
+using tests::LiteralFrameCollector;
+using Matrix = UXS::uxs_generic_mat4<float>;
+using Point = Oru::TVector3D<float>;
+
+constexpr unsigned kNodes = 64, kFrames = 30;
+constexpr UxZel::CZelUUID kNone{};
+
+struct Rig {
+  const char* mName;
+  unsigned mLeastLinks, mMostLinks;
+  bool mIdentity = false;       // the global transformation
+  bool mUnequalFrames = false;  // some nodes hold their last frame
+};
+constexpr Rig kFour{"links4", 4, 4}, kOne{"links1", 1, 1}, kTwo{"links2", 2, 2},
+    kOneToEight{"links1to8", 1, 8}, kIdentity{"identity", 4, 4, true},
+    kClamped{"clamped", 4, 4, false, true};
+
+// A turn about +Z with a shift: far from singular, with no zeros where they would help.
+Matrix nodeMatrix(Dice& ioDice) {
+  const float a = ioDice.real(), c = std::cos(a), s = std::sin(a);
+  return {{c, s, 0.01f, 0, -s, c, 0.02f, 0, 0.03f, 0.04f, 1, 0, a, ioDice.real(), 1 - a, 1}};
+}
+
+void fill(XIFrameCollector& ioCollector, const Rig& inRig, std::size_t inVertices) {
+  Dice dice;
+  ioCollector.CreateTake();
+  if (!inRig.mIdentity) ioCollector.SetGlobalTransformation(nodeMatrix(dice));
+  for (unsigned n = 0; n < kNodes; ++n) {
+    int node = -1;
+    const unsigned frames = inRig.mUnequalFrames ? kFrames / 2 + n % 16 : kFrames;
+    for (unsigned f = 0; f < frames; ++f) {
+      node = int(ioCollector.AddTransformation(nodeMatrix(dice), 0, node));
+    }
+  }
+  for (unsigned v = 0; v < inVertices; ++v) {
+    const unsigned links = inRig.mLeastLinks + dice.below(inRig.mMostLinks - inRig.mLeastLinks + 1);
+    for (unsigned i = 0; i < links; ++i) {
+      ioCollector.AddLink(int(dice.below(kNodes)), kNone, v, 0.05 + double(dice.real()));
+    }
+  }
+}
+
+// What a collector is made on.
+template <class Collector>
+decltype(auto) restOf(UXS::Mesh& ioMesh) {
+  if constexpr (std::is_same_v<Collector, XCFrameCollector>) {
+    return &ioMesh;
+  } else {
+    return (ioMesh.GetVerticesArray());
+  }
+}
+
+// A torus with a filled collector, made once per program.
+template <class Collector>
+struct Scene {
+  UXS::uxs_autoptr<UXS::Mesh> mMesh;
+  Collector mCollector;
+  unsigned mFrame = 0;
+
+  Scene(const Rig& inRig, long inVertices, Materials inMaterials)
+      : mMesh(makeTorus(torusSize(inVertices), inMaterials)),
+        mCollector(restOf<Collector>(*mMesh)) {
+    fill(mCollector, inRig, mMesh->GetVerticesArray().size());
+  }
+
+  const std::vector<Point>& vertices() const { return mMesh->GetVerticesArray(); }
+  // Another one each time, so that no definition is at hand.
+  unsigned nextFrame() { return mFrame = (mFrame + 1) % kFrames; }
+};
+
+template <class Collector>
+Scene<Collector>& scene(const Rig& inRig, long inVertices, Materials inMaterials) {
+  static std::map<std::string, std::unique_ptr<Scene<Collector>>> sScenes;
+  auto& kept = sScenes[inRig.mName + std::to_string(inVertices) + char('0' + int(inMaterials))];
+  if (!kept) kept = std::make_unique<Scene<Collector>>(inRig, inVertices, inMaterials);
+  return *kept;
+}
+
+// Asks for everything that a commit derives, in case it is left for later.
+void touch(const UXS::Mesh& inMesh) {
+  benchmark::DoNotOptimize(inMesh.GetVerticesArray().back());
+  benchmark::DoNotOptimize(inMesh.GetAABB());
+  benchmark::DoNotOptimize(inMesh.GetEdgesArray().size());
+  if (inMesh.GetTrianglesArray().empty()) return;
+  benchmark::DoNotOptimize(inMesh.GetTrianglesArray().back());
+  benchmark::DoNotOptimize(inMesh.GetSectionsCount());
+  benchmark::DoNotOptimize(inMesh.GetTriangleSmoothNormals(0));
+  benchmark::DoNotOptimize(inMesh.GetTriangleUVCoords(0));
+  benchmark::DoNotOptimize(inMesh.GetTriangleGroupID(0));
+  benchmark::DoNotOptimize(inMesh.GetMaterialAABB(0));
+}
+
+// One deformed frame; without triangles a commit has nothing to derive, which leaves the
+// deformation.
+void frames(benchmark::State& ioState, const Rig& inRig, Materials inMaterials) {
+  auto& s = scene<XCFrameCollector>(inRig, ioState.range(0), inMaterials);
+  for (auto _ : ioState) touch(*s.mCollector.GetCurrentDefinition(0, s.nextFrame(), kNone));
+  ioState.SetItemsProcessed(ioState.iterations() * ioState.range(0));
+}
+void deform(benchmark::State& ioState, const Rig& inRig) {
+  frames(ioState, inRig, Materials::kNoTriangles);
+}
+void frame(benchmark::State& ioState, Materials inMaterials) {
+  frames(ioState, kFour, inMaterials);
+}
+
+// The host keeps each frame until it has the next: no memory can be used again.
+void frameInNewMemory(benchmark::State& ioState, Materials inMaterials) {
+  auto& s = scene<XCFrameCollector>(kFour, ioState.range(0), inMaterials);
+  UXS::uxs_autoptr<UXS::Mesh> held;
+  for (auto _ : ioState) {
+    UXS::Mesh* mesh = s.mCollector.GetCurrentDefinition(0, s.nextFrame(), kNone);
+    touch(*mesh);
+    mesh->increment();
+    held = UXS::uxs_autoptr<UXS::Mesh>(mesh);
+  }
+}
+
+// E: the same torus, 64 nodes and 30 frames, four links each.
+void deformEigen(benchmark::State& ioState) {
+  const long vertices = ioState.range(0);
+  Dice dice;
+  std::vector<Matrix> palettes(kFrames * kNodes);
+  for (Matrix& m : palettes) m = nodeMatrix(dice);
+  const auto mesh = makeTorus(torusSize(vertices), Materials::kNoTriangles);
+  std::vector<std::uint16_t> nodes(std::size_t(4 * vertices));
+  std::vector<float> weights(nodes.size()), out(std::size_t(3 * vertices));
+  for (std::uint16_t& n : nodes) n = std::uint16_t(dice.below(kNodes));
+  for (float& w : weights) w = 0.05f + dice.real();
+  unsigned frame = 0;
+  for (auto _ : ioState) {
+    frame = (frame + 1) % kFrames;
+    eigenSkin(palettes[frame * kNodes].e, nodes.data(), weights.data(),
+              &mesh->GetVerticesArray()[0].x, out.data(), int(vertices));
+    benchmark::ClobberMemory();
+  }
+  ioState.SetItemsProcessed(ioState.iterations() * vertices);
+}
+
+// The rest of a frame as plainly as it goes, from the positions on.
+void deriveLiterally(const UXS::Mesh& inRest, const std::vector<Point>& inPositions) {
+  const auto count = inRest.GetTrianglesArray().size();
+  std::vector<unsigned> order(count), materials(count), sections;
+  std::iota(order.begin(), order.end(), 0u);
+  for (unsigned t = 0; t < count; ++t) materials[t] = inRest.GetTriangleMaterialID(t);
+  std::stable_sort(order.begin(), order.end(),
+                   [&](unsigned a, unsigned b) { return materials[a] < materials[b]; });
+  tests::Triangles triangles(count);
+  std::vector<UXS::Mesh::CornerUVs> uv(count);
+  std::vector<UXS::Mesh::CornerPositions> cornerNormals;
+  std::vector<Point> normals, angles;
+  const auto angle = [](const Point& p, const Point& a, const Point& b) {
+    const Point u = a - p, v = b - p;
+    const float lengths =
+        std::sqrt((u.x * u.x + u.y * u.y + u.z * u.z) * (v.x * v.x + v.y * v.y + v.z * v.z));
+    return std::acos((u.x * v.x + u.y * v.y + u.z * v.z) / lengths);
+  };
+  Point least = inPositions[0], most = least;
+  for (unsigned t = 0; t < count; ++t) {
+    triangles[t] = inRest.GetTrianglesArray()[order[t]];
+    uv[t] = inRest.GetTriangleUVCoords(order[t]);
+    if (t == 0 || materials[order[t]] != materials[order[t - 1]]) sections.push_back(t);
+    normals.push_back(tests::faceNormal(inPositions, triangles[t]));
+    cornerNormals.emplace_back(normals[t], normals[t], normals[t]);
+    const Point corners[] = {inPositions[triangles[t].x], inPositions[triangles[t].y],
+                             inPositions[triangles[t].z]};
+    angles.emplace_back(angle(corners[0], corners[1], corners[2]),
+                        angle(corners[1], corners[2], corners[0]),
+                        angle(corners[2], corners[0], corners[1]));
+    for (const Point& p : corners) {
+      least = {std::min(least.x, p.x), std::min(least.y, p.y), std::min(least.z, p.z)};
+      most = {std::max(most.x, p.x), std::max(most.y, p.y), std::max(most.z, p.z)};
+    }
+  }
+  const tests::Lists lists = tests::listTriangles(inPositions.size(), triangles);
+  benchmark::DoNotOptimize(tests::walkEdges(triangles, normals, lists));
+  benchmark::DoNotOptimize(tests::walkGroups(triangles, sections, lists));
+  benchmark::DoNotOptimize(least);
+  benchmark::DoNotOptimize(most);
+  benchmark::DoNotOptimize(angles.data());
+  benchmark::DoNotOptimize(cornerNormals.data());
+}
+
+template <class Collector>
+void transformPoints(Scene<Collector>& ioScene, std::vector<Point>& outPoints) {
+  const XIFrameCollector& collector = ioScene.mCollector;
+  const unsigned frame = ioScene.nextFrame();
+  for (std::size_t v = 0; v < outPoints.size(); ++v) {
+    outPoints[v] = collector.TransformPoint(&ioScene.vertices()[v], 0, frame);
+  }
+}
+
+void frameLiteral(benchmark::State& ioState) {
+  auto& s = scene<LiteralFrameCollector>(kFour, ioState.range(0), Materials::kBands);
+  for (auto _ : ioState) {
+    std::vector<Point> points(s.vertices().size());
+    transformPoints(s, points);
+    deriveLiterally(*s.mMesh, points);
+  }
+}
+
+template <class Collector>
+void points(benchmark::State& ioState) {
+  auto& s = scene<Collector>(kFour, ioState.range(0), Materials::kNoTriangles);
+  std::vector<Point> out(s.vertices().size());
+  for (auto _ : ioState) {
+    transformPoints(s, out);
+    benchmark::ClobberMemory();
+  }
+  ioState.SetItemsProcessed(ioState.iterations() * ioState.range(0));
+}
+
+// 72 MB: two takes for 64 nodes, four links for each of 100,000 vertices. Lives as long as this
+// object.
+constexpr long kFileVertices = 100000;
+struct BigFile {
+  const std::string mPath = std::filesystem::temp_directory_path() / "vexa_bench.amo";
+
+  BigFile() {
+    assets::AnimationFile file;
+    file.mFrameCounts = {5000, 3200};
+    file.mNodes.resize(kNodes);
+    Dice dice;
+    for (assets::AnimationFile::Node& node : file.mNodes) {
+      node.mMatrices.resize(8200, assets::AnimationFile::kIdentity);
+      for (auto& matrix : node.mMatrices) matrix[12] = double(dice.real());
+    }
+    for (unsigned v = 0; v < 4 * kFileVertices; ++v) {
+      file.mNodes[dice.below(kNodes)].mLinks.push_back({v / 4, double(dice.real())});
+    }
+    writeAnimationFile(file, mPath);
+  }
+  ~BigFile() { std::filesystem::remove(mPath); }
+};
+const char* bigFile() {
+  static const BigFile sFile;
+  return sFile.mPath.c_str();
+}
+
+// The collectors' end does not count.
+template <class Collector, class Read>
+void reading(benchmark::State& ioState, Read inRead) {
+  bigFile();
+  const auto mesh = makeTorus(torusSize(kFileVertices), Materials::kNoTriangles);
+  for (auto _ : ioState) {
+    auto collector = std::make_unique<Collector>(restOf<Collector>(*mesh));
+    inRead(*collector);
+    ioState.PauseTiming();
+    collector.reset();
+    ioState.ResumeTiming();
+  }
+}
+void readFile(benchmark::State& ioState) {
+  reading<XCFrameCollector>(ioState, [](XCFrameCollector& ioCollector) {
+    Norvel::XCAMOFileIOTool(bigFile()).Read(&ioCollector);
+  });
+}
+void readFileLiterally(benchmark::State& ioState) {
+  reading<LiteralFrameCollector>(ioState, [](LiteralFrameCollector& ioCollector) {
+    std::FILE* file = std::fopen(bigFile(), "rb");
+    tests::readAnimationFileLiterally(file, ioCollector);
+    std::fclose(file);
+  });
+}
+void readBytes(benchmark::State& ioState) {
+  std::vector<char> bytes(std::filesystem::file_size(bigFile()));
+  for (auto _ : ioState) {
+    std::FILE* file = std::fopen(bigFile(), "rb");
+    benchmark::DoNotOptimize(std::fread(bytes.data(), 1, bytes.size(), file));
+    std::fclose(file);
+    benchmark::ClobberMemory();
+  }
+}
+
+BENCHMARK(deformEigen)->Arg(10000)->Arg(50000)->Arg(200000);
+BENCHMARK_CAPTURE(deform, links4, kFour)->Arg(10000)->Arg(50000)->Arg(200000);
+BENCHMARK_CAPTURE(deform, identity, kIdentity)->Arg(50000);
+BENCHMARK_CAPTURE(deform, links1, kOne)->Arg(50000);
+BENCHMARK_CAPTURE(deform, links2, kTwo)->Arg(50000);
+BENCHMARK_CAPTURE(deform, links1to8, kOneToEight)->Arg(50000);
+BENCHMARK_CAPTURE(deform, clamped, kClamped)->Arg(50000);
+BENCHMARK_CAPTURE(frame, bands, Materials::kBands)->Arg(10000)->Arg(50000)->Arg(200000);
+BENCHMARK_CAPTURE(frame, random, Materials::kRandom)->Arg(10000)->Arg(50000)->Arg(200000);
+BENCHMARK_CAPTURE(frameInNewMemory, bands, Materials::kBands)->Arg(10000)->Arg(50000);
+BENCHMARK_CAPTURE(frameInNewMemory, random, Materials::kRandom)->Arg(10000)->Arg(50000);
+BENCHMARK(frameLiteral)->Arg(50000);
+BENCHMARK(points<XCFrameCollector>)->Arg(100000);
+BENCHMARK(points<LiteralFrameCollector>)->Arg(100000);
+BENCHMARK(readFile);
+BENCHMARK(readFileLiterally);
+BENCHMARK(readBytes);
+
+}  // namespace
+
+}  // namespace vexa::benchmarks
