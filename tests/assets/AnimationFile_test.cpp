@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "tests/helpers/compare.h"
+#include "tests/helpers/scratch_directory.h"
 
 namespace vexa::assets {
 namespace {
@@ -59,15 +60,14 @@ TEST(AnimationFile, ComesBackAsWrittenAndIsRefusedWhenCutOrLonger) {
 }
 
 TEST(AnimationFile, AFailedWriteLeavesWhatStoodThere) {
+  const tests::ScratchDirectory scratch;
+  const std::string path = scratch / "kept.amo";
   AnimationFile file = example();
-  writeAnimationFile(file, "kept.amo");
+  writeAnimationFile(file, path);
   file.mNodes[1].mMatrices.pop_back();
-  EXPECT_EQ(whatOf([&] { writeAnimationFile(file, "kept.amo"); }),
+  EXPECT_EQ(whatOf([&] { writeAnimationFile(file, path); }),
             "animation file: node 1 has 2 matrices, not 3");
-  std::stringstream kept;
-  kept << std::ifstream("kept.amo", std::ios::binary).rdbuf();
-  EXPECT_EQ(kept.str(), encodeAnimationFile(example()));
-  std::remove("kept.amo");
+  EXPECT_EQ(tests::textOf(path), encodeAnimationFile(example()));
   EXPECT_EQ(whatOf([] { writeAnimationFile(example(), "no/such/folder.amo"); }),
             "no/such/folder.amo: No such file or directory");
 }

@@ -3,25 +3,50 @@
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <iterator>
+#include <sstream>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include "assets/AnimationFile.h"
-#include "assets/write_file.h"
-#include "tests/framecollector/RecordingCollector.h"
 #include "tests/helpers/compare.h"
+#include "tests/helpers/scratch_directory.h"
+#include "tests/models/LiteralFrameCollector.h"
 #include "tests/models/literal_animation_file.h"
 
 namespace Norvel {
 namespace {
 
 using vexa::assets::AnimationFile;
-using vexa::tests::RecordingCollector;
+using vexa::tests::ScratchDirectory;
 using vexa::tests::whatOf;
 
-// Cases run in processes of their own, in one folder.
-const std::string kName = "reader_test." + std::to_string(getpid());
 const std::string kTruncated = "XCAMOFileIOTool : This file is truncated!";
+
+// Writes down the calls that fill a collector, matrices by their first element. A new node gets the
+// index 5, which then counts up with every call.
+class RecordingCollector final : public vexa::tests::LiteralFrameCollector {
+ public:
+  RecordingCollector() : LiteralFrameCollector({}) {}
+  std::string calls() const { return mCalls.str(); }
+
+  unsigned AddTransformation(const Matrix& m, unsigned inTake, int inNode) override {
+    mCalls << "AddTransformation " << m.e[0] << ' ' << inTake << ' ' << inNode << '\n';
+    return unsigned(inNode < 0 ? 5 : inNode + 1);
+  }
+  void SetGlobalTransformation(const Matrix& m) override {
+    mCalls.precision(9);
+    mCalls << "SetGlobalTransformation " << m.e[0] << '\n';
+  }
+  void AddLink(int inNode, const UxZel::CZelUUID& inDefinition, unsigned inVertex,
+               double inWeight) override {
+    mCalls.precision(17);
+    mCalls << "AddLink " << inNode << ' ' << inVertex << ' ' << inWeight
+           << (isNone(inDefinition) ? "\n" : " with a definition\n");
+  }
+  void CreateTake() override { mCalls << "CreateTake\n"; }
+
+ private:
+  std::ostringstream mCalls;
+};
 
 AnimationFile::Matrix filled(double inValue) {
   AnimationFile::Matrix matrix;
@@ -42,13 +67,16 @@ AnimationFile example() {
 }
 
 // The error, and the calls on the collector up to it.
-std::string readFile(RecordingCollector& ioCollector, const char* inPath) {
-  return whatOf([&] { XCAMOFileIOTool(CChemin(inPath)).Read(&ioCollector); });
+std::string readFile(RecordingCollector& ioCollector, const std::string& inPath) {
+  return whatOf([&] { XCAMOFileIOTool(inPath.c_str()).Read(&ioCollector); });
 }
+// A new file each time: some file systems wait for the disk when a file is written anew.
 std::string readBytes(const std::string& inBytes, RecordingCollector& ioCollector) {
-  vexa::assets::writeFile(kName, inBytes);
-  const std::string error = readFile(ioCollector, kName.c_str());
-  std::filesystem::remove(kName);
+  static const ScratchDirectory sScratch;
+  const auto path = sScratch / "read.amo";
+  vexa::tests::writeText(path, inBytes);
+  const std::string error = readFile(ioCollector, path);
+  std::filesystem::remove(path);
   return error;
 }
 std::string errorOf(const std::string& inBytes) {
@@ -90,9 +118,9 @@ TEST(XCAMOFileIOTool, CallsTheCollectorInTheOrderOfTheFile) {
   EXPECT_EQ(errorOf(words({101, 0, 0}, 140)), "nothing was thrown");
   file.mFrameCounts.clear();
   file.mNodes[0].mMatrices.clear();
-  collector = RecordingCollector();
-  readBytes(encodeAnimationFile(file), collector);
-  EXPECT_EQ(collector.calls(),
+  RecordingCollector noTakes;
+  readBytes(encodeAnimationFile(file), noTakes);
+  EXPECT_EQ(noTakes.calls(),
             "SetGlobalTransformation 0.100000001\n"
             "AddLink -1 7 0.5\nAddLink -1 8 0.10000000000000001\n");
 }
@@ -103,13 +131,15 @@ TEST(XCAMOFileIOTool, RefusesOtherVersionsAndWhatIsNoFile) {
               "XCAMOFileIOTool : This file has not the good version!");
   }
   EXPECT_EQ(errorOf(""), "XCAMOFileIOTool : This file has not the good version!");
-  ASSERT_EQ(mkfifo(kName.c_str(), 0600), 0);
-  for (const char* path : {"absent.amo", ".", kName.c_str(), "/dev/zero", ""}) {
+  const ScratchDirectory scratch;
+  const std::string pipe = scratch / "pipe";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  for (const std::string& path :
+       {pipe + "absent", std::string("."), pipe, std::string("/dev/zero"), std::string()}) {
     RecordingCollector collector;
     EXPECT_EQ(readFile(collector, path), "XCAMOFileIOTool : This file can not be opened!") << path;
     EXPECT_EQ(collector.calls(), "");
   }
-  std::filesystem::remove(kName);
 }
 
 // Every cut, and odd values of every word: each file is read as plainly as can be, or refused.
@@ -179,16 +209,16 @@ TEST(XCAMOFileIOTool, RefusesFilesThatWouldFillTheMemory) {
       {60000000, 0, 250000000, true},  // takes alone
   };
   for (const auto& file : kFiles) {
+    const ScratchDirectory scratch;
+    const std::string path = scratch / "large.amo";
     std::string bytes = words({101, file.mTakes, 1}, 140);
     if (file.mNodes > 0) bytes.resize(140 + 4 * file.mTakes);
     std::memcpy(&bytes[bytes.size() - 4], &(file.mNodes > 0 ? file.mNodes : file.mTakes), 4);
-    vexa::assets::writeFile(kName, bytes);
-    std::filesystem::resize_file(kName, file.mSize);
+    vexa::tests::writeText(path, bytes);
+    std::filesystem::resize_file(path, file.mSize);
     RecordingCollector collector;
-    EXPECT_EQ(readFile(collector, kName.c_str()),
-              file.mRefused ? kTruncated : "nothing was thrown");
+    EXPECT_EQ(readFile(collector, path), file.mRefused ? kTruncated : "nothing was thrown");
     EXPECT_EQ(collector.calls().find("AddTransformation") == std::string::npos, file.mRefused);
-    std::filesystem::remove(kName);
   }
 }
 

@@ -4,6 +4,7 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <random>
+#include <set>
 
 #include "tests/helpers/compare.h"
 #include "tests/models/LiteralFrameCollector.h"
@@ -25,9 +26,11 @@ constexpr UxZel::CZelUUID kNone{}, kSome{{1, 2, 3, 4}};
 struct Messages : XIReporter {
   void ReportMsg(EMsgType type, const char* text) override {
     EXPECT_EQ(type, kMsgWarning);
-    mTexts.push_back(text);
+    ++mCount;
+    mTexts.insert(text);
   }
-  std::vector<std::string> mTexts;
+  int mCount = 0;
+  std::set<std::string> mTexts;
 };
 
 // A mesh with one reference, on which a collector stands.
@@ -69,7 +72,10 @@ void fill(XIFrameCollector& ioCollector, std::size_t inVertices, unsigned inSeed
   }
 }
 
+// The literal form answers twice where the library answers three times and reports what it skips.
 TEST(XCFrameCollector, EqualsTheLiteralFormToTheBit) {
+  Messages messages;
+  const XStPushReporter scope(&messages, false);
   for (unsigned seed = 0; seed < 60; ++seed) {
     std::vector<Point> points(seed % 23, Point(1.25f, -0.75f, 3));
     for (std::size_t i = 0; i < points.size(); ++i) points[i].y += float(i) / 7;
@@ -79,8 +85,7 @@ TEST(XCFrameCollector, EqualsTheLiteralFormToTheBit) {
     LiteralFrameCollector literal(rest);
     fill(collector, rest.size(), seed);
     fill(literal, rest.size(), seed);
-    Messages messages;
-    const XStPushReporter scope(&messages, false);
+    messages.mCount = 0;
     for (unsigned take = 0; take < 5; ++take) {
       for (unsigned frame = 0; frame < 5; ++frame) {
         const auto& deformed =
@@ -94,12 +99,17 @@ TEST(XCFrameCollector, EqualsTheLiteralFormToTheBit) {
           const Matrix m = literal.GetVertexTransformation(&rest[v], take, frame, expectedSum);
           ASSERT_TRUE(sameBits(collector.GetVertexTransformation(&rest[v], take, frame, sum), m));
           ASSERT_EQ(sum, expectedSum);
-          literal.TransformPoint(&rest[v], take, frame);  // as often as above, for the messages
         }
       }
     }
-    EXPECT_EQ(messages.mTexts.size(), std::size_t(literal.skipped()));
+    EXPECT_EQ(2 * messages.mCount, 3 * literal.skipped());
   }
+  const std::string who = "XCFrameCollector::FillMatrix : ", how = " (assertion failed)";
+  EXPECT_EQ(messages.mTexts,
+            (std::set<std::string>{
+                who + "XCFrameCollector::GetTransformation : bad node index" + how,
+                who + "XCTransformationNode::GetTransformationsNbr : bad take index" + how,
+                who + "XCTransformationNode::GetTransformation : bad transformation index" + how}));
 }
 
 // The link added last is visited first. Its node has 2 frames: frame 2 is held at 1, and the node
@@ -189,28 +199,6 @@ TEST(XCFrameCollector, CountsItsSizeAndRefusesWhatIsNotThere) {
     EXPECT_EQ(whatOf(refused.mCall), refused.mText + " (assertion failed)");
   }
   EXPECT_EQ(collector.GetSize(), 416u + 64);  // counted before it was refused
-}
-
-TEST(XCFrameCollector, ALinkThatLeadsNowhereIsReportedAndLeftOut) {
-  const auto mesh = meshOf({{1, 2, 3}});
-  XCFrameCollector collector(mesh.get());
-  collector.CreateTake();
-  collector.CreateTake();
-  collector.AddTransformation({}, 0, -1);
-  collector.AddLink(0, kNone, 0, 1);
-  collector.AddLink(5, kNone, 0, 1);
-  Messages messages;
-  const XStPushReporter scope(&messages, false);
-  const Point* vertex = mesh->GetVerticesArray().data();
-  EXPECT_EQ(collector.TransformPoint(vertex, 0, 0), Point(1, 3, 2));
-  collector.TransformPoint(vertex, 1, 0);
-  const std::string absent =
-      "XCFrameCollector::FillMatrix : XCFrameCollector::GetTransformation : bad node index "
-      "(assertion failed)";
-  const std::string empty =
-      "XCFrameCollector::FillMatrix : XCTransformationNode::GetTransformation : bad "
-      "transformation index (assertion failed)";
-  EXPECT_EQ(messages.mTexts, (std::vector<std::string>{absent, absent, empty}));
 }
 
 TEST(XCFrameCollector, TakesMatricesOutOfItsOwnStorage) {

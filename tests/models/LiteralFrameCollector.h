@@ -10,7 +10,7 @@ namespace vexa::tests {
 
 /// The frame collector written down as plainly as it goes, in one pass per vertex: what every bit
 /// of the library's own is compared with. It checks nothing and makes no mesh.
-class LiteralFrameCollector final : public Norvel::Vexa::XIFrameCollector {
+class LiteralFrameCollector : public Norvel::Vexa::XIFrameCollector {
  public:
   using Matrix = UXS::uxs_generic_mat4<float>;
   using Point = Oru::TVector3D<float>;
