@@ -53,19 +53,21 @@ TEST(BezierPath, TheTableIsSearchedAtAllItsEntriesAndBetween) {
   EXPECT_EQ(BezierPath::GetTfromDistanceWanted(squares, 16.0f / 256), 6.0f / 16);
 }
 
-// One unit along X, then one along Y.
+// Round a square of side 1, a quarter of the way to each side.
 TEST(BezierPath, WhereSegmentsMeetTheEarlierOneAnswers) {
-  refhost::Path corner =
-      pathThrough({refhost::smoothPoint({0, 0, 0}, {}), refhost::smoothPoint({1, 0, 0}, {}),
-                   refhost::smoothPoint({1, 1, 0}, {})});
-  corner.mPoints.mElements[1].mBefore = {-0.25, 0, 0};
-  corner.mPoints.mElements[1].mAfter = {0, 0.25, 0};
-  const Ride ride(corner);
-  EXPECT_EQ(ride.mPath.getProportions(), (std::vector<float>{0.5f, 1}));
-  EXPECT_EQ(ride.mPath.directionAt(0.5f), V3(0.25f, 0, 0));
-  EXPECT_GT(ride.mPath.directionAt(0.50001f).y, 0);
-  EXPECT_EQ(ride.mPath.valueAt(0.5f), V3(1, 0, 0));
-  EXPECT_EQ(ride.mPath.valueAt(1), V3(1, 1, 0));
+  refhost::Path square;
+  for (const UxZel::CZelPoint& corner :
+       std::initializer_list<UxZel::CZelPoint>{{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {}}) {
+    square.mPoints.add(refhost::smoothPoint(corner, {}));
+  }
+  square.mPoints.mElements[1].mBefore = {-0.25, 0, 0};
+  square.mPoints.mElements[2].mBefore = {0, -0.25, 0};
+  const Ride ride(square);
+  EXPECT_EQ(ride.mPath.getProportions(), (std::vector<float>{0.25f, 0.5f, 0.75f, 1}));
+  EXPECT_EQ(ride.mPath.directionAt(0.25f), V3(0.25f, 0, 0));
+  EXPECT_EQ(ride.mPath.directionAt(0.5f), V3(0, 0.25f, 0));
+  EXPECT_LT(ride.mPath.directionAt(0.50001f).x, 0);
+  EXPECT_EQ(ride.mPath.valueAt(0.5f), V3(1, 1, 0));
 }
 
 TEST(BezierPath, RefusesFractionsOutsideThePathAndPathsWithoutSegments) {

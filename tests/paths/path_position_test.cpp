@@ -113,6 +113,8 @@ TEST(PathPosition, FollowsAStraightPath) {
   for (const auto& [distance, chord] : pairs) {
     expectX(follow(&kStraight, keys, 5, distance), 1.5, chord);
   }
+  const refhost::Path longer = refhost::scenes::straightPath(6);
+  expectX(follow(&longer, keys, 5, 9.0), 3, 4);  // a unit step, though the leg is longer
 }
 
 TEST(PathPosition, AFailureWritesNothing) {

@@ -67,7 +67,7 @@ double getInterpolatedPathPosition(const KeyList* keys, int minIndex, int maxInd
 
   const double slope = (end - start) / double(wrapSub(endFrame, startFrame));
   const double linear = start + slope * double(wrapSub(frame, startFrame));
-  if (pathClosed || count < 1 || allLinear(*keys, count)) return linear;
+  if (pathClosed || allLinear(*keys, count)) return linear;
 
   const bool restsAtStart = minIndex == 0 || sameFraction(fractionOf(*keys, minIndex - 1), start);
   const bool restsAtEnd =
