@@ -12,8 +12,6 @@ struct Joint {
   std::int32_t node = 0;
   /// From the mesh to the node, in the pose in which they were bound.
   Matrix offset;
-  /// Index of the mesh's place in the rest mesh; meshes that lie alike share one.
-  std::uint32_t placement = 0;
 };
 
 /// The importer's own skinning, in double precision and straight from the model: what an imported

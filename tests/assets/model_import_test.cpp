@@ -192,7 +192,7 @@ TEST(ModelImport, WhatCannotBeImportedIsRefusedWithAReason) {
        [](auto& m, auto&) { m.clips[0].channels[0].rotations[1].time = kNan; }},
       {"clip 'bend' is too long to be sampled",
        [](auto& m, auto&) { m.clips[0].channels[0].rotations[1].time = 1e18; }},
-      {"its animation would take 38 MB; choose fewer clips or frames per second",
+      {"its animation of 150001 frames would take 38 MB; choose fewer clips or frames per second",
        [](auto& m, auto& o) {
          m.clips[0].channels[0].rotations[1].time = 5000;
          o.largestAnimation = 10'000'000;
