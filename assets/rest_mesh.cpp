@@ -35,10 +35,10 @@ bool isSound(const Matrix& m) {
   return std::isfinite(edges) && size > 1e-6 * edges && m.is_invertible();
 }
 
-// Whether two places of a mesh differ by less than a thousandth of its size: `extent` is its
-// largest coordinate.
 constexpr double kNear = 1e-3;
 
+// Whether two places of a mesh differ by less than that part of its size: `extent` is its largest
+// coordinate.
 bool areNear(const Matrix& a, const Matrix& b, double extent) {
   double turned = 0, moved = 0, largest = 0;
   for (int r = 0; r < 3; ++r) {
@@ -135,7 +135,7 @@ void RestMeshBuilder::addInstances() {
   for (const SourceModel::Instance& instance : mModel.instances) {
     const auto index = static_cast<std::size_t>(instance.mesh);
     // Bones alone say where a skinned mesh is: hung on a second node it is in the same place.
-    if (isPlaced[index] && !mModel.meshes[index].bones.empty()) continue;
+    if (isPlaced[index] && chiefBone(mModel.meshes[index]) != nullptr) continue;
     isPlaced[index] = true;
     addInstance(instance);
   }
@@ -162,9 +162,10 @@ Matrix RestMeshBuilder::placeOf(const SourceModel::Instance& instance) const {
   const SourceModel::Bone* chief = chiefBone(source);
   if (chief == nullptr) return atNode;
   const Matrix atChief = placeByBone(*chief);
+  const double extent = extentOf(source);
   const bool agree =
       std::all_of(source.bones.begin(), source.bones.end(), [&](const SourceModel::Bone& bone) {
-        return !holds(bone) || areNear(placeByBone(bone), atChief, extentOf(source));
+        return !holds(bone) || areNear(placeByBone(bone), atChief, extent);
       });
   return agree || volume(atNode) * volume(atChief) <= 0 ? atChief : atNode;
 }
