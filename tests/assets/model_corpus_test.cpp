@@ -26,6 +26,13 @@ std::vector<fs::path> allModels() {
   return files;
 }
 
+// A process is slow to fork under the address sanitizer: every eighth file has to do.
+#ifdef __SANITIZE_ADDRESS__
+constexpr std::size_t kStep = 8;
+#else
+constexpr std::size_t kStep = 1;
+#endif
+
 class ModelCorpus : public testing::Test {
  protected:
   void SetUp() override {
@@ -37,7 +44,8 @@ TEST_F(ModelCorpus, EveryFileIsImportedOrRefusedWithAReason) {
   const std::vector<fs::path> files = allModels();
   std::size_t skinned = 0, rigid = 0, refused = 0;
   double worst = 0;
-  for (const fs::path& file : files) {
+  for (std::size_t i = 0; i < files.size(); i += kStep) {
+    const fs::path& file = files[i];
     SCOPED_TRACE(file);
     try {
       const ImportedModel model = importModel(file.string());
@@ -54,34 +62,44 @@ TEST_F(ModelCorpus, EveryFileIsImportedOrRefusedWithAReason) {
       ++refused;
     }
   }
-  EXPECT_EQ(skinned + rigid + refused, files.size());
-  EXPECT_GE(skinned, 27u);
-  EXPECT_GE(rigid, 26u);
-  std::cout << files.size() << " files: " << skinned << " skinned and " << rigid
-            << " rigid models imported, " << refused << " refused; largest difference " << worst
-            << " of the model's size\n";
+  EXPECT_EQ(skinned + rigid + refused, (files.size() + kStep - 1) / kStep);
+  EXPECT_GE(skinned, 27 / kStep);
+  EXPECT_GE(rigid, 26 / kStep);
+  std::cout << files.size() << " files, of " << kStep << " each one: " << skinned << " skinned and "
+            << rigid << " rigid models imported, " << refused << " refused; largest difference "
+            << worst << " of the model's size\n";
 }
 
 struct Expected {
   const char* file;
   std::size_t vertices, triangles, links;
+  double height;
   std::vector<std::uint32_t> frames;
 };
 
-TEST_F(ModelCorpus, KnownModelsHaveTheirVerticesLinksAndTakes) {
+// From the lowest to the highest vertex of the first pose.
+double heightOf(const ImportedModel& model) {
+  const auto pose = model.reference.pose(0, 0);
+  const auto [low, high] = std::minmax_element(
+      pose.begin(), pose.end(), [](const auto& a, const auto& b) { return a.z < b.z; });
+  return high->z - low->z;
+}
+
+TEST_F(ModelCorpus, KnownModelsStandUprightWithAllTheyHave) {
   const Expected cases[] = {
-      {"X/Testwuson.X", 2124, 3732, 3497, {30, 109, 1}},
-      {"X/BCN_Epileptic.X", 2633, 5126, 3949, {100}},
-      {"FBX/huesitos.fbx", 62, 120, 156, {47}},
-      {"FBX/animation_with_skeleton.fbx", 1058, 2112, 5020, {26}},
-      {"MDL/MDL (HL1)/man.mdl", 111, 190, 111, {2, 26, 2, 2, 2, 2}},
-      {"glTF2/simple_skin/simple_skin.gltf", 10, 8, 16, {166}},
+      {"X/Testwuson.X", 2124, 3732, 3497, 1.514, {30, 109, 1}},
+      {"X/BCN_Epileptic.X", 2633, 5126, 3949, 1.814, {100}},
+      {"FBX/huesitos.fbx", 62, 120, 156, 544.2, {47}},
+      {"FBX/animation_with_skeleton.fbx", 1058, 2112, 5020, 183.3, {26}},
+      {"MDL/MDL (HL1)/man.mdl", 111, 190, 111, 9.748, {2, 26, 2, 2, 2, 2}},
+      {"glTF2/simple_skin/simple_skin.gltf", 10, 8, 16, 2, {166}},
   };
   for (const Expected& expected : cases) {
     SCOPED_TRACE(expected.file);
     const ImportedModel model = importModel((kModels / expected.file).string());
     std::size_t links = 0;
     for (const auto& node : model.animation.mNodes) links += node.mLinks.size();
+    EXPECT_NEAR(heightOf(model), expected.height, 1e-3 * expected.height);
     EXPECT_EQ(model.mesh.points.size(), expected.vertices);
     EXPECT_EQ(model.mesh.triangles.size(), expected.triangles);
     EXPECT_EQ(links, expected.links);
@@ -105,17 +123,9 @@ Oru::TVector3D<double> middleOf(const ImportedModel& model, const std::string& b
   return sum * (1 / weights);
 }
 
-// The bison stands on the ground, its head above its feet; what it calls right is on the right hand
-// of somebody who looks from its tail to its head.
-TEST_F(ModelCorpus, TheBisonStandsUprightAndIsNotMirrored) {
+// What the bison calls right is on the right hand of somebody who looks from its tail to its head.
+TEST_F(ModelCorpus, TheBisonIsNotMirrored) {
   const ImportedModel model = importModel((kModels / "X/Testwuson.X").string());
-  double low = 1e9, high = -1e9;
-  for (const auto& p : model.reference.pose(0, 0)) {
-    low = std::min(low, p.z);
-    high = std::max(high, p.z);
-  }
-  EXPECT_NEAR(low, 0, 0.01);
-  EXPECT_NEAR(high, 1.515, 0.01);
   const auto forward = middleOf(model, "Spine_Back01") - middleOf(model, "Tail05");
   const auto side = middleOf(model, "HindLeg_R_01") - middleOf(model, "HindLeg_L_01");
   EXPECT_GT(forward.y * side.x - forward.x * side.y, 0);  // (forward x up) . side

@@ -69,9 +69,18 @@ TEST(ModelImport, AnArmBendsInTheHostsSpace) {
   expectNear(bent[1], {0, 0, 1});
   expectNear(bent[2], {-1, -1, 1});
   expectNear(bent[3], {-1, 0, 1});
-  const double h = std::sqrt(0.5);
-  expectNear(model.reference.pose(0, 15)[3], {-h, 0, 1 + h});
   EXPECT_LT(checkThroughFile(model).largestDifference, 1e-6);
+}
+
+TEST(ModelImport, RotationGoesTheShorterWayAtConstantSpeed) {
+  SourceModel source = arm();
+  const double h = std::sqrt(0.5), third = std::acos(-1.0) / 6;
+  for (const double sign : {1.0, -1.0}) {  // of a quaternion, which turns the same either way
+    source.clips[0].channels[0].rotations[1].value = {0, 0, sign * h, sign * h};
+    const ImportedModel model = importModel(source);
+    expectNear(model.reference.pose(0, 10)[3], {-std::sin(third), 0, 1 + std::cos(third)});
+    expectNear(model.reference.pose(0, 15)[3], {-h, 0, 1 + h});
+  }
 }
 
 TEST(ModelImport, NothingIsMirroredAndFacesStayOutward) {
@@ -91,32 +100,53 @@ TEST(ModelImport, NothingIsMirroredAndFacesStayOutward) {
 
 TEST(ModelImport, UpIsAsTheFileOrTheCallerSays) {
   SourceModel source = tetrahedron({});
-  const auto top = [&](UpAxis up) {
+  // Where the corners on the model's X, Y and Z axes are in the host, as first met: Y, X, Z.
+  using Corners = std::vector<Oru::TVector3D<float>>;
+  const auto corners = [&](UpAxis up) -> Corners {
     ImportOptions options;
     options.up = up;
-    double highest = 0;
-    const ImportedModel model = importModel(source, options);
-    EXPECT_NEAR(volume(model.mesh, model.mesh.points), 6, 1e-5);
-    for (const auto& p : model.mesh.points) highest = std::max(highest, double(p.z));
-    return highest;
+    const auto points = importModel(source, options).mesh.points;
+    return {points[2], points[1], points[3]};
   };
-  EXPECT_EQ(top(UpAxis::AsStated), 2);
-  EXPECT_EQ(top(UpAxis::Z), 3);
-  source.axes = Matrix{};  // x up
+  const Corners yUp = {{1, 0, 0}, {0, 0, 2}, {0, -3, 0}};
+  EXPECT_EQ(corners(UpAxis::AsStated), yUp);
+  EXPECT_EQ(corners(UpAxis::Z), (Corners{{1, 0, 0}, {0, 2, 0}, {0, 0, 3}}));
   for (int i : {0, 5, 10}) source.axes.e[i] = 0;
-  source.axes(0, 2) = source.axes(1, 0) = source.axes(2, 1) = 1;
-  EXPECT_EQ(top(UpAxis::AsStated), 1);
-  EXPECT_EQ(top(UpAxis::Y), 2);
+  source.axes(0, 2) = source.axes(1, 0) = source.axes(2, 1) = 1;  // +X is up, +Y front
+  EXPECT_EQ(corners(UpAxis::AsStated), (Corners{{0, 0, 1}, {0, -2, 0}, {3, 0, 0}}));
+  EXPECT_EQ(corners(UpAxis::Y), yUp);
+}
+
+TEST(ModelImport, KeysComeInAnyOrderAndTheFirstHoldsBeforeItsTime) {
+  SourceModel source = arm();
+  auto& keys = source.clips[0].channels[0].rotations;
+  keys[0].time = 0.5;
+  std::swap(keys[0], keys[1]);
+  const ImportedModel model = importModel(source);
+  expectNear(model.reference.pose(0, 0)[3], {0, 0, 2});
+  expectNear(model.reference.pose(0, 30)[3], {-1, 0, 1});
+}
+
+// The mesh's node is turned on its back; bones that agree on a place do not care.
+TEST(ModelImport, AtRestAMeshLiesWhereItsBonesAgreeElseAtItsNode) {
+  SourceModel source = arm();
+  source.nodes[3].local.rot(1, 0, 0, std::acos(0.0));
+  EXPECT_EQ(importModel(source).mesh.points[3], (Oru::TVector3D<float>{0, 0, 2}));
+  source.nodes[2].local.rot(1, 0, 0, 1);
+  source.nodes[3].local.trans(0, 5, 0);
+  const ImportedModel model = importModel(source);
+  EXPECT_EQ(model.mesh.points[3], (Oru::TVector3D<float>{0, 0, 7}));
+  EXPECT_LT(checkThroughFile(model).largestDifference, 1e-6);
 }
 
 TEST(ModelImport, VerticesAreWeldedByPositionAndLinks) {
   SourceModel source = arm();
   auto& mesh = source.meshes[0];
-  // Twins of the elbow: one the same, but for the sign of a zero, one held by the shoulder only.
+  // Twins of the elbow: one the same, but for the sign of a zero, one with other weights.
   mesh.points.insert(mesh.points.end(), {{-0.0f, 1, 0}, {0, 1, 0}});
   mesh.triangles = {{0, 1, 3}, {4, 2, 3}, {5, 2, 3}};
-  mesh.bones[0].influences.insert(mesh.bones[0].influences.end(), {{4, 0.5}, {5, 1.0}});
-  mesh.bones[1].influences.push_back({4, 0.5});
+  mesh.bones[0].influences.insert(mesh.bones[0].influences.end(), {{4, 0.5}, {5, 0.75}});
+  mesh.bones[1].influences.insert(mesh.bones[1].influences.end(), {{4, 0.5}, {5, 0.25}});
   const ImportedModel model = importModel(source);
   EXPECT_EQ(model.mesh.points.size(), 5u);
   EXPECT_EQ(model.mesh.triangles[0].corners[1].point, model.mesh.triangles[1].corners[0].point);

@@ -47,7 +47,7 @@ TEST(ChildProcess, ItsLimitsHold) {
   limits.wallTime = 20s;
   limits.cpuSeconds = 1;
   const auto spin = []() -> std::string {
-    for (volatile int i = 0;; i = i + 1) {
+    for (volatile unsigned i = 0;; i = i + 1) {
     }
   };
   EXPECT_EQ(outcome(spin, limits), "it took more than 1 s of processor time");
