@@ -71,7 +71,7 @@ void drawScaleBar(Canvas& canvas, const View& view) {
   canvas.line(x, y, x + length * view.scale(), y, 2);
   char text[48];
   std::snprintf(text, sizeof(text), "%g units", length);
-  canvas.text(x, y - 5, text, 10);
+  canvas.text(x + length * view.scale() + 6, y + 4, text, 10);
 }
 
 }  // namespace

@@ -1,0 +1,185 @@
+#include "assets/ScenePlayer.h"
+
+#include <cmath>
+#include <filesystem>
+#include <stdexcept>
+
+#include "vexa/animation/CZelObjectInstanceTool.h"
+#include "vexa/mesh/Mesh.h"
+
+namespace vexa::assets {
+namespace {
+
+using refhost::Instance;
+using refhost::Property;
+using Matrix = Norvel::Vexa::ux_matrix44<double>;
+
+bool isPosition(const Property& value) {
+  return value.mPropertyType == UxZel::kPropertyPosition ||
+         value.mPropertyType == UxZel::kPropertyPositionTarget ||
+         value.mPropertyType == UxZel::kPropertyPositionObject;
+}
+
+bool drivesAnInstance(const Property& value) {
+  return value.mPropertyType == UxZel::kPropertyAnimatedFrame ||
+         value.mPropertyType == UxZel::kPropertyAnimatedWalk;
+}
+
+[[noreturn]] void refuse(const std::string& what, const std::string& name, const std::string& why) {
+  throw std::runtime_error(what + " \"" + name + "\": " + why);
+}
+
+const refhost::Path* pathOf(const refhost::Scene& scene, const Property& value) {
+  for (const refhost::Path& path : scene.mPaths.mElements) {
+    if (path.mIdentity.mUUID == value.mPath) return &path;
+  }
+  return nullptr;
+}
+
+void checkPosition(const refhost::Scene& scene, const Property& value) {
+  const refhost::Path* path = pathOf(scene, value);
+  if (path == nullptr) refuse("value", value.mName, "names no path");
+  if (path->mPoints.mElements.size() < 2) {
+    refuse("value", value.mName, "follows a path of fewer than two points");
+  }
+  for (const refhost::Key& key : value.mKeys.mElements) {
+    if (!isPosition(value) || (key.mValue.mReal >= 0 && key.mValue.mReal <= 1)) continue;
+    refuse("value", value.mName, "a key of a position lies outside 0 to 1");
+  }
+}
+
+/// The manager answers a request that cannot be met with zeros; here it is refused beforehand.
+void checkValue(const refhost::Scene& scene, const Property& value) {
+  if (value.mKeys.mElements.empty()) refuse("value", value.mName, "has no key");
+  const bool needsTwo =
+      drivesAnInstance(value) || value.mPropertyType == UxZel::kPropertyAnimatedFrameRate;
+  if (needsTwo && value.mKeys.mElements.size() < 2) {
+    refuse("value", value.mName, "needs a key at the start and one at the end");
+  }
+  if (isPosition(value) || value.mPropertyType == UxZel::kPropertyAnimatedWalk) {
+    checkPosition(scene, value);
+  }
+  if (!drivesAnInstance(value)) return;
+  if (value.mInstance == refhost::kNone) refuse("value", value.mName, "names no instance");
+  const Instance& instance = scene.mInstances.mElements[value.mInstance];
+  if (instance.mDefinition == refhost::kNone) {
+    refuse("value", value.mName, "instance \"" + instance.mName + "\" has no object");
+  }
+  const auto& object = scene.mDefinitions[instance.mDefinition].mAnimatedObject;
+  if (object == nullptr || instance.mState.mTakeIndex >= object->mTakes.mElements.size()) {
+    refuse("value", value.mName, "the object of instance \"" + instance.mName + "\" has no take");
+  }
+}
+
+/// An instance's placement in the world, through all that enclose it.
+struct Placement {
+  Matrix mToWorld;
+  float mScale = 1;  ///< of all enclosing instances and of itself
+  bool mIsPlantGroup = false;
+};
+
+Placement placementOf(const refhost::Scene& scene, const Instance& instance) {
+  Placement parent;
+  for (const Instance& other : scene.mInstances.mElements) {
+    const bool encloses = !UxZel::isNone(instance.mParent) && &other != &instance &&
+                          other.mIdentity.mUUID == instance.mParent;
+    if (encloses) parent = placementOf(scene, other);  // parents stand before their children
+  }
+  const bool plantGroupFlag = parent.mIsPlantGroup && instance.mPlantGroupFlag;
+  Placement result;
+  result.mToWorld = UxZel::CZelObjectInstanceTool::getObjectTransformToWorld(
+      &instance, parent.mScale, parent.mToWorld, nullptr, nullptr, false, true, plantGroupFlag,
+      true);
+  const double* s = instance.mScale;
+  result.mScale =
+      parent.mScale * static_cast<float>((std::abs(s[0]) + std::abs(s[1]) + std::abs(s[2])) / 3);
+  result.mIsPlantGroup = instance.mClassName == "3DPlantGroupInstances";
+  return result;
+}
+
+Oru::TVector3D<float> transformed(const Matrix& matrix, const Oru::TVector3D<float>& p) {
+  const auto q = matrix * Norvel::Vexa::ux_point3<double>(double(p.x), double(p.y), double(p.z));
+  return {static_cast<float>(q.x), static_cast<float>(q.y), static_cast<float>(q.z)};
+}
+
+}  // namespace
+
+ScenePlayer::ScenePlayer(refhost::Scene scene)
+    : mScene(std::move(scene)), mManager(Norvel::Vexa::XIAnimationMgr::Create()) {
+  if (mManager == nullptr) throw std::bad_alloc();
+  for (const Property& value : mScene.mProperties) checkValue(mScene, value);
+  for (Instance& instance : mScene.mInstances.mElements) {
+    if (instance.mDefinition != refhost::kNone) registerInstance(instance);
+  }
+  mSamples.resize(mScene.mProperties.size());
+}
+
+void ScenePlayer::registerInstance(Instance& instance) {
+  refhost::AnimatedObject* object = mScene.mDefinitions[instance.mDefinition].mAnimatedObject.get();
+  if (object == nullptr) return;
+  const std::string folder = std::filesystem::path(object->mAnimationFile).parent_path().string();
+  try {
+    mManager->RegisterAnimatedObject(&instance, object, object->mAnimationFile.c_str(),
+                                     folder.c_str(), &object->mPoints, &object->mPolygons);
+  } catch (const std::exception& error) {
+    refuse("instance", instance.mName, object->mAnimationFile + ": " + error.what());
+  }
+  if (currentMesh(instance) == nullptr) {
+    refuse("instance", instance.mName, object->mAnimationFile + ": no such animation file");
+  }
+}
+
+UXS::Mesh* ScenePlayer::currentMesh(const Instance& instance) const {
+  const auto frame = static_cast<unsigned int>(instance.mState.mCurrentFrame);
+  return mManager->GetCurrentDefinition(instance.mState.mTakeIndex, frame,
+                                        instance.mIdentity.mUUID);
+}
+
+void ScenePlayer::setFrame(int frame) {
+  for (std::size_t i = 0; i < mSamples.size(); ++i) {
+    Property& value = mScene.mProperties[i];
+    Sample sample;
+    if (drivesAnInstance(value)) {
+      Instance& instance = mScene.mInstances.mElements[value.mInstance];
+      sample.mValue = mManager->ManageAnimatedObjectInstance(
+          &mScene, &instance, &mScene.mDefinitions[instance.mDefinition], &value, frame,
+          &sample.mDirection);
+      instance.mState.mCurrentFrame = sample.mValue.mInteger;
+    } else {
+      double* rate = value.mRate ? &*value.mRate : nullptr;
+      sample.mValue = mManager->InterpolateValue(&mScene, &value, frame, &sample.mDirection, rate);
+    }
+    mSamples[i] = sample;
+  }
+}
+
+std::vector<MovingMesh> ScenePlayer::meshes() const {
+  std::vector<MovingMesh> meshes;
+  for (const Instance& instance : mScene.mInstances.mElements) {
+    const UXS::Mesh* mesh = currentMesh(instance);
+    if (mesh == nullptr) continue;
+    MovingMesh moving;
+    moving.mName = instance.mName;
+    moving.mTriangles = mesh->GetTrianglesArray();
+    for (unsigned int t = 0; t < moving.mTriangles.size(); ++t) {
+      moving.mMaterials.push_back(mesh->GetTriangleMaterialID(t));
+      if (mesh->HasUVCoords()) moving.mUvs.push_back(mesh->GetTriangleUVCoords(t));
+    }
+    meshes.push_back(std::move(moving));
+  }
+  return meshes;
+}
+
+void ScenePlayer::appendPoses(std::vector<MovingMesh>& ioMeshes) const {
+  std::size_t next = 0;
+  for (const Instance& instance : mScene.mInstances.mElements) {
+    const UXS::Mesh* mesh = currentMesh(instance);
+    if (mesh == nullptr) continue;
+    const Matrix toWorld = placementOf(mScene, instance).mToWorld;
+    MovingMesh::Points points = mesh->GetVerticesArray();
+    for (auto& p : points) p = transformed(toWorld, p);
+    ioMeshes[next++].mFrames.push_back(std::move(points));
+  }
+}
+
+}  // namespace vexa::assets

@@ -1,0 +1,226 @@
+#include "assets/scene_output.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+#include <stdexcept>
+
+#include "assets/calendar.h"
+#include "assets/contact_sheet.h"
+#include "assets/curve_plot.h"
+#include "assets/glb.h"
+#include "assets/obj.h"
+#include "assets/path_plot.h"
+#include "assets/scene_csv.h"
+#include "assets/value_parts.h"
+#include "assets/write_file.h"
+#include "vexa/paths/XC3DPath.h"
+#include "vexa/paths/XCZELPathInfo.h"
+
+namespace vexa::assets {
+namespace {
+
+using Samples = std::vector<ScenePlayer::Sample>;
+
+constexpr Ink kInks[] = {{0.80, 0.20, 0.15}, {0.15, 0.55, 0.25}, {0.15, 0.35, 0.75},
+                         {0.45, 0.45, 0.45}, {0.60, 0.20, 0.60}, {0.70, 0.55, 0.00}};
+
+CurvePlot plotOf(const refhost::Property& value, std::size_t index,
+                 const std::vector<Samples>& samples) {
+  CurvePlot plot;
+  plot.mTitle = value.mName;
+  const std::vector<std::string> names = partNames(value);
+  for (std::size_t part = 0; part < names.size(); ++part) {
+    Series series{names[part], kInks[part % std::size(kInks)], {}};
+    for (const Samples& frame : samples) series.mValues.push_back(parts(value, frame[index])[part]);
+    plot.mSeries.push_back(std::move(series));
+  }
+  for (const refhost::Key& key : value.mKeys.mElements) plot.mKeyFrames.push_back(key.mFrame);
+  if (isColor(value)) {
+    for (const Samples& frame : samples) {
+      const auto& c = frame[index].mValue.mColor;
+      plot.mSwatches.push_back({c[0] / 255.0, c[1] / 255.0, c[2] / 255.0});
+    }
+  }
+  if (isDate(value)) {
+    const auto& dates = plot.mSeries[0].mValues;
+    const auto [low, high] = std::minmax_element(dates.begin(), dates.end());
+    plot.mLow = dateOfSeconds(static_cast<std::int64_t>(*low)).substr(0, 10);
+    plot.mHigh = dateOfSeconds(static_cast<std::int64_t>(*high)).substr(0, 10);
+  }
+  return plot;
+}
+
+UxZel::CZelPoint sum(const UxZel::CZelPoint& p, const UxZel::CZelVector& v) {
+  return {p.x + v.x, p.y + v.y, p.z + v.z};
+}
+
+PathDrawing drawingOf(const refhost::Path& path) {
+  PathDrawing drawing;
+  drawing.mName = path.mName;
+  for (const auto& point : path.mPoints.mElements) {
+    drawing.mControls.push_back(sum(point.mPassage, point.mBefore));
+    drawing.mControls.push_back(point.mPassage);
+    drawing.mControls.push_back(sum(point.mPassage, point.mAfter));
+  }
+  if (path.mPoints.mElements.size() < 2) return drawing;
+  Norvel::Vexa::XCZELPathInfo info(&path);
+  Norvel::Vexa::XC3DPath curve(&info);
+  const int steps = 40 * path.mPoints.GetCount();
+  for (int i = 0; i <= steps; ++i) {
+    const auto p = curve.valueAt(static_cast<float>(i) / static_cast<float>(steps));
+    drawing.mCurve.push_back({double(p.x), double(p.y), double(p.z)});
+  }
+  return drawing;
+}
+
+/// Everything that moves: values that are positions, and instances.
+std::vector<Track> emptyTracks(const refhost::Scene& scene) {
+  std::vector<Track> tracks;
+  for (const auto& value : scene.mProperties) {
+    if (partNames(value).size() == 6) tracks.push_back({value.mName, {}});
+  }
+  for (const auto& instance : scene.mInstances.mElements) tracks.push_back({instance.mName, {}});
+  return tracks;
+}
+
+void extendTracks(const ScenePlayer& player, std::vector<Track>& ioTracks) {
+  std::size_t next = 0;
+  const auto& values = player.scene().mProperties;
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    if (partNames(values[i]).size() != 6) continue;
+    const double* p = player.samples()[i].mValue.mVector;
+    ioTracks[next++].mPositions.push_back({p[0], p[1], p[2]});
+  }
+  for (const auto& instance : player.scene().mInstances.mElements) {
+    ioTracks[next++].mPositions.push_back(instance.mPosition);
+  }
+}
+
+/// The last pose of all meshes as one model.
+ObjModel asObj(const std::vector<MovingMesh>& meshes) {
+  ObjModel model;
+  for (const MovingMesh& mesh : meshes) {
+    const auto first = static_cast<unsigned int>(model.points.size());
+    const MovingMesh::Points& points = mesh.mFrames.back();
+    model.points.insert(model.points.end(), points.begin(), points.end());
+    for (std::size_t t = 0; t < mesh.mTriangles.size(); ++t) {
+      const auto& c = mesh.mTriangles[t];
+      const auto uv = mesh.mUvs.empty() ? Oru::TVector3D<Oru::TVector2D<float>>() : mesh.mUvs[t];
+      model.triangles.push_back({{{{first + c.x, uv.x.x, uv.x.y},
+                                   {first + c.y, uv.y.x, uv.y.y},
+                                   {first + c.z, uv.z.x, uv.z.y}}},
+                                 mesh.mMaterials[t]});
+    }
+  }
+  return model;
+}
+
+/// Collects what is asked for while the frames go by, and writes it at the end.
+class SceneWriter {
+ public:
+  SceneWriter(ScenePlayer& player, const SceneOutput& output)
+      : mPlayer(player),
+        mOutput(output),
+        mValues(valuesHeader(player.scene())),
+        mPlacements(placementsHeader()),
+        mTracks(emptyTracks(player.scene())),
+        mMoving(player.meshes()),
+        mPosed(mMoving),
+        mPictured(contactSheetFrames(output.mFrames.size())) {}
+
+  std::vector<std::string> write() {
+    std::error_code error;
+    std::filesystem::create_directories(mOutput.mFolder, error);
+    if (error) throw std::runtime_error(mOutput.mFolder + ": " + error.message());
+    for (std::size_t i = 0; i < mOutput.mFrames.size(); ++i) {
+      addFrame(i);
+      mOutput.mProgress(i + 1);
+    }
+    writeFile(named("values.csv"), mValues);
+    writeFile(named("placements.csv"), mPlacements);
+    if (mOutput.mMeshes == SceneOutput::Meshes::kGlb) {
+      const int timeScale = mPlayer.scene().mSettings.mElements[0].mTimeScale;
+      writeGlb(named("scene.glb"), mMoving, timeScale / frameStep());
+    }
+    if (mOutput.mPlots) writePlots();
+    return mFiles;
+  }
+
+ private:
+  std::string named(const std::string& name) {
+    mFiles.push_back((std::filesystem::path(mOutput.mFolder) / name).string());
+    return mFiles.back();
+  }
+
+  /// Scene frames from one frame written to the next.
+  double frameStep() const {
+    const auto& frames = mOutput.mFrames;
+    return frames.size() < 2 ? 1 : double(frames[1]) - frames[0];
+  }
+
+  void addFrame(std::size_t i) {
+    const int frame = mOutput.mFrames[i];
+    mPlayer.setFrame(frame);
+    mValues += valuesRow(mPlayer, frame);
+    mPlacements += placementsRows(mPlayer, frame);
+    if (mOutput.mMeshes == SceneOutput::Meshes::kGlb) mPlayer.appendPoses(mMoving);
+    if (mOutput.mMeshes == SceneOutput::Meshes::kObj) writePose(frame);
+    if (!mOutput.mPlots) return;
+    mSamples.push_back(mPlayer.samples());
+    extendTracks(mPlayer, mTracks);
+    if (std::binary_search(mPictured.begin(), mPictured.end(), i)) {
+      mPlayer.appendPoses(mPosed);
+      mPosedFrames.push_back(frame);
+    }
+  }
+
+  void writePose(int frame) {
+    std::vector<MovingMesh> meshes = mPlayer.meshes();
+    if (meshes.empty()) return;
+    mPlayer.appendPoses(meshes);
+    char name[32];
+    std::snprintf(name, sizeof(name), "frame_%06d.obj", frame);
+    writeObj(named(name), asObj(meshes));
+  }
+
+  void writePlots() {
+    std::vector<const refhost::Property*> values;
+    for (const auto& value : mPlayer.scene().mProperties) values.push_back(&value);
+    if (!values.empty()) writeValuePlots(named("curves.svg"), values, mOutput.mFrames, mSamples);
+    std::vector<PathDrawing> paths;
+    std::vector<std::vector<UxZel::CZelPoint>> ground;
+    for (const auto& path : mPlayer.scene().mPaths.mElements) {
+      paths.push_back(drawingOf(path));
+      ground.push_back(paths.back().mCurve);
+    }
+    if (!paths.empty() || !mTracks.empty()) writePathPlot(named("paths.svg"), paths, mTracks);
+    if (!mPosed.empty()) writeContactSheet(named("poses.png"), mPosed, mPosedFrames, ground);
+  }
+
+  ScenePlayer& mPlayer;
+  const SceneOutput& mOutput;
+  std::vector<std::string> mFiles;
+  std::string mValues, mPlacements;
+  std::vector<Samples> mSamples;
+  std::vector<Track> mTracks;
+  std::vector<MovingMesh> mMoving;  ///< with all poses, for one file
+  std::vector<MovingMesh> mPosed;   ///< with the poses that are drawn
+  const std::vector<std::size_t> mPictured;
+  std::vector<int> mPosedFrames;
+};
+
+}  // namespace
+
+std::vector<std::string> writeScene(ScenePlayer& player, const SceneOutput& output) {
+  return SceneWriter(player, output).write();
+}
+
+void writeValuePlots(const std::string& path, const std::vector<const refhost::Property*>& values,
+                     const std::vector<int>& frames, const std::vector<Samples>& samples) {
+  std::vector<CurvePlot> plots;
+  for (std::size_t i = 0; i < values.size(); ++i) plots.push_back(plotOf(*values[i], i, samples));
+  writeCurvePlots(path, frames, plots);
+}
+
+}  // namespace vexa::assets

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace vexa::cli {
+
+/// The frames that "A:B" or "A:B:STEP" names, both ends included; "A" is one frame.
+///
+/// Throws CLI::ValidationError: not such a text, backwards, below 0, a step below 1, or more than
+/// a million frames.
+std::vector<int> parseFrames(const std::string& text);
+
+}  // namespace vexa::cli

@@ -1,0 +1,62 @@
+#include <cstdio>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "assets/import_files.h"
+#include "cli/commands.h"
+
+namespace vexa::cli {
+namespace {
+
+struct Options {
+  std::string model;
+  std::string stem;
+  assets::ImportOptions import;
+};
+
+assets::ImportedModel importOrSayWhichFile(const Options& options) {
+  try {
+    return assets::importModel(options.model, options.import);
+  } catch (const std::exception& error) {
+    throw std::runtime_error(options.model + ": " + error.what());
+  }
+}
+
+void importModelFile(const Options& options) {
+  const assets::ImportedModel model = importOrSayWhichFile(options);
+  const assets::ImportFiles files = assets::writeImport(model, options.stem);
+  std::printf("%zu vertices, %zu triangles, %zu nodes\n", model.mesh.points.size(),
+              model.mesh.triangles.size(), model.animation.mNodes.size());
+  for (const auto& take : model.takes) {
+    std::printf("take \"%s\": %d frames at %d per second\n", take.name.c_str(), take.frameCount,
+                take.framesPerSecond);
+  }
+  for (const std::string& note : model.notes) std::printf("note: %s\n", note.c_str());
+  std::printf(
+      "largest difference to the importer's own skinning: %.3g of the model's size, in %zu poses\n",
+      files.mCheck.largestDifference, files.mCheck.poseCount);
+  for (const std::string& file : files.mFiles) std::puts(file.c_str());
+}
+
+}  // namespace
+
+void addImport(CLI::App& app) {
+  CLI::App* command = app.add_subcommand(
+      "import", "Turn a skinned model into an animation file, a rest mesh and a scene");
+  const auto options = std::make_shared<Options>();
+  command->add_option("MODEL", options->model, "a model: glTF, FBX, Collada, X, MDL ...")
+      ->required();
+  command->add_option("--out", options->stem, "writes STEM.amo, STEM.obj and STEM.json")
+      ->required()
+      ->type_name("STEM");
+  command->add_option("--clip", options->import.clips, "only this clip; may be repeated");
+  command->add_option("--fps", options->import.framesPerSecond, "frames per second")
+      ->check(CLI::Range(1, 1000))
+      ->capture_default_str();
+  command->footer("Example: vexa import bison.x --clip Walk --out walk");
+  command->callback([options] { importModelFile(*options); });
+}
+
+}  // namespace vexa::cli

@@ -1,0 +1,59 @@
+#include <cstdio>
+#include <stdexcept>
+#include <string>
+
+#include "assets/describe.h"
+#include "cli/commands.h"
+
+namespace vexa::cli {
+namespace {
+
+std::string asText(const assets::Description& value) {
+  if (value.is_string()) return value.get<std::string>();
+  if (!value.is_array()) return value.dump();
+  std::string text;
+  for (const auto& element : value) text += (text.empty() ? "" : ", ") + asText(element);
+  return text;
+}
+
+void printText(const assets::Description& description) {
+  for (const auto& [name, value] : description.items()) {
+    if (name == "notes" || name == "faults") continue;
+    std::printf("%-26s %s\n", name.c_str(), asText(value).c_str());
+  }
+  for (const auto& note : description["notes"]) std::printf("note: %s\n", asText(note).c_str());
+  for (const auto& fault : description["faults"]) std::printf("fault: %s\n", asText(fault).c_str());
+}
+
+void info(const std::string& file, bool json) {
+  const assets::Description description = assets::describeFile(file);
+  if (json) {
+    std::puts(description.dump(2).c_str());
+  } else {
+    printText(description);
+  }
+  const std::size_t faults = description["faults"].size();
+  if (faults > 0) {
+    throw std::runtime_error(file + ": " + std::to_string(faults) +
+                             (faults == 1 ? " fault" : " faults"));
+  }
+}
+
+struct Options {
+  std::string file;
+  bool json = false;
+};
+
+}  // namespace
+
+void addInfo(CLI::App& app) {
+  CLI::App* command = app.add_subcommand(
+      "info", "Say what is in an animation file, a scene or a mesh, and what is wrong with it");
+  const auto options = std::make_shared<Options>();
+  command->add_option("FILE", options->file, "an .amo, .json or .obj file")->required();
+  command->add_flag("--json", options->json, "print JSON");
+  command->footer("Example: vexa info bison.amo --json");
+  command->callback([options] { info(options->file, options->json); });
+}
+
+}  // namespace vexa::cli

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <string>
+
+#include "assets/ScenePlayer.h"
+
+namespace vexa::cli {
+
+/// A scene file, ready to be played. Throws std::runtime_error "FILE: what is wrong".
+assets::ScenePlayer loadScene(const std::string& file);
+
+}  // namespace vexa::cli

@@ -1,0 +1,163 @@
+"""The command `vexa`, run as a person would run it.
+
+usage: command_test.py PATH_OF_VEXA
+"""
+import json
+import os
+import pathlib
+import struct
+import subprocess
+import sys
+import tempfile
+import unittest
+
+VEXA = str(pathlib.Path(sys.argv.pop(1)).resolve())
+IDENTITY = [1.0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1]
+
+
+def animation_file(frames, vertices):
+    """One node that rises by one unit a frame and moves all vertices."""
+    data = struct.pack("<II16dII", 101, 1, *IDENTITY, frames, 1)
+    for frame in range(frames):
+        matrix = list(IDENTITY)
+        matrix[6], matrix[9], matrix[5], matrix[10] = 1, 1, 0, 0  # the runtime crosses y and z
+        matrix[13] = frame
+        data += struct.pack("<16d", *matrix)
+    data += struct.pack("<I", vertices)
+    return data + b"".join(struct.pack("<Id", v, 1.0) for v in range(vertices))
+
+
+SCENE = {
+    "paths": [{"name": "line", "points": [
+        {"position": [0, 0, 0], "after": [1, 0, 0]},
+        {"position": [3, 0, 0], "before": [-1, 0, 0]}]}],
+    "objects": [{"name": "flag", "mesh": "flag.obj", "animation": "flag.amo",
+                 "takes": [{"name": "rise", "frames": 5, "rate": 25}]}],
+    "instances": [{"name": "red", "object": "flag", "position": [10, 0, 0]}],
+    "values": [
+        {"name": "size", "keys": [{"frame": 0, "value": 0}, {"frame": 10, "value": 5}]},
+        {"name": "camera", "kind": "position", "path": "line",
+         "keys": [{"frame": 0, "value": 0}, {"frame": 10, "value": 1}]},
+        {"name": "frame", "kind": "takeFrame", "instance": "red", "cyclic": True, "repeat": 9,
+         "keys": [{"frame": 0, "value": 0}, {"frame": 5, "value": 4}]}],
+}
+
+
+class Command(unittest.TestCase):
+    def setUp(self):
+        self.temporary = tempfile.TemporaryDirectory()
+        self.addCleanup(self.temporary.cleanup)
+        self.folder = pathlib.Path(self.temporary.name)
+        (self.folder / "flag.obj").write_text("v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n")
+        (self.folder / "flag.amo").write_bytes(animation_file(5, 3))
+        self.write_scene(SCENE)
+
+    def write_scene(self, scene):
+        (self.folder / "scene.json").write_text(json.dumps(scene))
+
+    def vexa(self, *arguments, expect=0, **options):
+        options.setdefault("stdout", subprocess.PIPE)
+        result = subprocess.run([VEXA, *arguments], cwd=self.folder, text=True, timeout=60,
+                                stderr=subprocess.PIPE, **options)
+        self.assertEqual(result.returncode, expect, result.stderr)
+        if expect == 1:
+            self.assertRegex(result.stderr, r"\Avexa: .+\n\Z")
+            self.assertEqual(result.stderr.count("\n"), 1)
+        return result
+
+    def read(self, name):
+        return (self.folder / name).read_bytes()
+
+    def test_values_placements_and_meshes_of_a_run(self):
+        self.vexa("run", "scene.json", "--frames", "0:10:2", "--mesh", "obj", "--out", "out")
+        rows = [line.split(",") for line in self.read("out/values.csv").decode().splitlines()]
+        self.assertEqual(rows[0], ["frame", "size", "camera.x", "camera.y", "camera.z",
+                                   "camera.directionX", "camera.directionY", "camera.directionZ",
+                                   "frame"])
+        self.assertEqual(rows[3][:3], ["4", "2", "1.2000000476837158"])  # 2/5 of 3 units, in float
+        self.assertEqual([row[-1] for row in rows[1:]], ["0", "2", "4", "1", "3", "0"])
+        self.assertTrue(self.read("out/placements.csv").splitlines()[3].startswith(b"4,red,0,4,10,0,0"))
+        points = [line for line in self.read("out/frame_000004.obj").splitlines() if line[:2] == b"v "]
+        self.assertEqual(points[1], b"v 11 0 4")  # placed at x = 10 and risen by four frames
+
+    def test_a_range_split_over_runs_gives_the_same_bytes(self):
+        for frames, out in ("0:9", "whole"), ("0:4", "first"), ("5:9", "second"):
+            self.vexa("run", "scene.json", "--frames", frames, "--mesh", "obj", "--out", out)
+        for name in "values.csv", "placements.csv":
+            second = self.read("second/" + name).split(b"\n", 1)[1]
+            self.assertEqual(self.read("first/" + name) + second, self.read("whole/" + name))
+        for frame in range(10):
+            name = "frame_%06d.obj" % frame
+            half = "first/" if frame < 5 else "second/"
+            self.assertEqual(self.read(half + name), self.read("whole/" + name))
+
+    def test_pictures_and_glb(self):
+        self.vexa("run", "scene.json", "--frames", "0:4", "--plot", "--mesh", "glb", "--out", "out")
+        self.assertEqual(self.read("out/scene.glb")[:4], b"glTF")
+        self.assertEqual(self.read("out/poses.png")[:4], b"\x89PNG")
+        for name in "curves.svg", "paths.svg":
+            self.assertTrue(self.read("out/" + name).rstrip().endswith(b"</svg>"))
+        self.vexa("sample", "scene.json", "size", "--frames", "0:10", "--plot", "size.svg")
+        self.assertIn(b"</svg>", self.read("size.svg"))
+
+    def test_tables_of_the_small_commands(self):
+        table = self.vexa("sample", "scene.json", "size", "--frames", "0:10:5").stdout.split()
+        self.assertEqual(table, ["0", "0", "5", "2.5", "10", "5"])
+        sun = self.vexa("sun", "--latitude", "0", "--longitude", "0", "--date", "2024-03-20T12:00")
+        self.assertIn("altitude", sun.stdout)
+        presets = self.vexa("presets", "--levels", "3,3,1,4,4").stdout
+        self.assertIn("ambiance  1\nsettings  2\n", presets)
+        facts = json.loads(self.vexa("info", "flag.amo", "--json").stdout)
+        self.assertEqual((facts["takes"], facts["framesPerTake"], facts["links"]), (1, [5], 3))
+        self.assertIn("values", self.vexa("info", "scene.json").stdout)
+
+    def test_bad_input_is_one_line_and_exit_1(self):
+        (self.folder / "cut.amo").write_bytes(self.read("flag.amo")[:200])
+        self.vexa("info", "cut.amo", expect=1)
+        self.vexa("info", "absent.amo", expect=1)
+        self.vexa("run", ".", expect=1)
+        self.vexa("sample", "scene.json", "absent", expect=1)
+        self.vexa("sun", "--latitude", "0", "--longitude", "0", "--date", "2023-02-29", expect=1)
+        with open("/dev/full", "w") as full:
+            self.vexa("info", "flag.amo", expect=1, stdout=full)
+
+    def test_scenes_that_cannot_be_played_are_refused(self):
+        def with_value(**value):
+            return {**SCENE, "values": [{"name": "v", "keys": [], **value}]}
+
+        key = {"frame": 0, "value": 0}
+        for scene, text in (
+                (with_value(), "has no key"),
+                (with_value(kind="takeFrame", instance="red", keys=[key]), "needs a key at the start"),
+                (with_value(kind="position", path="line", keys=[{"frame": 0, "value": 2}]),
+                 "outside 0 to 1"),
+                ({**SCENE, "objects": [{**SCENE["objects"][0], "animation": "absent.amo"}]},
+                 "no such animation file"),
+                ({**SCENE, "objects": [{**SCENE["objects"][0], "animation": "scene.json"}]},
+                 "not the good version")):
+            self.write_scene(scene)
+            self.assertIn(text, self.vexa("run", "scene.json", expect=1).stderr)
+        self.assertFalse((self.folder / "out").exists())
+        (self.folder / "flag.amo").write_bytes(animation_file(5, 4))
+        self.write_scene(SCENE)
+        self.assertIn("bad vertex index", self.vexa("run", "scene.json", expect=1).stderr)
+
+    def test_bad_usage_is_exit_2(self):
+        for frames in "5:1", "1:2:0", "-1:2", "a", "0:1:2:3", "0:99999999":
+            self.vexa("run", "scene.json", "--frames=" + frames, expect=2)
+        self.vexa(expect=2)
+        self.vexa("run", expect=2)
+        self.vexa("presets", "--levels", "1,2,3", expect=2)
+        self.assertIn("Example: ", self.vexa("run", "--help").stdout)
+
+    @unittest.skipIf(os.getuid() == 0 and not pathlib.Path("/proc").exists(), "needs /proc")
+    def test_nothing_is_left_of_what_cannot_be_written(self):
+        self.assertIn("/proc", self.vexa("run", "scene.json", "--out", "/proc/out", expect=1).stderr)
+        (self.folder / "out").mkdir()
+        (self.folder / "out/values.csv").mkdir()
+        self.vexa("run", "scene.json", "--frames", "0", "--out", "out", expect=1)
+        self.assertEqual([p.name for p in (self.folder / "out").iterdir()], ["values.csv"])
+
+
+if __name__ == "__main__":
+    unittest.main()
