@@ -47,11 +47,15 @@ TEST(MeshProcessing, SmoothNormalsAreThoseOfTheWalk) {
     for (int v = 0; v < 8; ++v) mesh.mVertices.push_back(dice.position());
     for (int t = 0; t < 20; ++t) mesh.mTriangles.push_back({dice(8), dice(8), dice(8)});
     const float angle = static_cast<float>(dice(4)) * 50 - 5;
-    mesh.ProcessTrianglesNormals(MeshSmoothData(mesh), MeshSmoothList(mesh), angle);
+    const MeshSmoothData data(mesh);
+    const MeshSmoothList list(mesh);
+    mesh.ProcessTrianglesNormals(data, list, angle);
     const Walks walks(mesh.mVertices, mesh.mTriangles);
     for (unsigned int t = 0; t < 20; ++t) {
       const Position expected = walks.smoothNormal(t, mesh.mTriangles[t].z, angle);
       ASSERT_TRUE(same(mesh.mSmoothNormals[t].z, angle <= 0 ? walks.mNormals[t] : expected));
+      const Position own = mesh.ProcessTriangleSmoothNormal(t, 2, 0, data, list);
+      ASSERT_TRUE(same(own, walks.mNormals[t]));
     }
   }
 }

@@ -1,6 +1,7 @@
 #include "vexa/mesh/MeshImpl.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <new>
 #include <numeric>
@@ -21,6 +22,23 @@ using Position = Mesh::Position;
 template <class T>
 bool isAllZero(const std::vector<T>& values) {
   return std::all_of(values.begin(), values.end(), [](const T& value) { return value == T(); });
+}
+
+/// The positions of the keys in ascending order, equal ones as they stand: a radix sort, from the
+/// lowest byte to the highest that any key has.
+std::vector<unsigned int> ascendingOrder(const std::vector<unsigned int>& keys) {
+  std::vector<unsigned int> order(keys.size()), next(keys.size());
+  std::iota(order.begin(), order.end(), 0U);
+  const unsigned int highest = *std::max_element(keys.begin(), keys.end());
+  for (unsigned int shift = 0; shift < 32 && highest >> shift != 0; shift += 8) {
+    std::array<std::size_t, 257> starts{};
+    const auto digit = [&](unsigned int i) { return keys[i] >> shift & 0xFF; };
+    for (const unsigned int i : order) ++starts[digit(i) + 1];
+    std::partial_sum(starts.begin(), starts.end(), starts.begin());
+    for (const unsigned int i : order) next[starts[digit(i)]++] = i;
+    order.swap(next);
+  }
+  return order;
 }
 
 /// Entry k becomes the one that stood at order[k].
@@ -89,20 +107,20 @@ Position Mesh::Impl::ProcessTriangleNormal(unsigned int triangle) const {
 void Mesh::Impl::Process() {
   ProcessTrianglesSort();
   ProcessSections();
-  const MeshSmoothData data(*this);
-  const MeshSmoothList list(*this);
-  ProcessTrianglesNormals(data, list, 0);
+  const MeshSmoothData data = MeshSmoothData::OfNormals(*this);
+  const VertexTriangles around(mTriangles, mVertices.size());
+  fillFlatNormals(data);
   ProcessAABB();
-  ProcessEdges(data, list);
-  ProcessGroupID(list);
+  fillEdges(data, around, around);
+  mGroupIDs = labelGroups(mTriangles, mSections, around);
 }
 
 void Mesh::Impl::ProcessLightWeight() {
   FitTriangleArrays();
-  const MeshSmoothData data(*this);
-  const MeshSmoothList list(*this);
-  ProcessTrianglesNormals(data, list, 0);
-  ProcessEdges(data, list);
+  const MeshSmoothData data = MeshSmoothData::OfNormals(*this);
+  const VertexTriangles around(mTriangles, mVertices.size());
+  fillFlatNormals(data);
+  fillEdges(data, around, around);
 }
 
 void Mesh::Impl::FitTriangleArrays() {
@@ -117,11 +135,8 @@ void Mesh::Impl::ProcessTrianglesSort() {
   if (isAllZero(mUVCoords)) mUVCoords.clear();
   if (isAllZero(mSmoothNormals)) mSmoothNormals.clear();
 
-  std::vector<unsigned int> order(mTriangles.size());
-  std::iota(order.begin(), order.end(), 0U);
-  std::stable_sort(order.begin(), order.end(), [this](unsigned int a, unsigned int b) {
-    return mMaterialIDs[a] < mMaterialIDs[b];
-  });
+  if (std::is_sorted(mMaterialIDs.begin(), mMaterialIDs.end())) return;
+  const std::vector<unsigned int> order = ascendingOrder(mMaterialIDs);
   reorder(mTriangles, order);
   reorder(mMaterialIDs, order);
   reorder(mUVCoords, order);
@@ -140,18 +155,23 @@ void Mesh::Impl::ProcessSections() {
 
 void Mesh::Impl::ProcessTrianglesNormals(const MeshSmoothData& data, const MeshSmoothList& list,
                                          float angle) {
+  if (angle <= 0) return fillFlatNormals(data);
   if (!mSmoothNormals.empty()) return;
   mSmoothNormals.reserve(mTriangles.size());
   for (unsigned int t = 0; t < mTriangles.size(); ++t) {
-    if (angle <= 0) {
-      const Position& n = data[t].mNormal;
-      mSmoothNormals.emplace_back(n, n, n);
-    } else {
-      const auto at = [&](unsigned int corner) {
-        return ProcessTriangleSmoothNormal(t, corner, angle, data, list);
-      };
-      mSmoothNormals.emplace_back(at(0), at(1), at(2));
-    }
+    const auto at = [&](unsigned int corner) {
+      return ProcessTriangleSmoothNormal(t, corner, angle, data, list);
+    };
+    mSmoothNormals.emplace_back(at(0), at(1), at(2));
+  }
+}
+
+void Mesh::Impl::fillFlatNormals(const MeshSmoothData& data) {
+  if (!mSmoothNormals.empty()) return;
+  mSmoothNormals.reserve(mTriangles.size());
+  for (std::size_t t = 0; t < mTriangles.size(); ++t) {
+    const Position& n = data[t].mNormal;
+    mSmoothNormals.emplace_back(n, n, n);
   }
 }
 
@@ -198,8 +218,13 @@ void Mesh::Impl::ProcessAABB() {
 }
 
 void Mesh::Impl::ProcessEdges(const MeshSmoothData& data, const MeshSmoothList& list) {
+  fillEdges(data, VertexTriangles(mTriangles, mVertices.size()), VertexTriangles(list));
+}
+
+void Mesh::Impl::fillEdges(const MeshSmoothData& data, const VertexTriangles& around,
+                           const VertexTriangles& sharing) {
   mEdges.clear();
-  for (const sEdgeCandidate& edge : findEdgeCandidates(mTriangles, list)) {
+  for (const sEdgeCandidate& edge : findEdgeCandidates(mTriangles, around, sharing)) {
     const auto isCrease = [&] {
       const float d = dotZYX(data[edge.mTriangle].mNormal, data[edge.mNeighbour].mNormal);
       return 1 - std::fabs(d) >= 1e-5f;
@@ -209,7 +234,7 @@ void Mesh::Impl::ProcessEdges(const MeshSmoothData& data, const MeshSmoothList& 
 }
 
 void Mesh::Impl::ProcessGroupID(const MeshSmoothList& list) {
-  mGroupIDs = labelGroups(mTriangles, mSections, list);
+  mGroupIDs = labelGroups(mTriangles, mSections, VertexTriangles(list));
 }
 
 }  // namespace UXS

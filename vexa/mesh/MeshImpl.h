@@ -13,6 +13,7 @@ namespace UXS {
 
 class MeshSmoothData;
 class MeshSmoothList;
+class VertexTriangles;
 
 /// The data of a mesh and the steps that derive one part of it from another.
 ///
@@ -77,6 +78,11 @@ struct VEXA_EXPORT Mesh::Impl {
   /// Required behaviour: the first triangle of a section uses up a number, also when its piece has
   /// one already.
   void ProcessGroupID(const MeshSmoothList& list);
+
+ private:
+  void fillFlatNormals(const MeshSmoothData& data);
+  void fillEdges(const MeshSmoothData& data, const VertexTriangles& around,
+                 const VertexTriangles& sharing);
 };
 
 }  // namespace UXS

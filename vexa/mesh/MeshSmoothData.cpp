@@ -39,4 +39,13 @@ MeshSmoothData::MeshSmoothData(const Mesh::Impl& mesh, const std::vector<unsigne
   for (const unsigned int t : triangles) entry(mData, t).Initialize(mesh, t);
 }
 
+MeshSmoothData MeshSmoothData::OfNormals(const Mesh::Impl& mesh) {
+  MeshSmoothData result;
+  result.mData.resize(mesh.mTriangles.size());
+  for (unsigned int t = 0; t < result.mData.size(); ++t) {
+    result.mData[t].mNormal = mesh.ProcessTriangleNormal(t);
+  }
+  return result;
+}
+
 }  // namespace UXS

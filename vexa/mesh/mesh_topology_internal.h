@@ -3,7 +3,7 @@
 #include <vector>
 
 #include "vexa/mesh/Mesh.h"
-#include "vexa/mesh/MeshSmoothList.h"
+#include "vexa/mesh/VertexTriangles_internal.h"
 
 /// What follows from the triangles alone, wherever their vertices are.
 namespace UXS {
@@ -20,13 +20,15 @@ struct sEdgeCandidate {
 
 /// The edges that may be drawn, in order of their triangles and around each. An edge shared by
 /// several triangles is compared with the last of them and belongs to each one before that.
+/// `around` has all triangles; `sharing` those that count as neighbours, in ascending order.
 std::vector<sEdgeCandidate> findEdgeCandidates(const std::vector<Mesh::Corners>& triangles,
-                                               const MeshSmoothList& list);
+                                               const VertexTriangles& around,
+                                               const VertexTriangles& sharing);
 
 /// The number of each triangle's connected piece. Pieces are numbered as they are met, section by
 /// section; the first triangle of a section always uses up a number.
 std::vector<unsigned int> labelGroups(const std::vector<Mesh::Corners>& triangles,
                                       const std::vector<unsigned int>& sections,
-                                      const MeshSmoothList& list);
+                                      const VertexTriangles& around);
 
 }  // namespace UXS
