@@ -5,6 +5,7 @@
 
 #include "tests/mesh/mesh_fixtures.h"
 #include "tests/models/mesh_walks.h"
+#include "vexa/mesh/MeshImpl.h"
 
 using namespace UXS;
 using namespace vexa::tests;
@@ -225,6 +226,27 @@ TEST(MeshEditor, AnyOrderOfCallsKeepsTheArraysInStep) {
       if (HasFatalFailure()) FAIL() << "seed " << seed << ", commit " << commit;
     }
   }
+}
+
+// More positions than fit at first, zeros of both signs and NaN among them.
+TEST(MeshEditor, MergingFindsWhatTheHashTableFinds) {
+  Dice dice(1);
+  Mesh::Impl expected;
+  for (unsigned int v = 0; v < 9000; ++v) {
+    const auto coarse = [&] { return dice.coordinate() * static_cast<float>(dice(20)); };
+    expected.mVertices.push_back({coarse(), coarse(), coarse()});
+    expected.mTriangles.push_back({dice(v + 1), dice(v + 1), v});
+  }
+  Mesh mesh;
+  {
+    Mesh::Editor editor(mesh, false);
+    for (const Position& p : expected.mVertices) editor.AddVertex(p);
+    for (const Corners& c : expected.mTriangles) editor.AddTriangle(c, 3);
+  }
+  { Mesh::Editor(mesh, false).MergeTriangleVertices(3u); }
+  uxs_hashtable<Position, unsigned int> table(1024);
+  for (unsigned int t = 0; t < 9000; ++t) InternalMergeTriangleVertices(t, expected, table);
+  EXPECT_TRUE(same(mesh.GetTrianglesArray(), expected.mTriangles));
 }
 
 TEST(MeshEditor, TheEndDatesTheMeshUnlessToldToKeepTheDate) {

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <new>
 
 #include "vexa/mesh/MeshImpl.h"
+#include "vexa/mesh/VertexFinder_internal.h"
 #include "vexa/mesh/mesh_geometry_internal.h"
 #include "vexa/tools/clock.h"
 
@@ -12,7 +14,6 @@ namespace UXS {
 namespace {
 
 using PositionTable = uxs_hashtable<Oru::TVector3D<float>, unsigned int>;
-constexpr unsigned int kMergeBuckets = 1024;
 
 template <class T>
 void append(std::vector<T>& ioValues, std::size_t triangle, const T& value) {
@@ -117,13 +118,14 @@ void Mesh::EditorBase::Copy(const Mesh& source, bool skipNormals) {
   to.FitTriangleArrays();
 }
 
-void Mesh::EditorBase::MergeTriangleVertices(const std::vector<unsigned int>& triangles) {
-  PositionTable table(kMergeBuckets);
-  for (const unsigned int t : triangles) InternalMergeTriangleVertices(t, data(), table);
+void Mesh::EditorBase::MergeTriangleVertices(const std::vector<unsigned int>& triangles) try {
+  VertexFinder finder(data().mVertices, 3 * triangles.size());
+  for (const unsigned int t : triangles) finder.merge(entry(data().mTriangles, t));
+} catch (const std::bad_alloc&) {  // what is left keeps its vertices
 }
 
-void Mesh::EditorBase::MergeTriangleVertices(unsigned int material) {
-  const Impl& mesh = data();
+void Mesh::EditorBase::MergeTriangleVertices(unsigned int material) try {
+  Impl& mesh = data();
   const std::size_t count = mesh.mTriangles.size();
   for (std::size_t s = 0; s < mesh.mSections.size(); ++s) {
     const unsigned int begin = mesh.mSections[s];
@@ -131,9 +133,10 @@ void Mesh::EditorBase::MergeTriangleVertices(unsigned int material) {
     // Triangles may have been removed since the sections were made.
     const std::size_t end =
         s + 1 < mesh.mSections.size() ? std::min<std::size_t>(mesh.mSections[s + 1], count) : count;
-    PositionTable table(kMergeBuckets);
-    for (unsigned int t = begin; t < end; ++t) InternalMergeTriangleVertices(t, data(), table);
+    VertexFinder finder(mesh.mVertices, 3 * (end - begin));
+    for (std::size_t t = begin; t < end; ++t) finder.merge(mesh.mTriangles[t]);
   }
+} catch (const std::bad_alloc&) {
 }
 
 Mesh::Editor::~Editor() {

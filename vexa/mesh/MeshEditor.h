@@ -52,7 +52,7 @@ class VEXA_EXPORT Mesh::EditorBase : public uxs_reference {
   /// they are skipped. Without memory for it, throws std::bad_alloc and changes nothing.
   void Copy(const Mesh& source, bool skipNormals);
   /// Lets corners of the listed triangles at exactly the same position use one vertex: the first
-  /// met. Vertices no longer used stay.
+  /// met. Vertices no longer used stay. Without memory the corners that are left keep theirs.
   void MergeTriangleVertices(const std::vector<unsigned int>& triangles);
   /// The same for each section of a material by itself; the sections are those of the last commit.
   void MergeTriangleVertices(unsigned int material);
