@@ -1,10 +1,13 @@
 #include <gtest/gtest.h>
 
+#include "tests/helpers/compare.h"
 #include "vexa/math/TQuaternion.h"
 #include "vexa/math/TVector2D.h"
 #include "vexa/math/TVector3D.h"
 #include "vexa/math/uxs_generic_mat4.h"
 #include "vexa/math/uxs_generic_vec3.h"
+
+using vexa::tests::sameBits;
 
 // The constants come out of the shared library with their values.
 TEST(Constants, AxesZerosAndIdentity) {
@@ -20,9 +23,8 @@ TEST(Constants, AxesZerosAndIdentity) {
   EXPECT_EQ(Oru::TVector2D<float>::ZeroVector, Oru::TVector2D<float>());
   EXPECT_EQ(Oru::TVector3D<float>::ZeroVector, Oru::TVector3D<float>());
   EXPECT_EQ(Oru::TVector3D<double>::ZeroVector, Oru::TVector3D<double>());
-  EXPECT_EQ(Oru::TQuaternion<float>::Identity.w, 1);
-  EXPECT_EQ(Oru::TQuaternion<double>::Identity.w, 1);
-  EXPECT_EQ(Oru::TQuaternion<double>::Identity.x, 0);
+  EXPECT_TRUE(sameBits(Oru::TQuaternion<float>::Identity, Oru::TQuaternion<float>(0, 0, 0, 1)));
+  EXPECT_TRUE(sameBits(Oru::TQuaternion<double>::Identity, Oru::TQuaternion<double>(0, 0, 0, 1)));
 }
 
 TEST(Mat4, TranslationAfterScaleMovesByTheWholeTranslation) {

@@ -1,7 +1,5 @@
 #include "vexa/math/ux_matrix44.h"
 
-#include <algorithm>
-#include <cmath>
 #include <cstdint>
 #include <gtest/gtest.h>
 #include <limits>
@@ -44,17 +42,6 @@ void expectNear(const V& a, const V& b) {
   EXPECT_NEAR(a.z, b.z, tolerance);
 }
 
-// The cofactor of (r, c), by the definition.
-template <class T>
-T cofactor(const ux_matrix44<T>& m, int r, int c) {
-  const int i = r == 0, j = 1 + (r <= 1), k = 2 + (r <= 2);
-  const int p = c == 0, q = 1 + (c <= 1), s = 2 + (c <= 2);
-  const T minor = m(i, p) * (m(j, q) * m(k, s) - m(j, s) * m(k, q)) -
-                  m(i, q) * (m(j, p) * m(k, s) - m(j, s) * m(k, p)) +
-                  m(i, s) * (m(j, p) * m(k, q) - m(j, q) * m(k, p));
-  return (r + c) % 2 ? -minor : minor;
-}
-
 }  // namespace
 
 template <class T>
@@ -66,8 +53,9 @@ TYPED_TEST(Matrix, BuildersTakePointsWhereTheyShould) {
   using P = ux_point3<T>;
   using V = ux_vect3<T>;
   ux_matrix44<T> m;
-  m.rot(0, 0, 1, T(kPi / 2));
-  expectNear<T>(m * V(1, 0, 0), V(0, 1, 0));
+  const TUxUnitVector<T> diagonal = V(1, 1, 1);  // a third of a turn takes x to y to z to x
+  m.rot(diagonal.x, diagonal.y, diagonal.z, T(2 * kPi / 3));
+  expectNear<T>(m * V(1, 2, 3), V(3, 1, 2));
   m.trans(1, 2, 3);
   EXPECT_EQ((m * P(0, 0, 0)).as_vector(), V(1, 2, 3));
   EXPECT_EQ(m * V(0, 0, 0), V(0, 0, 0));
@@ -81,16 +69,6 @@ TYPED_TEST(Matrix, BuildersTakePointsWhereTheyShould) {
   EXPECT_EQ((m * P(0, 0, 0)).as_vector(), V(0, 0, -5));
   m.lookat(P(1, 2, 3), P(4, 2, 3), V(0, 0, 1));  // looking along +X, +Y is on the left
   EXPECT_EQ((m * P(6, 3, 5)).as_vector(), V(-1, 2, -5));
-}
-
-// About (1, 1, 1) by a third of a turn the axes follow each other: x to y to z to x.
-TYPED_TEST(Matrix, RotationAboutTheDiagonal) {
-  using T = TypeParam;
-  using V = ux_vect3<T>;
-  const TUxUnitVector<T> axis = V(1, 1, 1);
-  ux_matrix44<T> m;
-  m.rot(axis.x, axis.y, axis.z, T(2 * kPi / 3));
-  expectNear<T>(m * V(1, 2, 3), V(3, 1, 2));
 }
 
 TYPED_TEST(Matrix, Projections) {
@@ -118,27 +96,16 @@ TYPED_TEST(Matrix, Projections) {
   EXPECT_EQ(V(corner.x, corner.y, corner.z) / corner.w, V(1, 1, -1));
 }
 
-TYPED_TEST(Matrix, InverseIsTheAdjugateOverTheDeterminant) {
+TYPED_TEST(Matrix, InverseUndoesAndOfTheIdentityHasNoNegativeZero) {
   using T = TypeParam;
-  ux_matrix44<T> m;
-  m.scale(2, 4, 8);
-  ux_matrix44<T> expected;
-  expected.scale(T(0.5), T(0.25), T(0.125));
-  EXPECT_EQ(m.invert(), expected);
-  EXPECT_TRUE(sameBits(ux_matrix44<T>().invert(), ux_matrix44<T>()));  // no -0.0 either
+  EXPECT_TRUE(sameBits(ux_matrix44<T>().invert(), ux_matrix44<T>()));
   Values values;
   for (int round = 0; round < 50; ++round) {
-    m = values.matrix<T>();
-    const ux_matrix44<T> inverse = m.invert();
-    for (int r = 0; r < 4; ++r) {
-      T determinant = 0;
-      for (int k = 0; k < 4; ++k) determinant += m(r, k) * cofactor(m, r, k);
-      for (int c = 0; c < 4; ++c) {
-        // The tolerance is relative to the largest possible cofactor, 6.
-        EXPECT_NEAR(
-            inverse(c, r) * determinant, cofactor(m, r, c),
-            40 * std::numeric_limits<T>::epsilon() * std::max(T(1), std::abs(inverse(c, r))));
-      }
+    ux_matrix44<T> m = values.matrix<T>();
+    for (int i = 0; i < 16; i += 5) m.e[i] += 4;  // diagonally dominant, so well conditioned
+    const ux_matrix44<T> unit = m * m.invert();
+    for (int i = 0; i < 16; ++i) {
+      EXPECT_NEAR(unit.e[i], T(i % 5 == 0), 20 * std::numeric_limits<T>::epsilon());
     }
   }
 }
@@ -204,8 +171,7 @@ TYPED_TEST(Matrix, ComparisonIsExactAndIdentityShared) {
   }
   m.e[5] = std::numeric_limits<TypeParam>::quiet_NaN();
   EXPECT_FALSE(m == m);
-  Values values;
-  const M any = values.matrix<TypeParam>();
+  const M any = Values().matrix<TypeParam>();
   M turned = any;
   turned.transpose();
   for (int i = 0; i < 16; ++i) EXPECT_EQ(turned(i / 4, i % 4), any(i % 4, i / 4));
