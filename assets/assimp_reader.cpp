@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <array>
 #include <assimp/Importer.hpp>
 #include <assimp/anim.h>
 #include <assimp/config.h>
@@ -32,9 +31,9 @@ Oru::TVector3D<double> toVector(const aiVector3D& v) {
 // Both have their translation in the last column; libassimp stores row by row.
 Matrix toMatrix(const aiMatrix4x4& m) {
   Matrix result;
-  for (unsigned row = 0; row < 4; ++row) {
-    for (unsigned column = 0; column < 4; ++column) {
-      result(row, column) = double(m[row][column]);
+  for (int row = 0; row < 4; ++row) {
+    for (int column = 0; column < 4; ++column) {
+      result(row, column) = double(m[unsigned(row)][unsigned(column)]);
     }
   }
   return result;
@@ -232,14 +231,13 @@ Matrix readAxes(const aiScene& scene, const std::string& file) {
   Matrix axes;
   if (hasZUp(file)) std::copy(std::begin(kZUpToYUp), std::end(kZUpToYUp), axes.e);
   if (scene.mMetaData == nullptr) return axes;
-  const std::array<Oru::TVector3D<double>, 3> rows = {axisOf(*scene.mMetaData, "CoordAxis"),
-                                                      axisOf(*scene.mMetaData, "UpAxis"),
-                                                      axisOf(*scene.mMetaData, "FrontAxis")};
+  const char* const names[] = {"CoordAxis", "UpAxis", "FrontAxis"};
   Matrix stated;
-  for (unsigned row = 0; row < 3; ++row) {
-    stated(row, 0) = rows[row].x;
-    stated(row, 1) = rows[row].y;
-    stated(row, 2) = rows[row].z;
+  for (int row = 0; row < 3; ++row) {
+    const Oru::TVector3D<double> axis = axisOf(*scene.mMetaData, names[row]);
+    stated(row, 0) = axis.x;
+    stated(row, 1) = axis.y;
+    stated(row, 2) = axis.z;
   }
   return stated.is_invertible() ? stated : axes;
 }

@@ -18,14 +18,6 @@
 #include <sys/prctl.h>
 #endif
 
-#if defined(__SANITIZE_ADDRESS__)
-#define VEXA_ADDRESS_SANITIZER 1
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define VEXA_ADDRESS_SANITIZER 1
-#endif
-#endif
-
 namespace vexa::assets {
 
 namespace {
@@ -93,13 +85,11 @@ void limitResource(decltype(RLIMIT_CORE) resource, std::uint64_t soft, std::uint
   setrlimit(resource, &limit);
 }
 
-#ifndef VEXA_ADDRESS_SANITIZER
 std::uint64_t addressSpaceInUse() {
   std::uint64_t pages = 0;
   std::ifstream("/proc/self/statm") >> pages;
   return pages * static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
 }
-#endif
 
 void applyLimits(const ChildLimits& limits) {
 #ifdef __linux__
@@ -108,10 +98,8 @@ void applyLimits(const ChildLimits& limits) {
   limitResource(RLIMIT_CORE, 0, 0);
   // The hard limit lies higher: at the soft one comes SIGXCPU, which tells the reason.
   limitResource(RLIMIT_CPU, limits.cpuSeconds, std::uint64_t{limits.cpuSeconds} + 1);
-#ifndef VEXA_ADDRESS_SANITIZER
   const std::uint64_t space = addressSpaceInUse() + limits.memoryBytes;
   limitResource(RLIMIT_AS, space, space);
-#endif
 }
 
 void silenceStandardStreams() {

@@ -9,8 +9,7 @@ namespace vexa::assets {
 
 /// What a child process may use before it is ended.
 struct ChildLimits {
-  /// Address space in bytes, beyond what this process holds when the child starts. Not applied in
-  /// builds with the address sanitizer, which reserves more than any limit.
+  /// Address space in bytes, beyond what this process holds when the child starts.
   std::uint64_t memoryBytes = std::uint64_t{2} << 30;
   /// Processor time in seconds.
   unsigned cpuSeconds = 60;
