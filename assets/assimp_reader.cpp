@@ -225,10 +225,11 @@ bool hasZUp(const std::string& file) {
 
 constexpr double kZUpToYUp[16] = {1, 0, 0, 0, 0, 0, -1, 0, 0, 1, 0, 0, 0, 0, 0, 1};
 
-// FBX states which way right, up and front are, and libassimp does not act on it. Most other
-// formats have been turned to +Y up by their readers, at the root node.
+// FBX states which way right, up and front are, and libassimp 5.2 does not act on it; later
+// releases do, at the root node, as the readers of most other formats have always done.
 Matrix readAxes(const aiScene& scene, const std::string& file) {
   Matrix axes;
+  if (!scene.mRootNode->mTransformation.IsIdentity()) return axes;
   if (hasZUp(file)) std::copy(std::begin(kZUpToYUp), std::end(kZUpToYUp), axes.e);
   if (scene.mMetaData == nullptr) return axes;
   const char* const names[] = {"CoordAxis", "UpAxis", "FrontAxis"};
