@@ -1,6 +1,6 @@
 // Reading a file and computing a definition while memory runs out: every allocation fails once, and
 // every allocation from a certain one on.
-#include <chrono>
+#include <ctime>
 #include <gtest/gtest.h>
 
 #include "assets/AnimationFile.h"
@@ -125,13 +125,13 @@ TEST(HostileFile, CostsNeitherTimeNorMemory) {
       std::memcpy(&bytes[i < 2 ? 4 * i : 128 + 4 * i], &words[i], 4);
     }
     vexa::tests::writeText(path, bytes);
-    const auto start = std::chrono::steady_clock::now();
+    const std::clock_t start = std::clock();
     const std::size_t before = gMemory.mBytes;
     XCFrameCollector collector(&mesh);
     EXPECT_EQ(vexa::tests::whatOf([&] { XCAMOFileIOTool(path.c_str()).Read(&collector); }),
               "XCAMOFileIOTool : This file is truncated!");
     EXPECT_LT(gMemory.mBytes - before, 16u << 20);
-    EXPECT_LT(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(10));
+    EXPECT_LT(std::clock() - start, CLOCKS_PER_SEC / 100);
   }
 }
 
