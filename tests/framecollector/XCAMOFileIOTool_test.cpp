@@ -182,6 +182,7 @@ TEST(XCAMOFileIOTool, ReadsOrRefusesEveryBadFile) {
 TEST(XCAMOFileIOTool, HonoursWhatTheFileHoldsAndLittleBeyond) {
   EXPECT_EQ(errorOf(words({101, 1048576}, 8)), "nothing was thrown");
   EXPECT_EQ(errorOf(words({101, 1048577}, 8)), kTruncated);
+  EXPECT_EQ(errorOf(words({101, 1048577}, 136)), kTruncated);  // the matrix holds no counts
   EXPECT_EQ(errorOf(words({101, ~0u}, 8)), kTruncated);
   EXPECT_EQ(errorOf(words({101, 0, 1048576}, 140)), "nothing was thrown");  // nodes
   EXPECT_EQ(errorOf(words({101, 0, 1048577}, 140)), kTruncated);
@@ -189,36 +190,41 @@ TEST(XCAMOFileIOTool, HonoursWhatTheFileHoldsAndLittleBeyond) {
   EXPECT_EQ(errorOf(words({101, 0, 1, 1048577}, 144)), kTruncated);
   EXPECT_EQ(errorOf(words({101, 1, 1048575, 1}, 144)), "nothing was thrown");  // frames and a node
   EXPECT_EQ(errorOf(words({101, 1, 1048576, 1}, 144)), kTruncated);
+  EXPECT_EQ(errorOf(words({101, 1, 1048577, 1}, 144 + 256)),
+            "nothing was thrown");  // two are there
+  EXPECT_EQ(errorOf(words({101, 1, 1048578, 1}, 144 + 256)), kTruncated);
   EXPECT_EQ(errorOf(words({101, 1, ~0u, ~0u}, 144)), kTruncated);
   EXPECT_EQ(errorOf(words({101, 2000000}, 136 + 4 * 2000000 + 4)), "nothing was thrown");
   EXPECT_EQ(errorOf(words({101, 0, 2000000}, 140 + 4 * 2000000)), "nothing was thrown");
 }
 
-// Takes without frames cost a node 48 bytes each, which nothing in the file has to stand for. The
-// bytes behind the counts are a hole in the file.
+// Takes without frames cost a node 48 bytes each, which nothing in the file has to stand for.
 TEST(XCAMOFileIOTool, RefusesFilesThatWouldFillTheMemory) {
+  const auto takesAndNodes = [](std::uint32_t takes, std::uint32_t nodes) {
+    std::string bytes = words({101, takes, 1}, 140 + 4 * takes);
+    std::memcpy(&bytes[136 + 4 * takes], &nodes, 4);
+    return bytes;
+  };
   const struct {
-    std::uint32_t mTakes, mNodes;
-    std::uintmax_t mSize;
+    std::string mStart;
+    std::uintmax_t mSize;  // the rest is a hole
     bool mRefused;
   } kFiles[] = {
-      {200000, 25, 1000000, false},    // 240 MB
-      {200000, 400, 1000000, true},    // 3.6 GiB from 1 MB
-      {200000, 400, 70000000, false},  // the same from 70 MB
-      {230000, 400, 70000000, true},   // 4.1 GiB
-      {60000000, 0, 250000000, true},  // takes alone
+      {takesAndNodes(200000, 25), 1000000, false},             // 240 MB
+      {takesAndNodes(200000, 400), 1000000, true},             // 3.6 GiB from 1 MB
+      {takesAndNodes(200000, 400), 70000000, false},           // the same from 70 MB
+      {takesAndNodes(230000, 400), 70000000, true},            // 4.1 GiB
+      {words({101, 60000000}, 140), 250000000, true},          // takes alone
+      {words({101, 0, 1, 160000000}, 144), 2000000000, true},  // links alone
   };
   for (const auto& file : kFiles) {
     const ScratchDirectory scratch;
     const std::string path = scratch / "large.amo";
-    std::string bytes = words({101, file.mTakes, 1}, 140);
-    if (file.mNodes > 0) bytes.resize(140 + 4 * file.mTakes);
-    std::memcpy(&bytes[bytes.size() - 4], &(file.mNodes > 0 ? file.mNodes : file.mTakes), 4);
-    vexa::tests::writeText(path, bytes);
+    vexa::tests::writeText(path, file.mStart);
     std::filesystem::resize_file(path, file.mSize);
     RecordingCollector collector;
     EXPECT_EQ(readFile(collector, path), file.mRefused ? kTruncated : "nothing was thrown");
-    EXPECT_EQ(collector.calls().find("AddTransformation") == std::string::npos, file.mRefused);
+    EXPECT_EQ(collector.calls().find("Add") == std::string::npos, file.mRefused);
   }
 }
 

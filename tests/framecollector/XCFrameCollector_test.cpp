@@ -86,8 +86,8 @@ TEST(XCFrameCollector, EqualsTheLiteralFormToTheBit) {
     fill(collector, rest.size(), seed);
     fill(literal, rest.size(), seed);
     messages.mCount = 0;
-    for (unsigned take = 0; take < 5; ++take) {
-      for (unsigned frame = 0; frame < 5; ++frame) {
+    for (unsigned frame = 0; frame < 5; ++frame) {
+      for (unsigned take = 0; take < 5; ++take) {
         const auto& deformed =
             collector.GetCurrentDefinition(take, frame, kNone)->GetVerticesArray();
         ASSERT_EQ(deformed.size(), rest.size());
@@ -141,6 +141,9 @@ TEST(XCFrameCollector, YAndZCrossAndAnUnlinkedVertexIsInfinitelyFar) {
   const Point* vertex = mesh->GetVerticesArray().data();
   EXPECT_EQ(collector.TransformPoint(vertex, 0, 0), Point(11, 33, 22));
   EXPECT_EQ(collector.TransformPoint(0u, 0u, 0u), Point());
+  double sum = 7;  // stays: no vertex is at the second coordinate of one
+  collector.GetVertexTransformation(reinterpret_cast<const Point*>(&vertex->y), 0, 0, sum);
+  EXPECT_EQ(sum, 7);
   const Point far = collector.TransformPoint(vertex + 1, 0, 0);
   EXPECT_EQ(far.x, INFINITY);
   EXPECT_TRUE(std::isnan(far.y));  // 0 from the third row
@@ -212,6 +215,17 @@ TEST(XCFrameCollector, TakesMatricesOutOfItsOwnStorage) {
     ASSERT_TRUE(sameBits(collector.GetTransformation(0, 0, node), translation(1, 2, 3)));
     ASSERT_TRUE(sameBits(collector.GetTransformation(0, unsigned(node), 0), translation(1, 2, 3)));
   }
+}
+
+TEST(XCTransformationNode, CopiesShareNothing) {
+  XCTransformationNode node(2);
+  node.AddTransformation(translation(1, 2, 3), 1);
+  XCTransformationNode copy(node);
+  copy.AddTransformation({}, 1);
+  EXPECT_TRUE(sameBits(copy.GetTransformation(1, 0), translation(1, 2, 3)));
+  EXPECT_EQ(node.GetTransformationsNbr(1), 1u);
+  node = copy;
+  EXPECT_EQ(node.GetTransformationsNbr(1), 2u);
 }
 
 }  // namespace

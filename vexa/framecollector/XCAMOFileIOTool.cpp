@@ -172,8 +172,8 @@ UXS::uxs_generic_mat4<float> Reading::readMatrix() {
   return result;
 }
 
-// Elements past the end of the file if the next nodes have no links: their matrices, and themselves
-// where not even the link count is there.
+// Elements of the nodes to come that lie past the end of the file if there are no links: their
+// matrices, and themselves where not even the link count is there. Behind the end there are none.
 double Reading::missingOfNodes(double inNodes) const {
   const double bytes = double(mFile.remaining());
   const double whole = std::floor(bytes / (kMatrixBytes * mFrames + kCountBytes));
@@ -183,7 +183,6 @@ double Reading::missingOfNodes(double inNodes) const {
 }
 
 void Reading::readNode() {
-  mLimits.spend(missingOfNodes(1));
   int node = -1;
   for (const sTake& take : mFilledTakes) {
     for (std::uint32_t f = 0; f < take.mFrames; ++f) {

@@ -74,7 +74,6 @@ XCFrameCollector::~XCFrameCollector() {
 
 unsigned int XCFrameCollector::AddTransformation(const Matrix& inMatrix, unsigned int inTake,
                                                  int inNode) {
-  const Matrix matrix = inMatrix;  // it may lie in a node that moves when the list grows
   mSize += 64;
   if (inNode < 0) {
     mNodes.emplace_back(GetNbrTakes());
@@ -83,7 +82,7 @@ unsigned int XCFrameCollector::AddTransformation(const Matrix& inMatrix, unsigne
   }
   UxThrow::IfFalse(inNode < int(mNodes.size()),
                    "XCFrameCollector::AddTransformation : bad node index");
-  mNodes[std::size_t(inNode)].AddTransformation(matrix, inTake);
+  mNodes[std::size_t(inNode)].AddTransformation(inMatrix, inTake);
   return static_cast<unsigned int>(inNode);
 }
 

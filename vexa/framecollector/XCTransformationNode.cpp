@@ -27,8 +27,7 @@ void XCTransformationNode::AddTransformation(const UXS::uxs_generic_mat4<float>&
                                              unsigned int inTake) {
   UxThrow::IfFalse(inTake < mTakes.size(),
                    "XCTransformationNode::AddTransformation : bad take index");
-  const UXS::uxs_generic_mat4<float> matrix = inMatrix;  // growing frees what it may refer to
-  if (mTakes[inTake].push_back(matrix) == nullptr) throw std::bad_alloc();
+  if (mTakes[inTake].push_back(inMatrix) == nullptr) throw std::bad_alloc();
 }
 
 const UXS::uxs_generic_mat4<float>& XCTransformationNode::GetTransformation(
