@@ -1,6 +1,7 @@
 // The value of a property at a frame.
 #include <cstdint>
 #include <cstring>
+#include <limits>
 
 #include "vexa/animation/XCAnimationMgr.h"
 #include "vexa/animation/entry_point_internal.h"
@@ -90,24 +91,25 @@ uValue positionAt(const UxZel::IZelMgr& mgr, const UxZel::IZelInterpolatedValue&
 
 void XCAnimationMgr::GetKeyFrameRange(int frame, int& minIndex, int& maxIndex,
                                       const Keys* keys) const {
-  bool hasBefore = false, hasAfter = false;
-  int before = 0, after = 0;  // frames of the nearest keys found so far
+  // Selections instead of branches: which keys are taken is nothing that a processor could foresee.
+  std::int64_t before = std::numeric_limits<std::int64_t>::min();
+  std::int64_t after = std::numeric_limits<std::int64_t>::max();
+  int beforeIndex = minIndex, afterIndex = maxIndex;
   const int count = keys->GetCount();
   for (int i = 0; i < count; ++i) {
     const int keyFrame = keys->GetAt(i)->GetFrame();
     if (keyFrame == -1) continue;
-    if (keyFrame <= frame && (!hasBefore || before < keyFrame)) {
-      hasBefore = true;
-      before = keyFrame;
-      minIndex = i;
-    } else if (keyFrame >= frame && (!hasAfter || after > keyFrame)) {
-      hasAfter = true;
-      after = keyFrame;
-      maxIndex = i;
-    }
+    const bool isBefore = (keyFrame <= frame) & (keyFrame > before);
+    const bool isAfter = (keyFrame >= frame) & (keyFrame < after) & !isBefore;
+    before = isBefore ? keyFrame : before;
+    beforeIndex = isBefore ? i : beforeIndex;
+    after = isAfter ? keyFrame : after;
+    afterIndex = isAfter ? i : afterIndex;
   }
-  if (hasAfter && !hasBefore) minIndex = maxIndex;
-  if (!hasAfter) maxIndex = minIndex;
+  const bool hasBefore = before != std::numeric_limits<std::int64_t>::min();
+  const bool hasAfter = after != std::numeric_limits<std::int64_t>::max();
+  minIndex = hasBefore || !hasAfter ? beforeIndex : afterIndex;
+  maxIndex = hasAfter ? afterIndex : minIndex;
 }
 
 uValue XCAnimationMgr::InterpolateValue(UxZel::IZelMgr* mgr,
