@@ -38,7 +38,8 @@ class VEXA_EXPORT ux_matrix44 {
   /// The inverse: the adjugate times 1/determinant.
   ///
   /// Throws std::overflow_error if the determinant is exactly 0, as it is for a zero row or column
-  /// or two equal ones. There is no tolerance: a nearly singular matrix gives huge elements.
+  /// or two equal rows. There is no tolerance: a nearly singular matrix, such as one whose equal
+  /// columns leave a rounding error, gives huge elements.
   ux_matrix44 invert() const;
   /// Replaces this matrix by invert(), and leaves it as it was when that throws.
   void inverse();
