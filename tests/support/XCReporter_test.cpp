@@ -4,7 +4,6 @@
 #include <cstdio>
 #include <gtest/gtest.h>
 #include <pthread.h>
-#include <stdexcept>
 #include <string>
 #include <thread>
 
@@ -69,13 +68,15 @@ TEST(XCReporter, ModesSwitchTheirOwnKindAndReportEverySwitch) {
     XCReporter::BenchInLog("b %d", 1);
     XCReporter::MemoryInLog("m %d", 2);
   };
-  const Lines off{"3 Trace mode is disabled", "4 Bench mode is disabled",
-                  "5 Memory mode is disabled"};
-  EXPECT_EQ(reportedBy([&] { sendAfterSwitch(false); }), off);
-  EXPECT_EQ(reportedBy([&] { sendAfterSwitch(true); }),
-            (Lines{"3 Trace mode is enabled", "4 Bench mode is enabled", "5 Memory mode is enabled",
-                   "3 t %d", "4 b 1", "5 m 2"}));
-  EXPECT_EQ(reportedBy([&] { sendAfterSwitch(false); }), off);
+  Lines expected{"3 Trace mode is enabled",
+                 "4 Bench mode is enabled",
+                 "5 Memory mode is enabled",
+                 "3 t %d",
+                 "4 b 1",
+                 "5 m 2"};
+  EXPECT_EQ(reportedBy([&] { sendAfterSwitch(true); }), expected);
+  expected = {"3 Trace mode is disabled", "4 Bench mode is disabled", "5 Memory mode is disabled"};
+  for (int i = 0; i < 2; ++i) EXPECT_EQ(reportedBy([&] { sendAfterSwitch(false); }), expected);
 }
 
 TEST(XStPushReporter, ScopesNestPerThreadAndMayServeTheOthers) {
@@ -112,7 +113,7 @@ struct ActingReporter : RecordingReporter {
 };
 
 TEST(XCReporter, WhatAReporterThrowsStaysInside) {
-  ActingReporter throwing([] { throw std::runtime_error("no disk"); });
+  ActingReporter throwing([] { throw "no disk"; });
   const XStPushReporter scope(&throwing, false);
   EXPECT_NO_THROW(XCReporter::Error("lost"));
 }
@@ -144,15 +145,13 @@ TEST(XCReporter, NamesTheLastSystemError) {
 
 TEST(XCReporter, BenchmarksSumUpAndPairLabelsWithTimesByIndex) {
   const Lines lines = reportedBy([] {
-    XCReporter::StopBenchmark("unknown");
-    XCReporter::FlushBenchmark("unknown", true);
+    XCReporter::StopBenchmark("load");
     for (const char* label : {"", "second", "third"}) {
       XCReporter::StartBenchmark("load", label);
       XCReporter::StopBenchmark("load");
     }
     XCReporter::StartBenchmark("load", nullptr);  // still running: counts as its time of day
-    XCReporter::FlushBenchmark("load", true);
-    XCReporter::FlushBenchmark("load", true);
+    for (int i = 0; i < 2; ++i) XCReporter::FlushBenchmark("load", true);
   });
   ASSERT_EQ(lines.size(), 3u);
   EXPECT_GT(std::stod(lines[0].substr(lines[0].find("load takes ") + 11)), 1.7e9);

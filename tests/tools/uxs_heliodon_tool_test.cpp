@@ -1,28 +1,24 @@
 #include "vexa/tools/uxs_heliodon_tool.h"
 
-#include <cmath>
 #include <cstring>
 #include <gtest/gtest.h>
 
 #include "tests/helpers/compare.h"
+#include "vexa/tools/plain_vector_internal.h"
 
-using Vec3 = UXS::uxs_generic_vec3<float>;
-using Date = UXS::uxs_heliodon_tool::date;
-using Place = UXS::uxs_heliodon_tool::place;
-using vexa::tests::atRunTime;
+using UXS::Vec3;
+using Tool = UXS::uxs_heliodon_tool;
 using vexa::tests::sameBits;
 
 namespace {
 
-void expectNear(const Vec3& v, const Vec3& expected) {
-  EXPECT_NEAR(v.x, expected.x, 1e-6f);
-  EXPECT_NEAR(v.y, expected.y, 1e-6f);
-  EXPECT_NEAR(v.z, expected.z, 1e-6f);
+void expectNear(const Vec3& a, const Vec3& b) {
+  EXPECT_LT(dot(a - b, a - b), 1e-12f) << a.x << ' ' << a.y << ' ' << a.z;
 }
 
 // By default over 2 deg 20' E, 48 deg 51' N.
-Vec3 sun(const Date& d, const Place& p = {140, 2931, 60, 0}) {
-  return UXS::uxs_heliodon_tool::get_sun_direction(p, d);
+Vec3 sun(const Tool::date& d, const Tool::place& p = {140, 2931, 60, 0}) {
+  return Tool::get_sun_direction(p, d);
 }
 
 }  // namespace
@@ -39,46 +35,28 @@ TEST(Heliodon, DirectionsOfKnownDates) {
 
 // Every date equals the day of January with its day number; the count leaves January out.
 TEST(Heliodon, DayNumbers) {
-  const unsigned cases[][4] = {{2023, 3, 1, 60},    {2024, 3, 1, 61},    {2023, 2, 10, 38},
-                               {2024, 2, 10, 39},   {2023, 4, 5, 94},    {2023, 5, 5, 125},
-                               {1900, 3, 1, 60},    {2000, 3, 1, 61},    {2024, 1, 31, 31},
-                               {2024, 0, 31, 31},   {2023, 12, 31, 365}, {2023, 13, 31, 365},
-                               {2023, ~0u, 31, 365}};
+  const unsigned cases[][4] = {{2023, 3, 1, 60},  {2024, 3, 1, 61},    {2023, 2, 10, 38},
+                               {2024, 2, 10, 39}, {2023, 4, 5, 94},    {2023, 5, 5, 125},
+                               {1900, 3, 1, 60},  {2000, 3, 1, 61},    {2024, 1, 31, 31},
+                               {2024, 0, 31, 31}, {2023, 12, 31, 365}, {2023, ~0u, 31, 365}};
   for (const auto& [year, month, day, number] : cases) {
-    EXPECT_TRUE(
-        sameBits(sun({year, month, day, 12, 0, false}), sun({2023, 1, number, 12, 0, false})))
-        << year << '-' << month;
+    const Vec3 expected = sun({2023, 1, number, 12, 0, false});
+    EXPECT_TRUE(sameBits(sun({year, month, day, 12, 0, false}), expected)) << year << '-' << month;
   }
 }
 
-TEST(Heliodon, SummertimeCountsFromAprilToOctober) {
+TEST(Heliodon, SummertimeIsAnyByteFromAprilToOctober) {
   for (unsigned month = 0; month <= 14; ++month) {
     const unsigned hour = 4 <= month && month <= 10 ? 9 : 10;
-    expectNear(sun({2023, month, 9, 10, 20, true}), sun({2023, month, 9, hour, 20, false}));
+    Tool::date date = {2023, month, 9, 10, 20, true};
+    std::memset(&date.summertime, 0xfe, 1);
+    expectNear(sun(date), sun({2023, month, 9, hour, 20, false}));
   }
-  Date anyByte = {2023, 7, 9, 10, 20, true};
-  const Vec3 expected = sun(anyByte);
-  std::memset(&anyByte.summertime, 0xfe, 1);
-  EXPECT_TRUE(sameBits(sun(anyByte), expected));
 }
 
 TEST(Heliodon, NorthTurnsTheSceneUnderTheSun) {
-  const Date date = {2023, 8, 3, 16, 0, false};
+  const Tool::date date = {2023, 8, 3, 16, 0, false};
   const Vec3 before = sun(date), after = sun(date, {140, 2931, 60, 90});
-  EXPECT_EQ(after.z, before.z);
   expectNear(after, {-before.y, before.x, before.z});
-}
-
-TEST(Heliodon, AnglesToDirection) {
-  const double quarter = atRunTime(1.5707963267948966);
-  EXPECT_EQ(UXS::uxs_heliodon_tool::get_sun_direction(0, 0), Vec3(0, 0, 1));
-  expectNear(UXS::uxs_heliodon_tool::get_sun_direction(0, quarter), {-1, 0, 0});
-  expectNear(UXS::uxs_heliodon_tool::get_sun_direction(quarter, quarter), {0, 1, 0});
-}
-
-TEST(Heliodon, AnyNumbersGiveAUnitVectorOrNaN) {
-  constexpr std::int32_t least = std::numeric_limits<std::int32_t>::min();
-  const Vec3 v = sun({~0u, ~0u, ~0u, ~0u, ~0u, true}, {least, least, least, 1e30f});
-  EXPECT_NEAR(v.x * v.x + v.y * v.y + v.z * v.z, 1, 1e-6);
-  EXPECT_TRUE(std::isnan(sun({}, {0, 0, 0, HUGE_VALF}).x));
+  expectNear(Tool::get_sun_direction(0, 1.5707963267948966), {-1, 0, 0});
 }
