@@ -1,6 +1,7 @@
 // uxs_array, uxs_reference, uxs_autoptr and SmallVector.
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <new>
 #include <vector>
 
 #include "tests/helpers/vtable_slot.h"
@@ -83,11 +84,10 @@ TEST(Array, FailureIsReportedAndChangesNothing) {
   EXPECT_EQ(a.copy(numbers(9), 0, 9), 0u);
   EXPECT_EQ(a.copy(numbers(3), 0, 3), 0u);
   EXPECT_EQ(contents(a), (Numbers{5, 5, 6, 7}));
-  struct Huge {
-    char bytes[1ull << 32];
+  struct Unavailable {
+    Unavailable() { throw std::bad_alloc(); }
   };
-  uxs_array<Huge, unsigned int> huge;
-  EXPECT_FALSE(huge.reserve(0xFFFFFFFF));
+  EXPECT_FALSE((uxs_array<Unavailable, unsigned int>().reserve(3)));
 }
 
 TEST(Reference, TheLastDecrementDeletesButForTheFinalRenderer) {

@@ -48,7 +48,7 @@ unsigned int VertexFinder::firstAt(unsigned int vertex) {
   const Mesh::Position& p = entry(mVertices, vertex);
   unsigned int* slot = &slotOf(p);
   if (*slot != kFree) return *slot;
-  if (p != p) return vertex;
+  if (p != p) return vertex;  // NOLINT(misc-redundant-expression): a NaN
   if (2 * ++mTaken > mSlots.size()) {
     grow();
     slot = &slotOf(p);
