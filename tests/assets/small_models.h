@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cmath>
+#include <cstdio>
 #include <gtest/gtest.h>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 #include "assets/import_check.h"
@@ -46,9 +48,13 @@ inline SourceModel arm() {
 
 /// Writes the animation file, reads it back through the library and compares.
 inline assets::ImportCheck checkThroughFile(const assets::ImportedModel& model) {
-  const std::string file = testing::TempDir() + "vexa_import_check.amo";
+  // Cases run side by side, each in a process of its own.
+  const std::string file =
+      testing::TempDir() + "vexa_import_check_" + std::to_string(getpid()) + ".amo";
   assets::writeAnimationFile(model.animation, file);
-  return assets::verifyImport(model, file, model.mesh.points);
+  const assets::ImportCheck check = assets::verifyImport(model, file, model.mesh.points);
+  std::remove(file.c_str());
+  return check;
 }
 
 }  // namespace vexa::tests
