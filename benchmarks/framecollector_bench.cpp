@@ -168,40 +168,35 @@ void deriveLiterally(const UXS::Mesh& inRest, const std::vector<Point>& inPositi
   for (unsigned t = 0; t < count; ++t) materials[t] = inRest.GetTriangleMaterialID(t);
   std::stable_sort(order.begin(), order.end(),
                    [&](unsigned a, unsigned b) { return materials[a] < materials[b]; });
-  tests::Triangles triangles(count);
+  std::vector<UXS::Mesh::Corners> triangles(count);
   std::vector<UXS::Mesh::CornerUVs> uv(count);
-  std::vector<UXS::Mesh::CornerPositions> cornerNormals;
-  std::vector<Point> normals, angles;
-  const auto angle = [](const Point& p, const Point& a, const Point& b) {
-    const Point u = a - p, v = b - p;
-    const float lengths =
-        std::sqrt((u.x * u.x + u.y * u.y + u.z * u.z) * (v.x * v.x + v.y * v.y + v.z * v.z));
-    return std::acos((u.x * v.x + u.y * v.y + u.z * v.z) / lengths);
-  };
+  std::vector<UXS::Mesh::CornerPositions> normals;
+  std::vector<Point> angles;
   Point least = inPositions[0], most = least;
   for (unsigned t = 0; t < count; ++t) {
     triangles[t] = inRest.GetTrianglesArray()[order[t]];
     uv[t] = inRest.GetTriangleUVCoords(order[t]);
     if (t == 0 || materials[order[t]] != materials[order[t - 1]]) sections.push_back(t);
-    normals.push_back(tests::faceNormal(inPositions, triangles[t]));
-    cornerNormals.emplace_back(normals[t], normals[t], normals[t]);
-    const Point corners[] = {inPositions[triangles[t].x], inPositions[triangles[t].y],
-                             inPositions[triangles[t].z]};
-    angles.emplace_back(angle(corners[0], corners[1], corners[2]),
-                        angle(corners[1], corners[2], corners[0]),
-                        angle(corners[2], corners[0], corners[1]));
-    for (const Point& p : corners) {
+    for (const unsigned v : {triangles[t].x, triangles[t].y, triangles[t].z}) {
+      const Point& p = inPositions[v];
       least = {std::min(least.x, p.x), std::min(least.y, p.y), std::min(least.z, p.z)};
       most = {std::max(most.x, p.x), std::max(most.y, p.y), std::max(most.z, p.z)};
     }
   }
-  const tests::Lists lists = tests::listTriangles(inPositions.size(), triangles);
-  benchmark::DoNotOptimize(tests::walkEdges(triangles, normals, lists));
-  benchmark::DoNotOptimize(tests::walkGroups(triangles, sections, lists));
+  const tests::Walks walks(inPositions, triangles);
+  for (unsigned t = 0; t < count; ++t) {
+    const auto& [a, b, c] = triangles[t];
+    normals.emplace_back(walks.mNormals[t], walks.mNormals[t], walks.mNormals[t]);
+    const Point &p0 = inPositions[a], &p1 = inPositions[b], &p2 = inPositions[c];
+    const float angle0 = walks.angle(p1 - p0, p2 - p0), angle1 = walks.angle(p0 - p1, p2 - p1);
+    angles.emplace_back(angle0, angle1, 3.1415927f - angle0 - angle1);
+  }
+  benchmark::DoNotOptimize(walks.edges());
+  benchmark::DoNotOptimize(walks.groups(sections));
   benchmark::DoNotOptimize(least);
   benchmark::DoNotOptimize(most);
   benchmark::DoNotOptimize(angles.data());
-  benchmark::DoNotOptimize(cornerNormals.data());
+  benchmark::DoNotOptimize(normals.data());
 }
 
 template <class Collector>
