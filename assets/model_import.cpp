@@ -9,6 +9,7 @@
 #include "assets/model_check.h"
 #include "assets/model_pose.h"
 #include "assets/model_reader.h"
+#include "assets/model_travel.h"
 #include "assets/rest_mesh_internal.h"
 
 namespace vexa::assets {
@@ -203,14 +204,20 @@ ImportedModel importModel(SourceModel model, const ImportOptions& options) {
   }
   checkModel(model);
   requireAnimation(model);
+  const Matrix toUpright = worldToUpright(model, options.up);
+  const Matrix toHost = uprightToHost() * toUpright;
+  if (options.travel != Oru::TVector3D<double>()) {
+    const auto& t = options.travel;
+    const auto inWorld = toHost.invert() * Norvel::Vexa::ux_vect3<double>(t.x, t.y, t.z);
+    addTravel(model, {inWorld.x, inWorld.y, inWorld.z});
+  }
   ImportedModel result;
   result.notes = model.notes;
   result.reference.clips = chooseClips(model, options, result.notes);
   result.reference.framesPerSecond = options.framesPerSecond;
   result.takes = takesOf(model, result.reference.clips, options.framesPerSecond);
 
-  const Matrix toUpright = worldToUpright(model, options.up);
-  result.reference.toHost = uprightToHost() * toUpright;
+  result.reference.toHost = toHost;
   RestMesh rest = buildRestMesh(model, result.reference.toHost, result.notes);
   requireSize(result.takes, model.nodes.size(), rest.joints.size(), options.largestAnimation);
   noteStillness(model, result.reference.clips, rest.joints, result.notes);

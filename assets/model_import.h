@@ -26,6 +26,8 @@ struct ImportOptions {
   /// How densely clips are sampled, 1 to 1000.
   int framesPerSecond = 30;
   UpAxis up = UpAxis::AsStated;
+  /// How far each take leads away, evenly, in host space; for clips that walk in place.
+  Oru::TVector3D<double> travel;
   /// Bytes that the animation file may have.
   std::uint64_t largestAnimation = std::uint64_t{1} << 30;
   ChildLimits limits;

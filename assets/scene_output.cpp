@@ -74,7 +74,7 @@ PathDrawing drawingOf(const refhost::Path& path) {
   return drawing;
 }
 
-/// Everything that moves: values that are positions, and instances.
+/// Everything that moves: values that are positions, and instances; of a walker its anchor.
 std::vector<Track> emptyTracks(const refhost::Scene& scene) {
   std::vector<Track> tracks;
   for (const auto& value : scene.mProperties) {
@@ -92,8 +92,12 @@ void extendTracks(const ScenePlayer& player, std::vector<Track>& ioTracks) {
     const double* p = player.samples()[i].mValue.mVector;
     ioTracks[next++].mPositions.push_back({p[0], p[1], p[2]});
   }
-  for (const auto& instance : player.scene().mInstances.mElements) {
-    ioTracks[next++].mPositions.push_back(instance.mPosition);
+  const auto& instances = player.scene().mInstances.mElements;
+  for (std::size_t i = 0; i < instances.size(); ++i) {
+    const bool walks = std::any_of(values.begin(), values.end(), [i](const auto& value) {
+      return value.mPropertyType == UxZel::kPropertyAnimatedWalk && value.mInstance == i;
+    });
+    ioTracks[next++].mPositions.push_back(walks ? instances[i].mAnchor : instances[i].mPosition);
   }
 }
 

@@ -14,6 +14,7 @@ struct Options {
   std::string model;
   std::string stem;
   assets::ImportOptions import;
+  std::vector<double> travel = {0, 0};
 };
 
 assets::ImportedModel importOrSayWhichFile(const Options& options) {
@@ -55,8 +56,17 @@ void addImport(CLI::App& app) {
   command->add_option("--fps", options->import.framesPerSecond, "frames per second")
       ->check(CLI::Range(1, 1000))
       ->capture_default_str();
+  command
+      ->add_option("--travel", options->travel,
+                   "X,Y: how far each take leads, for clips that "
+                   "walk in place")
+      ->expected(2)
+      ->delimiter(',');
   command->footer("Example: vexa import bison.x --clip Walk --out walk");
-  command->callback([options] { importModelFile(*options); });
+  command->callback([options] {
+    options->import.travel = {options->travel[0], options->travel[1], 0};
+    importModelFile(*options);
+  });
 }
 
 }  // namespace vexa::cli

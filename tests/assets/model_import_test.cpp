@@ -192,6 +192,16 @@ TEST(ModelImport, TakesAreTheChosenClipsFromZeroToTheirLastKey) {
             "it has no clip 'run'; its clips are 'bend', 'slow', 'nothing'");
 }
 
+TEST(ModelImport, AClipInPlaceIsLedAwayEvenly) {
+  ImportOptions options;
+  options.travel = {3, -6, 0};
+  const ImportedModel model = importModel(arm(), options);
+  expectNear(model.reference.pose(0, 0)[2], {0, -1, 2});
+  expectNear(model.reference.pose(0, 10)[0], {1, -2, 0});
+  expectNear(model.reference.pose(0, 30)[2], {-1 + 3, -1 - 6, 1});
+  EXPECT_LT(checkThroughFile(model).largestDifference, 1e-6);
+}
+
 TEST(ModelImport, WhatCannotBeImportedIsRefusedWithAReason) {
   using Damage = std::function<void(SourceModel&, ImportOptions&)>;
   const std::vector<std::pair<std::string, Damage>> cases = {

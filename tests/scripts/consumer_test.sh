@@ -13,9 +13,10 @@ prefix=$scratch/prefix
 cmake --install "$build" --prefix "$prefix" >/dev/null
 
 cmake -S "$here/consumer" -B "$scratch/client" -DCMAKE_PREFIX_PATH="$prefix" \
-      -DCMAKE_CXX_COMPILER="$cxx" >/dev/null
+      -DCMAKE_CXX_COMPILER="$cxx" -DREADME="$here/../../README.md" >/dev/null
 cmake --build "$scratch/client" >/dev/null
 "$scratch/client/client"
+"$scratch/client/first" | grep -q '^ 50 0.5000$'
 
 libdir=$(dirname "$(find "$prefix" -name vexa.pc)")
 export PKG_CONFIG_PATH=$libdir
