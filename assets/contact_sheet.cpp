@@ -2,11 +2,14 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 
 #include "assets/Canvas.h"
 
 namespace vexa::assets {
 namespace {
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 using Vec3 = Oru::TVector3D<double>;
 
@@ -73,7 +76,7 @@ std::vector<Face> facesOf(const std::vector<MovingMesh>& meshes, std::size_t fra
 
 /// From what the camera sees to a picture of the sheet.
 struct View {
-  double lowX = INFINITY, lowY = INFINITY, highX = -INFINITY, highY = -INFINITY;
+  double lowX = kInfinity, lowY = kInfinity, highX = -kInfinity, highY = -kInfinity;
 
   void include(const Vec3& p) {
     if (!isFinite(p)) return;

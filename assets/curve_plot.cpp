@@ -3,9 +3,12 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <limits>
 
 namespace vexa::assets {
 namespace {
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 constexpr double kWidth = 760, kPlotHeight = 170;
 constexpr double kLeft = 90, kRight = 20, kTop = 30, kBottom = 25, kStrip = 12;
@@ -19,7 +22,7 @@ std::string shortNumber(double value) {
 
 /// Lowest and highest finite value of all series; never equal.
 std::pair<double, double> rangeOf(const CurvePlot& plot) {
-  double low = INFINITY, high = -INFINITY;
+  double low = kInfinity, high = -kInfinity;
   for (const Series& series : plot.mSeries) {
     for (const double value : series.mValues) {
       if (!std::isfinite(value)) continue;

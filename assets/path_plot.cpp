@@ -3,11 +3,14 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <limits>
 
 #include "assets/Canvas.h"
 
 namespace vexa::assets {
 namespace {
+
+constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 using Points = std::vector<UxZel::CZelPoint>;
 
@@ -34,7 +37,7 @@ class View {
   double y(const UxZel::CZelPoint& p) const { return kSide - kMargin - (p.y - mLow.y) * scale(); }
 
  private:
-  UxZel::CZelPoint mLow{INFINITY, INFINITY, 0}, mHigh{-INFINITY, -INFINITY, 0};
+  UxZel::CZelPoint mLow{kInfinity, kInfinity, 0}, mHigh{-kInfinity, -kInfinity, 0};
 };
 
 void drawPolyline(Canvas& canvas, const View& view, const Points& points, double width) {

@@ -1,4 +1,5 @@
 #include <cstdio>
+#include <map>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -56,6 +57,10 @@ void addImport(CLI::App& app) {
   command->add_option("--fps", options->import.framesPerSecond, "frames per second")
       ->check(CLI::Range(1, 1000))
       ->capture_default_str();
+  const std::map<std::string, assets::UpAxis> axes = {{"y", assets::UpAxis::Y},
+                                                      {"z", assets::UpAxis::Z}};
+  command->add_option("--up", options->import.up, "the model's upward axis, whatever its file says")
+      ->transform(CLI::CheckedTransformer(axes));
   command
       ->add_option("--travel", options->travel,
                    "X,Y: how far each take leads, for clips that "

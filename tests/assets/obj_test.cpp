@@ -44,7 +44,7 @@ TEST(Obj, EveryFloatComesBackAsItWas) {
   }
   EXPECT_TRUE(std::isnan(back.points.back().x));
   ASSERT_EQ(back.triangles.size(), 2u);
-  for (int t = 0; t < 2; ++t) EXPECT_TRUE(sameBits(back.triangles[t], model.triangles[t]));
+  for (unsigned t = 0; t < 2; ++t) EXPECT_TRUE(sameBits(back.triangles[t], model.triangles[t]));
   EXPECT_TRUE(back.materials.empty());
 }
 
