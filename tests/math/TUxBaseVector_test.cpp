@@ -26,7 +26,8 @@ TYPED_TEST(BaseVector, TheTinyCountsAsZeroAndUnitLengthIsLeftAlone) {
                                    {V(2 * small, 0, 0), V(1, 0, 0)},
                                    {V(1, almost, 0), V(1, almost, 0)},
                                    {V(3, 0, 4), V(3 * fifth, 0, 4 * fifth)}};
-  for (const auto& [v, unit] : cases) {
+  for (const auto& each : cases) {
+    const auto &v = each.first, &unit = each.second;
     EXPECT_TRUE(sameBits(!v, TUxUnitVector<T>(unit))) << v.x;
     const bool isZero = !unit.not_null();
     EXPECT_EQ(v.length() == 0, isZero) << v.x;

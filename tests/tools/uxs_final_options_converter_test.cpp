@@ -86,7 +86,8 @@ TEST(FinalOptions, NoNumberLeavesTheTables) {
   std::iota(numbers.begin() + 1, numbers.end(), -1);
   for (const int n : numbers) {
     for (const int m : numbers) {
-      const int level = encoded(unsigned(n), unsigned(m), n), read = levelsOf(2, n, m)[4];
+      const int level = encoded(unsigned(n), unsigned(m), n),
+                read = levelsOf(2, unsigned(n), unsigned(m))[4];
       const int value = decoded(unsigned(n), {1, 1, 1, 1, m})[4];
       EXPECT_TRUE(1 <= level && level <= 6 && (read == 9 || read <= 4));
       EXPECT_TRUE(value == m || (1 <= value && value <= 125));
