@@ -50,9 +50,6 @@ TEST(KeyFrameTool, DatesGoBothWays) {
   EXPECT_EQ(secondsOf(timeOf(2024, 2, 29, 23, 59)), 1709251140);
   expectTime(timeAt(1709251140 + 59), 2024, 2, 29, 23, 59);  // seconds are dropped
   expectTime(timeAt(-1), 1969, 12, 31, 23, 59);
-  const auto value = CKeyFrameTool::ComputeValue(timeOf(2024, 1, 1, 0, 0));
-  EXPECT_EQ(value.mVector[1], 0);
-  EXPECT_EQ(value.mVector[2], 0);
 }
 
 TEST(KeyFrameTool, FieldsOutsideTheCalendarCarryOver) {
@@ -68,12 +65,10 @@ TEST(KeyFrameTool, ADateWithoutACalendarYearSetsNothing) {
 }
 
 TEST(KeyFrameTool, OneComparisonSaysTheOppositeOfItsName) {
-  const auto a = realKey(0, 1.5), b = realKey(9, 1.5), c = realKey(0, -1.5);
+  auto a = realKey(0, 1.5), b = realKey(9, 1.5);
   EXPECT_FALSE(CKeyFrameTool::AreKeyFrameDifferents(a, b));
-  EXPECT_TRUE(CKeyFrameTool::AreKeyFrameDifferents(a, c));
   EXPECT_TRUE(CKeyFrameTool::AreValueDifferents(a.mValue, b.mValue));  // required
-  EXPECT_FALSE(CKeyFrameTool::AreValueDifferents(a.mValue, c.mValue));
-  auto last = a.mValue;
-  last.mBytes[23] = 1;
-  EXPECT_FALSE(CKeyFrameTool::AreValueDifferents(a.mValue, last));
+  b.mValue.mBytes[23] = 1;
+  EXPECT_TRUE(CKeyFrameTool::AreKeyFrameDifferents(a, b));
+  EXPECT_FALSE(CKeyFrameTool::AreValueDifferents(a.mValue, b.mValue));
 }

@@ -37,14 +37,6 @@ TEST(Path, CanLackItsListAndCanBeClosed) {
   EXPECT_EQ(static_cast<const UxZel::IZel3DPath&>(path).GetBezierPoints(), nullptr);
 }
 
-TEST(Key, HoldsItsValueInTheBytesOfItsType) {
-  EXPECT_EQ(vectorKey(1, 2, 3, 4).mValue.mVector[2], 4);
-  EXPECT_EQ(colorKey(1, 2, 3, 4, 5).mValue.mColor[3], 5);
-  EXPECT_EQ(colorKey(1, 2, 3, 4, 5).mValue.mBytes[4], 0);
-  EXPECT_EQ(dateKey(1, -5).mValue.mDate, -5);
-  EXPECT_EQ(stepKey(7, 9).GetFrame(), 7);
-}
-
 // The library keeps the address of an animated object; everything else may move with its list.
 TEST(Scene, MovesWithoutMovingAnimatedObjects) {
   Scene scene;
