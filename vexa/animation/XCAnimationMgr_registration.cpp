@@ -67,10 +67,8 @@ void addTriangle(UXS::Mesh::Editor& editor, const UxZel::IZelPolygon& polygon, i
                              {{c[0].mU, c[0].mV}, {c[1].mU, c[1].mV}, {c[2].mU, c[2].mV}});
 }
 
-std::unique_ptr<UXS::Mesh> buildMesh(const UxZel::TZelObjectMgr<UxZel::CZelPoint>& points,
-                                     const UxZel::TZelObjectMgr<UxZel::IZelPolygon>& polygons) {
-  auto mesh = std::make_unique<UXS::Mesh>();
-  UXS::Mesh::Editor editor(*mesh, false);
+void fill(UXS::Mesh::Editor& editor, const UxZel::TZelObjectMgr<UxZel::CZelPoint>& points,
+          const UxZel::TZelObjectMgr<UxZel::IZelPolygon>& polygons) {
   unsigned int pointCount = 0;
   for (int i = 0, count = points.GetCount(); i < count; ++i, ++pointCount) {
     const UxZel::CZelPoint& p = *points.GetAt(i);
@@ -78,6 +76,20 @@ std::unique_ptr<UXS::Mesh> buildMesh(const UxZel::TZelObjectMgr<UxZel::CZelPoint
   }
   for (int i = 0, count = polygons.GetCount(); i < count; ++i) {
     addTriangle(editor, *polygons.GetAt(i), i, pointCount);
+  }
+}
+
+/// Commits within its own scope: where memory runs out the caller gets to know.
+std::unique_ptr<UXS::Mesh> buildMesh(const UxZel::TZelObjectMgr<UxZel::CZelPoint>& points,
+                                     const UxZel::TZelObjectMgr<UxZel::IZelPolygon>& polygons) {
+  auto mesh = std::make_unique<UXS::Mesh>();
+  UXS::Mesh::Editor editor(*mesh, false);
+  try {
+    fill(editor, points, polygons);
+    editor.Commit();
+  } catch (...) {
+    editor.Abandon();
+    throw;
   }
   return mesh;
 }
