@@ -33,10 +33,14 @@ namespace {
 
 /// A scene of walkers whose instances are registered.
 struct Stage {
-  explicit Stage(Scene scene, bool registered = true) : mScene(std::move(scene)) {
+  /// `turn` is the angle from +X to the way that the walkers stride.
+  explicit Stage(Scene scene, bool registered = true, double turn = 0) : mScene(std::move(scene)) {
     const vexa::tests::ScratchDirectory scratch;
     const std::string file = scratch / "walker.amo";
-    writeAnimationFile(vexa::assets::walkerAnimation(), file);
+    vexa::assets::AnimationFile animation = vexa::assets::walkerAnimation();
+    const double c = std::cos(turn), s = std::sin(turn);
+    animation.mGlobal = {c, 0, s, 0, -s, 0, c, 0, 0, 1, 0, 0, 0, 0, 0, 1};
+    writeAnimationFile(animation, file);
     for (std::size_t i = 0; registered && i < mScene.mInstances.mElements.size(); ++i) {
       registerInstance(mManager, mScene, i, file);
     }
@@ -85,7 +89,9 @@ TEST(Driving, ShowsTheTakeFrame) {
   stage.take().mFrameRate = 50;  // half as long, stretched over the same 25 host frames
   EXPECT_EQ(stage.driven(10).mInteger, 8) << "10 of 25 is 4 of 12, at 2 take frames each";
   Property& value = stage.mScene.mProperties[0];
-  value.mRepeatCount = 0;
+  value.mRepeatCount = 2;
+  EXPECT_EQ(stage.driven(60).mInteger, 6);
+  value.mRepeatCount = 1;
   EXPECT_EQ(stage.driven(60).mInteger, kWalkerFrames - 1) << "repeats used up: the second key's";
   value.mRepeatCount = 1000;
   value.mCyclic = false;
@@ -131,10 +137,13 @@ TEST(Driving, AnchorOfAnObject) {
   EXPECT_EQ(anchor().z, 0) << "not registered";
 }
 
+class WalkingAnyWay : public testing::TestWithParam<double> {};
+INSTANTIATE_TEST_SUITE_P(Turns, WalkingAnyWay, testing::Values(0.0, 2.5, -1.2));
+
 // The picture: whatever the frame, the anchor stands on the path and the walker faces along it.
-TEST(Walking, TheAnchorStaysOnACircleForTwoHundredFrames) {
-  const double radius = 10;
-  Stage stage(scenes::walk(scenes::circlePath(radius), 1, 1000));
+TEST_P(WalkingAnyWay, TheAnchorStaysOnACircleForTwoHundredFrames) {
+  const double radius = 10, turn = GetParam();
+  Stage stage(scenes::walk(scenes::circlePath(radius), 1, 1000), true, turn);
   stage.take().mElevation = 0.25;
   const Norvel::Vexa::XCZELPathInfo info(&stage.mScene.mPaths.mElements[0]);
   const Norvel::Vexa::XC3DPath path(&info);
@@ -152,15 +161,16 @@ TEST(Walking, TheAnchorStaysOnACircleForTwoHundredFrames) {
     worst =
         std::max(worst, horizontalDistance(anchor, {double(expected.x), double(expected.y), 0}));
     EXPECT_NEAR(anchor.z, 0.25 + 0.8, 1e-6);
-    // The walker's own +X and the direction are the tangent: a quarter turn left of the radius.
-    const Point front = stage.vertexAt(1, shown);
-    for (const auto& [x, y] :
-         {std::pair(front.x - anchor.x, front.y - anchor.y), std::pair(direction.x, direction.y)}) {
+    // Its stride and the direction are the tangent: a quarter turn left of the radius.
+    const Point first = stage.vertexAt(0, 0), last = stage.vertexAt(0, 24);
+    const std::pair<double, double> ahead[] = {{last.x - first.x, last.y - first.y},
+                                               {direction.x, direction.y}};
+    for (const auto& [x, y] : ahead) {
       EXPECT_NEAR(x * anchor.x + y * anchor.y, 0, radius * std::hypot(x, y) / 400);
       EXPECT_GT(y * anchor.x - x * anchor.y, 0);
     }
   }
-  EXPECT_LT(worst, 1e-12) << "the point of the path itself, taken in double";
+  EXPECT_LT(worst, 5e-6) << "a rounding or two of the way covered, as a float";
   EXPECT_NEAR(covered, 8 * kWalkerStride + kWalkerStride / 24, 1e-12);
 }
 

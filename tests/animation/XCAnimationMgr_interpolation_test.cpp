@@ -206,8 +206,10 @@ TEST(InterpolateValue, EveryFaultGivesZeroAndALine) {
 // Three passes from 0 to 10: the first as the keys say, later frames one behind.
 TEST(InterpolateValue, FoldsCyclesOneFrameBehind) {
   const Property pulse = scenes::lamp().mProperties[5];
+  EXPECT_EQ(realAt(pulse, 10), 1);
   EXPECT_EQ(realAt(pulse, 15), 0.4);
   EXPECT_EQ(realAt(pulse, 20), 0) << "folds to -1, before the first key";
+  EXPECT_EQ(realAt(pulse, 29), 0.8) << "linear keys stay linear";
   EXPECT_EQ(realAt(pulse, 31), 1) << "past the last pass";
   // The remainder is that of the frame itself, not of its distance from the first key.
   const Property late = cyclic({realKey(7, 0), realKey(17, 10)}, 3);
@@ -226,6 +228,9 @@ TEST(InterpolateValue, ForcesTheCurveByPass) {
   EXPECT_NEAR(realAt(eased, 29), 1 - square, 1e-7);
   EXPECT_NEAR(realAt(cyclic({realKey(0, 0, kSinus), realKey(10, 1)}, 0), 8), 1 - square, 1e-7)
       << "no pass, no square";
+  Scene scene;
+  EXPECT_EQ(ask(scene, cyclic({dateKey(0, -100), dateKey(10, -201)}, 3), 5).mValue.mDate, -150)
+      << "dates keep their curve";
   const Property once = cyclic({realKey(3, 0, kSinus), realKey(3, 1)}, 3);
   EXPECT_EQ(realAt(once, 9), 0) << "a span of 0 is not cyclic; the first of equal keys holds";
 }

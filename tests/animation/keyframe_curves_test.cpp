@@ -139,6 +139,11 @@ TEST(KeyCurves, DateCurve) {
   constexpr std::int64_t kFar = (std::int64_t{1} << 33) + 5;
   EXPECT_EQ(between(Daterp, dateKey(3, kFar), dateKey(3, 0), 3).mDate, 5);
   EXPECT_EQ(between(Daterp, dateKey(0, kFar), dateKey(9, kFar), 3).mDate, -2147483648LL);
+  Key first = dateKey(1 << 24, 0), second = dateKey((1 << 24) + 1, 1);
+  uValue out;
+  EXPECT_EQ(whatOf([&] { Daterp(&first, &second, 1 << 24, out); }),
+            "XCInterpolation::XCInterpolation - startTime superior to endtime")
+      << "the same frame as a float";
   const Key real = realKey(0, 2.5);
   EXPECT_TRUE(sameBits(between(Daterp, real, realKey(10, 3), 5), real.mValue));
 }

@@ -113,6 +113,7 @@ Walk walkOf(const Anchor& anchor, int takeFrame, int lastFrame) {
 /// The rotation about +Z that turns the direction of a walk to +Y.
 double rotationOf(const Walk& walk) {
   constexpr double kHalfPi = 1.5707963705062866;  // pi/2 as a float
+  // The square of a tiny stride loses digits: the quotient may pass 1.
   const float a = std::acos(std::clamp(walk.mDirectionX, -1.0f, 1.0f));
   return kHalfPi - static_cast<double>(walk.mDirectionY < 0 ? -a : a);
 }
