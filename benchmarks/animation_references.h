@@ -4,8 +4,8 @@
 
 namespace vexa::benchmarks {
 
-/// The calls that any search of the nearest keys must make; apart from the host, whose classes the
-/// compiler would see through here. The sum of the keys' frames.
+/// The calls that any search of the nearest keys must make, from a library of its own: beside the
+/// host, the compiler would see through its classes. The sum of the keys' frames.
 int sumOfKeyFrames(const UxZel::IZelInterpolatedValue& value);
 
 }  // namespace vexa::benchmarks
