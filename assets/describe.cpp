@@ -194,7 +194,8 @@ void describeObject(const refhost::Definition& definition, Description& ioDescri
     if (object.mTakes.mElements.size() > file.mFrameCounts.size()) {
       faults.push_back(name + "more takes than the animation file has");
     }
-    for (const auto& fault : describeAnimation(file)["faults"]) {
+    const Description animation = describeAnimation(file);
+    for (const auto& fault : animation["faults"]) {
       faults.push_back(name + fault.get<std::string>());
     }
   } catch (const std::runtime_error& error) {
