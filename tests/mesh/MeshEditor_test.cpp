@@ -22,7 +22,7 @@ struct NaiveMesh {
   };
   std::vector<Position> mVertices;
   std::vector<sRecord> mRecords;
-  std::vector<unsigned int> mSections;
+  std::vector<unsigned int> mSections, mGroups;
   bool mHasUV = false, mHasNormals = false;
 
   std::vector<Corners> triangles() const {
@@ -70,8 +70,10 @@ struct NaiveMesh {
   void commit(bool isFull) {
     if (isFull) sort();
     mHasUV = mHasUV && !mRecords.empty();
-    if (mHasNormals && !mRecords.empty()) return;
     const Walks walks(mVertices, triangles());
+    if (isFull) mGroups = walks.groups(mSections);
+    mGroups.resize(mRecords.size(), Mesh::Impl::kNoGroup);
+    if (mHasNormals && !mRecords.empty()) return;
     for (std::size_t t = 0; t < mRecords.size(); ++t) {
       mRecords[t].mNormals = {walks.mNormals[t], walks.mNormals[t], walks.mNormals[t]};
     }
@@ -182,6 +184,7 @@ void expectSame(const Mesh& mesh, const NaiveMesh& model, bool isFull) {
   for (unsigned int t = 0; t < model.mRecords.size(); ++t) {
     const NaiveMesh::sRecord& r = model.mRecords[t];
     ASSERT_EQ(mesh.GetTriangleMaterialID(t), r.mMaterial);
+    ASSERT_EQ(mesh.GetTriangleGroupID(t), model.mGroups[t]);
     ASSERT_TRUE(!model.mHasUV || same(mesh.GetTriangleUVCoords(t), r.mUV));
     ASSERT_TRUE(same(mesh.GetTriangleSmoothNormals(t), r.mNormals));
     ASSERT_TRUE(same(mesh.GetTriangleNormal(t), walks.mNormals[t]));
@@ -191,8 +194,6 @@ void expectSame(const Mesh& mesh, const NaiveMesh& model, bool isFull) {
     }
   }
   if (!isFull) return;
-  const std::vector<unsigned int> groups = walks.groups(model.mSections);
-  for (unsigned int t = 0; t < groups.size(); ++t) ASSERT_EQ(mesh.GetTriangleGroupID(t), groups[t]);
   ASSERT_EQ(mesh.GetSectionsCount(), model.mSections.size());
   ASSERT_TRUE(same(mesh.GetAABB(), boxes[4]));
   for (unsigned int m = 0; m < 4; ++m) ASSERT_TRUE(same(mesh.GetMaterialAABB(m), boxes[m]));

@@ -121,6 +121,7 @@ void Mesh::Impl::ProcessLightWeight() {
   const VertexTriangles around(mTriangles, mVertices.size());
   fillFlatNormals(data);
   fillEdges(data, around, around);
+  mGroupIDs.resize(mTriangles.size(), kNoGroup);
 }
 
 void Mesh::Impl::FitTriangleArrays() {

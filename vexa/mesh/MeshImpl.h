@@ -50,7 +50,8 @@ struct VEXA_EXPORT Mesh::Impl {
 
   /// Derives everything from vertices, triangles and what is given per triangle.
   void Process();
-  /// Derives the edges, and the normals if there are none; leaves the rest as it was.
+  /// Derives the edges, and the normals if there are none; leaves the rest as it was. Triangles
+  /// added since the groups were made have kNoGroup.
   void ProcessLightWeight();
 
   /// Makes the arrays that have an entry per triangle as long as the triangles: short ones are
