@@ -22,23 +22,7 @@ void fillFold(Mesh::Impl& outMesh, float degrees) {
   outMesh.mTriangles = {{0, 1, 2}, {0, 1, 3}};
 }
 
-/// By how much the normal of triangle 0 at vertex 0 is turned when smoothed.
-float turnOf(float fold, float angle) {
-  Mesh::Impl mesh;
-  fillFold(mesh, fold);
-  const Position n =
-      mesh.ProcessTriangleSmoothNormal(0, 0, angle, MeshSmoothData(mesh), MeshSmoothList(mesh));
-  return std::atan2(-n.y, n.z) / kDegree;
-}
-
 }  // namespace
-
-TEST(MeshProcessing, FacesWithinTheAngleAreSmoothed) {
-  EXPECT_NEAR(turnOf(20, 30), 10, 1e-3);
-  EXPECT_NEAR(turnOf(40, 30), 0, 1e-3);
-  EXPECT_NEAR(turnOf(190, 30), 5, 1e-3) << "counts reversed";
-  EXPECT_EQ(turnOf(20, 0), 0);
-}
 
 TEST(MeshProcessing, SmoothNormalsAreThoseOfTheWalk) {
   for (unsigned int seed = 0; seed < 100; ++seed) {
@@ -70,17 +54,6 @@ TEST(MeshProcessing, TablesCanBeMadeOfAFewTriangles) {
   const MeshSmoothList list(mesh, {2, 1});
   EXPECT_EQ(std::vector<unsigned int>(list[3].begin(), list[3].end()),
             (std::vector<unsigned int>{2, 2, 1}));
-}
-
-TEST(MeshProcessing, ASquareHasFourEdgesAndFoldedFive) {
-  Mesh::Impl mesh;
-  mesh.mVertices = kSquare;
-  mesh.mTriangles = {{0, 1, 2}, {0, 2, 3}};
-  mesh.Process();
-  EXPECT_TRUE(same(mesh.mEdges, {{0, 1}, {1, 2}, {2, 3}, {3, 0}}));
-  mesh.mVertices[3].z = 0.5f;
-  mesh.ProcessLightWeight();
-  EXPECT_TRUE(same(mesh.mEdges, {{0, 1}, {1, 2}, {2, 0}, {2, 3}, {3, 0}}));
 }
 
 // Folds of 0.256 degrees, where the last bit of the product decides.

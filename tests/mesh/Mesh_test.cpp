@@ -2,19 +2,11 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/helpers/vtable_slot.h"
 #include "tests/mesh/mesh_fixtures.h"
 #include "vexa/tools/clock.h"
 
 using namespace UXS;
 using namespace vexa::tests;
-
-TEST(Mesh, SlotsAreThoseOfTheReference) {
-  EXPECT_EQ(slotOf(&Mesh::increment), 0);
-  EXPECT_EQ(slotOf(&Mesh::decrement), 1);
-  EXPECT_EQ(slotOf(&Mesh::Editor::increment), 0);
-  EXPECT_EQ(slotOf(&Mesh::LightWeightEditor::decrement), 1);
-}
 
 TEST(Mesh, ANewOneIsEmptyAndDatedNow) {
   const double before = get_time();

@@ -3,8 +3,6 @@
 #include <cmath>
 #include <cstring>
 #include <gtest/gtest.h>
-#include <map>
-#include <random>
 
 using namespace UXS;
 using V3 = Oru::TVector3D<float>;
@@ -72,26 +70,6 @@ TEST(Hashtable, TheNewestOfEqualKeysIsFound) {
   EXPECT_EQ(boxes.count(), 1u);
   boxes.clear();
   EXPECT_EQ(boxes.find(7), nullptr);
-}
-
-// 5,000 entries: past the first 1,024 cells, several to a bucket, a standard map beside them.
-TEST(Hashtable, AgreesWithAMapThroughGrowth) {
-  Positions table(64);
-  std::map<int, unsigned int> model;
-  std::mt19937 random(1);
-  for (unsigned int i = 0; i < 5000; ++i) {
-    const int key = static_cast<int>(random() % 3000);
-    table[{static_cast<float>(key), 0, 1}] = i;
-    model[key] = i;
-  }
-  EXPECT_EQ(table.count(), model.size());
-  for (int key = 0; key < 3000; ++key) {
-    const unsigned int* const found = table.find({static_cast<float>(key), 0, 1});
-    ASSERT_EQ(found != nullptr, model.count(key) == 1);
-    if (found != nullptr) {
-      EXPECT_EQ(*found, model[key]);
-    }
-  }
 }
 
 TEST(Hashtable, AFailedGrowthPointsTheBucketAtTheLastEntry) {
