@@ -69,12 +69,9 @@ double horizontalDistance(const Point& a, const Point& b) {
 /// The fault that ManageAnimatedObjectInstance names for frame 30.
 std::string faultOf(Stage& stage) {
   uValue result;
-  std::string text = stderrOf([&] { result = stage.driven(30); });
+  const std::string text = stderrOf([&] { result = stage.driven(30); });
   EXPECT_TRUE(sameBits(result, uValue{}));
-  const std::string before =
-      "XCAnimationMgr::ManageAnimatedObjectInstance - Caught an exception \"";
-  if (text.rfind(before, 0) != 0) return "unexpected: " + text;
-  return text.substr(before.size(), text.size() - before.size() - 2);
+  return vexa::tests::caughtText(text, "XCAnimationMgr::ManageAnimatedObjectInstance");
 }
 
 }  // namespace

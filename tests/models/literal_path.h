@@ -9,7 +9,7 @@
 #include "vexa/paths/XTPathInfo.h"
 
 /// The arc-length tables of a path word by word: one piece of one segment at a time. What the
-/// library computes four segments at once must have the same bits.
+/// library computes eight segments at once must have the same bits.
 namespace vexa::models {
 
 using V3 = UXS::uxs_generic_vec3<float>;

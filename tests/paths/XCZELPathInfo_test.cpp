@@ -55,6 +55,16 @@ TEST(PathInfo, ReadsThePointsAndSoDoesTheAgent) {
   EXPECT_FALSE(XCZELPathInfo(nullptr).getPathClosed());
 }
 
+// The offset is added in double: in float it would vanish beside the passage point.
+TEST(PathInfo, ControlPointsAreSummedInDouble) {
+  refhost::Path path = onePoint();
+  refhost::BezierPoint& point = path.mPoints.mElements[0];
+  point.mPassage.x = -1e8;
+  point.mBefore.x = point.mAfter.x = 1e8 + 0.5;
+  EXPECT_EQ(XCZELPathInfo(&path).getBeforeControlPointAt(0).x, 0.5f);
+  EXPECT_EQ(XCZELPathInfo(&path).getAfterControlPointAt(0).x, 0.5f);
+}
+
 // Calls an operation without a list, then for a point that is not there.
 template <class Reader, class Operation, class... Arguments>
 void expectTexts(const std::string& name, Operation operation, Arguments... arguments) {

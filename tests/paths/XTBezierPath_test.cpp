@@ -82,6 +82,11 @@ TEST(BezierPath, RefusesFractionsOutsideThePathAndPathsWithoutSegments) {
   BezierPath nowhere(nullptr);
   nowhere.createBezierCurve();
   EXPECT_THROW(nowhere.valueAt(0), std::out_of_range);
+  const XCZELPathInfo pathless(nullptr);
+  for (const XCZELPathInfo* info : {&pathless, static_cast<const XCZELPathInfo*>(nullptr)}) {
+    EXPECT_EQ(whatOf([&] { Norvel::Vexa::XC3DPath bezier(info); }),
+              "XC3DPath::XC3DPath - probleme path ! ");
+  }
 }
 
 // However many points it has.
@@ -123,17 +128,6 @@ TEST(BezierPath, BuildingAppendsAndAFailureLeavesTheSequencesInStep) {
   EXPECT_EQ(path.getProportions().size(), 6u);
   EXPECT_EQ(path.getProportions()[2], 1);
   EXPECT_EQ(path.getProportions()[5], 1);
-}
-
-// Equal fractions of a circle are equal angles.
-TEST(BezierPath, GoesRoundACircleAtConstantSpeed) {
-  const Ride ride(refhost::scenes::circlePath(2));
-  EXPECT_NEAR(ride.mPath.getTotalLength(), 4 * M_PI, 6e-3);
-  for (int i = 0; i < 64; ++i) {
-    const V3 place = ride.mPath.valueAt(float(i) / 64);
-    const double angle = std::atan2(double(place.y), double(place.x));
-    EXPECT_NEAR(angle < -1e-6 ? angle + 2 * M_PI : angle, i * 2 * M_PI / 64, 2e-3);
-  }
 }
 
 refhost::Path anyPath(const rc::Gen<double>& numbers) {
