@@ -215,7 +215,7 @@ namespace {
 
 /// Writes down, in order, what is set on an instance.
 struct Witness final : UxZel::IZelObjectInstance, UxZel::IZelAnimationState {
-  const UxZel::CZelUUID mNone;
+  const UxZel::CZelUUID mNone{};
   const double mScale[3] = {1, 1, 1};
   std::vector<std::string> mCalls;
 
