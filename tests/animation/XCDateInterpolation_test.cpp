@@ -8,7 +8,6 @@
 #include "tests/helpers/vtable_slot.h"
 
 using Norvel::Vexa::XCDateInterpolation;
-using vexa::tests::slotOf;
 using vexa::tests::whatOf;
 
 namespace {
@@ -86,9 +85,10 @@ TEST(DateInterpolation, RefusesBadTimesAndKeepsWhatItHas) {
   EXPECT_EQ(dates.getStartValue()->mDate, 4);
 }
 
-TEST(DateInterpolation, Slots) {
-  EXPECT_EQ(slotOf(&XCDateInterpolation::setEndTime), 5);
-  EXPECT_EQ(slotOf(&XCDateInterpolation::getStartValue), 6);
-  EXPECT_EQ(slotOf(&XCDateInterpolation::setEndValue), 9);
-  EXPECT_EQ(slotOf(&XCDateInterpolation::valueAt), 10);
+TEST(DateInterpolation, VirtualOperationsFollowTheDestructorsInOrder) {
+  using Dates = XCDateInterpolation;
+  EXPECT_TRUE(vexa::tests::standInOrderFrom(
+      2, &Dates::getStartTime, &Dates::getEndTime, &Dates::setStartTime, &Dates::setEndTime,
+      &Dates::getStartValue, &Dates::getEndValue, &Dates::setStartValue, &Dates::setEndValue,
+      &Dates::valueAt));
 }

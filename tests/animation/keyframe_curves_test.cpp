@@ -20,13 +20,13 @@ using Function = void (*)(UxZel::IZelKeyFrame*, UxZel::IZelKeyFrame*, int, uValu
 
 struct Curve {
   const char* mName;
-  int mCode;
   Function mFunction;
 };
-const Curve kCurves[] = {
-    {"Lerp", 0, Lerp},     {"Sqerp", 1, Sqerp},   {"OneMinSqerp", 2, OneMinSqerp},
-    {"Sinerp", 3, Sinerp}, {"Daterp", 5, Daterp},
-};
+const Curve kCurves[] = {{"Lerp", Lerp},
+                         {"Sqerp", Sqerp},
+                         {"OneMinSqerp", OneMinSqerp},
+                         {"Sinerp", Sinerp},
+                         {"Daterp", Daterp}};
 
 /// The value between two keys, on top of bytes that tell what was written.
 uValue between(Function curve, Key first, Key second, int frame) {
