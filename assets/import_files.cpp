@@ -1,7 +1,9 @@
 #include "assets/import_files.h"
 
+#include <cerrno>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <limits>
 #include <nlohmann/json.hpp>
@@ -61,6 +63,15 @@ Json sceneOf(const ImportedModel& model, const std::string& name) {
                {{"frame", first.frameCount}, {"value", first.frameCount - 1}}}}}}}};
 }
 
+/// Throws for names that are no UTF-8, which JSON cannot hold.
+std::string asText(const Json& scene, const std::string& stem) {
+  try {
+    return scene.dump(2) + "\n";
+  } catch (const Json::type_error&) {
+    throw std::runtime_error(stem + ": its name, or that of a take, is no UTF-8");
+  }
+}
+
 /// A folder that is gone, with all in it, at the end.
 class TemporaryFolder {
  public:
@@ -84,13 +95,20 @@ class TemporaryFolder {
   fs::path mPath;
 };
 
-void requireFaithful(const ImportCheck& check, const ImportedModel& model) {
+/// Renaming three files is not one step: what is sure to stop it is found beforehand.
+void requireFree(const fs::path& file) {
+  std::error_code ignored;
+  if (fs::is_directory(file, ignored)) throw std::runtime_error(file.string() + ": is a directory");
+}
+
+void requireFaithful(const ImportCheck& check, const ImportedModel& model,
+                     const std::string& file) {
   if (check.largestDifference <= kImportTolerance) return;
   char text[200];
   std::snprintf(text, sizeof(text),
                 "the runtime's pose is %.3g of the model's size off at vertex %zu, frame %zu of ",
                 check.largestDifference, check.vertex, check.frame);
-  throw std::runtime_error(text + ("take \"" + model.takes[check.take].name + "\""));
+  throw std::runtime_error(file + ": " + text + ("take \"" + model.takes[check.take].name + "\""));
 }
 
 }  // namespace
@@ -99,16 +117,17 @@ ImportFiles writeImport(const ImportedModel& model, const std::string& stem) {
   const fs::path target(stem);
   const std::string name = target.filename().string();
   if (name.empty()) throw std::runtime_error(stem + ": names no file");
-  const TemporaryFolder folder(target.parent_path());
   const std::string names[] = {name + ".amo", name + ".obj", name + ".json"};
+  for (const std::string& each : names) requireFree(target.parent_path() / each);
+  const TemporaryFolder folder(target.parent_path());
   const auto temporary = [&](int i) { return (folder.path() / names[i]).string(); };
 
   writeAnimationFile(model.animation, temporary(0));
   writeObj(temporary(1), model.mesh);
-  writeFile(temporary(2), sceneOf(model, name).dump(2) + "\n");
+  writeFile(temporary(2), asText(sceneOf(model, name), stem));
   ImportFiles result;
   result.mCheck = verifyImport(model, temporary(0), readObj(temporary(1)).points);
-  requireFaithful(result.mCheck, model);
+  requireFaithful(result.mCheck, model, stem);
 
   for (int i = 0; i < 3; ++i) {
     result.mFiles.push_back((target.parent_path() / names[i]).string());
