@@ -1,9 +1,12 @@
 #include "assets/ScenePlayer.h"
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <stdexcept>
 
+#include "assets/AnimationFile.h"
+#include "assets/read_file.h"
 #include "vexa/animation/CZelObjectInstanceTool.h"
 #include "vexa/mesh/Mesh.h"
 
@@ -36,11 +39,26 @@ const refhost::Path* pathOf(const refhost::Scene& scene, const Property& value) 
   return nullptr;
 }
 
+bool leans(const UxZel::CZelVector& v) { return v.x != 0 || v.y != 0 || v.z != 0; }
+
+/// Straight from passage to passage and along the control points: 0 only for a path of length 0.
+bool hasLength(const refhost::Path& path) {
+  const auto& points = path.mPoints.mElements;
+  const auto differs = [&](const refhost::BezierPoint& point) {
+    const UxZel::CZelPoint &p = point.mPassage, &q = points[0].mPassage;
+    return p.x != q.x || p.y != q.y || p.z != q.z || leans(point.mBefore) || leans(point.mAfter);
+  };
+  return std::any_of(points.begin(), points.end(), differs);
+}
+
 void checkPosition(const refhost::Scene& scene, const Property& value) {
   const refhost::Path* path = pathOf(scene, value);
   if (path == nullptr) refuse("value", value.mName, "names no path");
   if (path->mPoints.mElements.size() < 2) {
     refuse("value", value.mName, "follows a path of fewer than two points");
+  }
+  if (!isPosition(value) && !hasLength(*path)) {
+    refuse("value", value.mName, "walks along a path of length 0");
   }
   for (const refhost::Key& key : value.mKeys.mElements) {
     if (!isPosition(value) || (key.mValue.mReal >= 0 && key.mValue.mReal <= 1)) continue;
@@ -51,6 +69,10 @@ void checkPosition(const refhost::Scene& scene, const Property& value) {
 /// The manager answers a request that cannot be met with zeros; here it is refused beforehand.
 void checkValue(const refhost::Scene& scene, const Property& value) {
   if (value.mKeys.mElements.empty()) refuse("value", value.mName, "has no key");
+  const auto& keys = value.mKeys.mElements;
+  if (std::all_of(keys.begin(), keys.end(), [](const auto& key) { return key.mFrame < 0; })) {
+    refuse("value", value.mName, "has no key at a frame from 0 on");
+  }
   const bool needsTwo =
       drivesAnInstance(value) || value.mPropertyType == UxZel::kPropertyAnimatedFrameRate;
   if (needsTwo && value.mKeys.mElements.size() < 2) {
@@ -69,6 +91,21 @@ void checkValue(const refhost::Scene& scene, const Property& value) {
   if (object == nullptr || instance.mState.mTakeIndex >= object->mTakes.mElements.size()) {
     refuse("value", value.mName, "the object of instance \"" + instance.mName + "\" has no take");
   }
+}
+
+/// A take that the animation file lacks has no pose.
+void checkTakes(const refhost::Definition& definition) {
+  const refhost::AnimatedObject& object = *definition.mAnimatedObject;
+  const AnimationFile file = decodeAnimationFile(readFile(object.mAnimationFile));
+  if (object.mTakes.mElements.size() <= file.mFrameCounts.size()) return;
+  refuse("object", definition.mName, "more takes than the animation file has");
+}
+
+[[noreturn]] void refuseUnposed(const refhost::Scene& scene, const Instance& instance) {
+  const std::string& file =
+      scene.mDefinitions[instance.mDefinition].mAnimatedObject->mAnimationFile;
+  refuse(file + ": instance", instance.mName,
+         "a vertex is no finite point; is each linked to a node?");
 }
 
 /// An instance's placement in the world, through all that enclose it.
@@ -110,6 +147,12 @@ ScenePlayer::ScenePlayer(refhost::Scene scene)
   for (const Property& value : mScene.mProperties) checkValue(mScene, value);
   for (Instance& instance : mScene.mInstances.mElements) {
     if (instance.mDefinition != refhost::kNone) registerInstance(instance);
+  }
+  for (std::size_t i = 0; i < mScene.mDefinitions.size(); ++i) {
+    const auto& instances = mScene.mInstances.mElements;
+    const bool isShown = std::any_of(instances.begin(), instances.end(),
+                                     [i](const auto& each) { return each.mDefinition == i; });
+    if (isShown && mScene.mDefinitions[i].mAnimatedObject) checkTakes(mScene.mDefinitions[i]);
   }
   mSamples.resize(mScene.mProperties.size());
 }
@@ -177,7 +220,12 @@ void ScenePlayer::appendPoses(std::vector<MovingMesh>& ioMeshes) const {
     if (mesh == nullptr) continue;
     const Matrix toWorld = placementOf(mScene, instance).mToWorld;
     MovingMesh::Points points = mesh->GetVerticesArray();
-    for (auto& p : points) p = transformed(toWorld, p);
+    for (auto& p : points) {
+      p = transformed(toWorld, p);
+      if (!std::isfinite(p.x) || !std::isfinite(p.y) || !std::isfinite(p.z)) {
+        refuseUnposed(mScene, instance);
+      }
+    }
     ioMeshes[next++].mFrames.push_back(std::move(points));
   }
 }

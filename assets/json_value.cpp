@@ -85,8 +85,9 @@ nlohmann::json readJsonFile(const std::string& file) {
   const std::string bytes = readFile(file);
   try {
     return nlohmann::json::parse(bytes);
-  } catch (const nlohmann::json::parse_error& error) {
-    // "[json.exception.parse_error.101] parse error at line 3, column 5: ..."
+  } catch (const nlohmann::json::exception& error) {
+    // "[json.exception.parse_error.101] parse error at line 3, column 5: ..."; a number beyond
+    // the range of double comes as out_of_range
     const std::string text = error.what();
     const std::size_t start = text.find("] ");
     throw std::runtime_error(file + ": " + text.substr(start == std::string::npos ? 0 : start + 2));

@@ -45,8 +45,11 @@ CurvePlot plotOf(const refhost::Property& value, std::size_t index,
   if (isDate(value)) {
     const auto& dates = plot.mSeries[0].mValues;
     const auto [low, high] = std::minmax_element(dates.begin(), dates.end());
-    plot.mLow = dateOfSeconds(static_cast<std::int64_t>(*low)).substr(0, 10);
-    plot.mHigh = dateOfSeconds(static_cast<std::int64_t>(*high)).substr(0, 10);
+    const std::string first = dateOfSeconds(static_cast<std::int64_t>(*low));
+    const std::string last = dateOfSeconds(static_cast<std::int64_t>(*high));
+    const bool isOneDay = first.substr(0, 10) == last.substr(0, 10);
+    plot.mLow = isOneDay ? first.substr(11) : first.substr(0, 10);
+    plot.mHigh = isOneDay ? last.substr(11) : last.substr(0, 10);
   }
   return plot;
 }
@@ -135,26 +138,39 @@ class SceneWriter {
 
   std::vector<std::string> write() {
     std::error_code error;
-    std::filesystem::create_directories(mOutput.mFolder, error);
+    const bool isNew = std::filesystem::create_directories(mOutput.mFolder, error);
     if (error) throw std::runtime_error(mOutput.mFolder + ": " + error.message());
-    for (std::size_t i = 0; i < mOutput.mFrames.size(); ++i) {
-      addFrame(i);
-      mOutput.mProgress(i + 1);
+    try {
+      writeFrames();
+    } catch (...) {
+      for (const std::string& file : mFiles) std::remove(file.c_str());
+      if (isNew) std::filesystem::remove(mOutput.mFolder, error);
+      throw;
     }
-    writeFile(named("values.csv"), mValues);
-    writeFile(named("placements.csv"), mPlacements);
-    if (mOutput.mMeshes == SceneOutput::Meshes::kGlb) {
-      const int timeScale = mPlayer.scene().mSettings.mElements[0].mTimeScale;
-      writeGlb(named("scene.glb"), mMoving, timeScale / frameStep());
-    }
-    if (mOutput.mPlots) writePlots();
     return mFiles;
   }
 
  private:
-  std::string named(const std::string& name) {
-    mFiles.push_back((std::filesystem::path(mOutput.mFolder) / name).string());
-    return mFiles.back();
+  void writeFrames() {
+    for (std::size_t i = 0; i < mOutput.mFrames.size(); ++i) {
+      addFrame(i);
+      mOutput.mProgress(i + 1);
+    }
+    put("values.csv", [this](const auto& path) { writeFile(path, mValues); });
+    put("placements.csv", [this](const auto& path) { writeFile(path, mPlacements); });
+    if (mOutput.mMeshes == SceneOutput::Meshes::kGlb) {
+      const int timeScale = mPlayer.scene().mSettings.mElements[0].mTimeScale;
+      put("scene.glb", [&](const auto& path) { writeGlb(path, mMoving, timeScale / frameStep()); });
+    }
+    if (mOutput.mPlots) writePlots();
+  }
+
+  /// Writes a file of the folder, and notes it once it stands there.
+  template <class Write>
+  void put(const std::string& name, Write write) {
+    const std::string path = (std::filesystem::path(mOutput.mFolder) / name).string();
+    write(path);
+    mFiles.push_back(path);
   }
 
   /// Scene frames from one frame written to the next.
@@ -185,21 +201,28 @@ class SceneWriter {
     mPlayer.appendPoses(meshes);
     char name[32];
     std::snprintf(name, sizeof(name), "frame_%06d.obj", frame);
-    writeObj(named(name), asObj(meshes));
+    put(name, [&](const auto& path) { writeObj(path, asObj(meshes)); });
   }
 
   void writePlots() {
     std::vector<const refhost::Property*> values;
     for (const auto& value : mPlayer.scene().mProperties) values.push_back(&value);
-    if (!values.empty()) writeValuePlots(named("curves.svg"), values, mOutput.mFrames, mSamples);
+    if (!values.empty()) {
+      put("curves.svg",
+          [&](const auto& path) { writeValuePlots(path, values, mOutput.mFrames, mSamples); });
+    }
     std::vector<PathDrawing> paths;
     std::vector<std::vector<UxZel::CZelPoint>> ground;
     for (const auto& path : mPlayer.scene().mPaths.mElements) {
       paths.push_back(drawingOf(path));
       ground.push_back(paths.back().mCurve);
     }
-    if (!paths.empty() || !mTracks.empty()) writePathPlot(named("paths.svg"), paths, mTracks);
-    if (!mPosed.empty()) writeContactSheet(named("poses.png"), mPosed, mPosedFrames, ground);
+    if (!paths.empty() || !mTracks.empty()) {
+      put("paths.svg", [&](const auto& path) { writePathPlot(path, paths, mTracks); });
+    }
+    if (mPosed.empty()) return;
+    put("poses.png",
+        [&](const auto& path) { writeContactSheet(path, mPosed, mPosedFrames, ground); });
   }
 
   ScenePlayer& mPlayer;

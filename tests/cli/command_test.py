@@ -129,6 +129,14 @@ class Command(unittest.TestCase):
         for scene, text in (
                 (with_value(), "has no key"),
                 (with_value(kind="takeFrame", instance="red", keys=[key]), "needs a key at the start"),
+                (with_value(keys=[{"frame": -1, "value": 0}]), "no key at a frame from 0"),
+                (with_value(keys=[key, {"frame": 1, "value": float("inf")}]), "parse error"),
+                ({**SCENE, "settings": {"timeScale": 10 ** 400}}, "number overflow"),
+                ({**SCENE, "paths": [{"name": "line", "points": [{"position": [1, 1, 1]}] * 2}],
+                  "values": [{"name": "v", "kind": "walk", "path": "line", "instance": "red",
+                              "keys": [key, {**key, "frame": 9}]}]}, "path of length 0"),
+                ({**SCENE, "objects": [{**SCENE["objects"][0],
+                                        "takes": SCENE["objects"][0]["takes"] * 2}]}, "more takes"),
                 (with_value(kind="position", path="line", keys=[{"frame": 0, "value": 2}]),
                  "outside 0 to 1"),
                 ({**SCENE, "objects": [{**SCENE["objects"][0], "animation": "absent.amo"}]},
@@ -157,6 +165,18 @@ class Command(unittest.TestCase):
         (self.folder / "out/values.csv").mkdir()
         self.vexa("run", "scene.json", "--frames", "0", "--out", "out", expect=1)
         self.assertEqual([p.name for p in (self.folder / "out").iterdir()], ["values.csv"])
+
+    def test_a_run_that_fails_halfway_leaves_no_file(self):
+        far = {**SCENE["instances"][0], "position": [1e300, 0, 0]}
+        self.write_scene({**SCENE, "instances": [far]})
+        for mesh in "obj", "glb":
+            run = self.vexa("run", "scene.json", "--mesh", mesh, "--out", "far", expect=1)
+            self.assertIn("no finite point", run.stderr)
+        self.assertFalse((self.folder / "far").exists())
+        self.write_scene(SCENE)
+        (self.folder / "frame_000004.obj").mkdir()
+        self.vexa("run", "scene.json", "--frames", "0:9", "--mesh", "obj", "--out", ".", expect=1)
+        self.assertEqual([p.name for p in self.folder.glob("frame_*")], ["frame_000004.obj"])
 
 
 if __name__ == "__main__":
