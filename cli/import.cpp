@@ -1,5 +1,4 @@
 #include <cstdio>
-#include <map>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -14,6 +13,7 @@ namespace {
 struct Options {
   std::string model;
   std::string stem;
+  std::string up;
   assets::ImportOptions import;
   std::vector<double> travel = {0, 0};
 };
@@ -57,18 +57,19 @@ void addImport(CLI::App& app) {
   command->add_option("--fps", options->import.framesPerSecond, "frames per second")
       ->check(CLI::Range(1, 1000))
       ->capture_default_str();
-  const std::map<std::string, assets::UpAxis> axes = {{"y", assets::UpAxis::Y},
-                                                      {"z", assets::UpAxis::Z}};
-  command->add_option("--up", options->import.up, "the model's upward axis, whatever its file says")
-      ->transform(CLI::CheckedTransformer(axes));
+  command->add_option("--up", options->up, "the model's upward axis, whatever its file says")
+      ->check(CLI::IsMember({"y", "z"}))
+      ->option_text("y|z");
   command
       ->add_option("--travel", options->travel,
-                   "X,Y: how far each take leads, for clips that "
-                   "walk in place")
+                   "how far each take leads, for clips that walk in place")
+      ->option_text("X,Y")
       ->expected(2)
       ->delimiter(',');
   command->footer("Example: vexa import bison.x --clip Walk --out walk");
   command->callback([options] {
+    if (options->up == "y") options->import.up = assets::UpAxis::Y;
+    if (options->up == "z") options->import.up = assets::UpAxis::Z;
     options->import.travel = {options->travel[0], options->travel[1], 0};
     importModelFile(*options);
   });

@@ -1,8 +1,35 @@
 // The command `vexa`: arguments in, text out. Exit 0, 1 for bad input, 2 for bad usage.
+#include <algorithm>
 #include <cstdio>
 #include <exception>
+#include <iostream>
+#include <string>
 
 #include "cli/commands.h"
+
+namespace {
+
+/// The fault on one line, also where a name or file in it holds line breaks.
+int complain(std::string fault, int exitCode) {
+  std::replace_if(
+      fault.begin(), fault.end(), [](char c) { return c >= 0 && c < ' '; }, ' ');
+  std::fprintf(stderr, "vexa: %s\n", fault.c_str());
+  return exitCode;
+}
+
+int complainOfUsage(const CLI::App& app, const CLI::ParseError& error) {
+  const auto commands = app.get_subcommands();
+  if (!commands.empty()) {
+    return complain(
+        std::string(error.what()) + " (see vexa " + commands[0]->get_name() + " --help)", 2);
+  }
+  const bool isUnknown = app.remaining_size() > 0;
+  return complain((isUnknown ? "\"" + app.remaining()[0] + "\" is no command" : error.what()) +
+                      std::string(" (see vexa --help)"),
+                  2);
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
   CLI::App app("Vexa: keyframes, paths and skinned animation at a frame", "vexa");
@@ -17,15 +44,13 @@ int main(int argc, char** argv) {
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
-    return app.exit(error) == 0 ? 0 : 2;
+    if (error.get_exit_code() != 0) return complainOfUsage(app, error);
+    app.exit(error);  // prints the help or the version
   } catch (const std::exception& error) {
-    std::fprintf(stderr, "vexa: %s\n", error.what());
-    return 1;
+    return complain(error.what(), 1);
   }
   // A full disk behind standard output shows up here at the latest.
-  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
-    std::fprintf(stderr, "vexa: standard output: cannot write\n");
-    return 1;
-  }
+  const bool written = std::cout.flush().good() && std::fflush(stdout) == 0;
+  if (!written || std::ferror(stdout) != 0) return complain("standard output: cannot write", 1);
   return 0;
 }

@@ -1,5 +1,4 @@
 #include <cstdio>
-#include <map>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -20,7 +19,7 @@ struct Options {
   std::string scene;
   std::string frames = "0:100";
   std::string out = "out";
-  SceneOutput::Meshes meshes = SceneOutput::Meshes::kNone;
+  std::string mesh = "none";
   bool plot = false;
 };
 
@@ -33,7 +32,8 @@ void run(const Options& options) {
   SceneOutput output;
   output.mFrames = parseFrames(options.frames);
   output.mFolder = options.out;
-  output.mMeshes = options.meshes;
+  if (options.mesh == "obj") output.mMeshes = SceneOutput::Meshes::kObj;
+  if (options.mesh == "glb") output.mMeshes = SceneOutput::Meshes::kGlb;
   output.mPlots = options.plot;
   const std::size_t all = output.mFrames.size();
   if (isatty(STDERR_FILENO) != 0) {
@@ -49,14 +49,13 @@ void addRun(CLI::App& app) {
   CLI::App* command = app.add_subcommand("run", "Play a scene and write what each frame gives");
   const auto options = std::make_shared<Options>();
   command->add_option("SCENE", options->scene, "a scene file (JSON)")->required();
-  command->add_option("--frames", options->frames, "A:B or A:B:STEP, both ends included")
+  command->add_option("--frames", options->frames, "A, A:B or A:B:STEP, both ends included")
       ->capture_default_str();
   command->add_option("--out", options->out, "folder to write into")->capture_default_str();
-  const std::map<std::string, SceneOutput::Meshes> formats = {{"none", SceneOutput::Meshes::kNone},
-                                                              {"obj", SceneOutput::Meshes::kObj},
-                                                              {"glb", SceneOutput::Meshes::kGlb}};
-  command->add_option("--mesh", options->meshes, "deformed meshes: obj per frame, one glb, or none")
-      ->transform(CLI::CheckedTransformer(formats));
+  command
+      ->add_option("--mesh", options->mesh, "deformed meshes: an obj per frame, one glb, or none")
+      ->check(CLI::IsMember({"obj", "glb", "none"}))
+      ->option_text("obj|glb|none [none]");
   command->add_flag("--plot", options->plot, "curves and paths as SVG, posed frames as PNG");
   command->footer("Example: vexa run bison.json --frames 0:200 --mesh glb --plot --out out");
   command->callback([options] { run(*options); });

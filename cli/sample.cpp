@@ -68,7 +68,7 @@ void addSample(CLI::App& app) {
   const auto options = std::make_shared<Options>();
   command->add_option("SCENE", options->scene, "a scene file (JSON)")->required();
   command->add_option("VALUE", options->value, "the name of the value")->required();
-  command->add_option("--frames", options->frames, "A:B or A:B:STEP, both ends included")
+  command->add_option("--frames", options->frames, "A, A:B or A:B:STEP, both ends included")
       ->capture_default_str();
   command->add_option("--plot", options->plot, "write an SVG plot here instead of the table");
   command->footer("Example: vexa sample scene.json colour --frames 0:50:10");

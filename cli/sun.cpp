@@ -35,6 +35,10 @@ UXS::uxs_heliodon_tool::date clockDate(const Options& options) {
 }
 
 void sun(const Options& options) {
+  // A range check of the arguments lets NaN pass.
+  if (std::isnan(options.latitude + options.longitude + options.north)) {
+    throw CLI::ValidationError("an angle is no number");
+  }
   const auto minutes = [](double degrees) { return static_cast<int>(std::lround(degrees * 60)); };
   const UXS::uxs_heliodon_tool::place place{minutes(options.longitude), minutes(options.latitude),
                                             options.timezone, static_cast<float>(options.north)};
@@ -60,7 +64,8 @@ void addSun(CLI::App& app) {
       ->check(CLI::Range(-1440, 1440));
   command->add_option("--date", options->date, "the local clock: 2024-06-21T12:00")->required();
   command->add_flag("--summertime", options->summertime, "the clock is on summer time");
-  command->add_option("--north", options->north, "angle of the scene's north, degrees");
+  command->add_option("--north", options->north, "angle of the scene's north, degrees")
+      ->check(CLI::Range(-360.0, 360.0));
   command->footer(
       "Example: vexa sun --latitude 48.85 --longitude 2.35 --timezone 60 --summertime "
       "--date 2024-06-21T14:00");

@@ -60,7 +60,7 @@ class Command(unittest.TestCase):
         result = subprocess.run([VEXA, *arguments], cwd=self.folder, text=True, timeout=60,
                                 stderr=subprocess.PIPE, **options)
         self.assertEqual(result.returncode, expect, result.stderr)
-        if expect == 1:
+        if expect != 0:
             self.assertRegex(result.stderr, r"\Avexa: .+\n\Z")
             self.assertEqual(result.stderr.count("\n"), 1)
         return result
@@ -120,6 +120,7 @@ class Command(unittest.TestCase):
         self.vexa("sun", "--latitude", "0", "--longitude", "0", "--date", "2023-02-29", expect=1)
         with open("/dev/full", "w") as full:
             self.vexa("info", "flag.amo", expect=1, stdout=full)
+            self.vexa("run", "--help", expect=1, stdout=full)
 
     def test_scenes_that_cannot_be_played_are_refused(self):
         def with_value(**value):
@@ -156,6 +157,8 @@ class Command(unittest.TestCase):
         self.vexa(expect=2)
         self.vexa("run", expect=2)
         self.vexa("presets", "--levels", "1,2,3", expect=2)
+        self.vexa("sun", "--latitude", "nan", "--longitude", "0", "--date", "2024-03-20", expect=2)
+        self.assertIn('"walk" is no command', self.vexa("walk", expect=2).stderr)
         self.assertIn("Example: ", self.vexa("run", "--help").stdout)
 
     @unittest.skipIf(os.getuid() == 0 and not pathlib.Path("/proc").exists(), "needs /proc")
