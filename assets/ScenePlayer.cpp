@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <numeric>
 #include <stdexcept>
 
 #include "assets/AnimationFile.h"
@@ -154,7 +155,13 @@ ScenePlayer::ScenePlayer(refhost::Scene scene)
                                      [i](const auto& each) { return each.mDefinition == i; });
     if (isShown && mScene.mDefinitions[i].mAnimatedObject) checkTakes(mScene.mDefinitions[i]);
   }
-  mSamples.resize(mScene.mProperties.size());
+  const auto& values = mScene.mProperties;
+  mSamples.resize(values.size());
+  mOrder.resize(values.size());
+  std::iota(mOrder.begin(), mOrder.end(), std::size_t{0});
+  std::stable_sort(mOrder.begin(), mOrder.end(), [&values](std::size_t a, std::size_t b) {
+    return values[a].mInstance < values[b].mInstance;
+  });
 }
 
 void ScenePlayer::registerInstance(Instance& instance) {
@@ -179,7 +186,7 @@ UXS::Mesh* ScenePlayer::currentMesh(const Instance& instance) const {
 }
 
 void ScenePlayer::setFrame(int frame) {
-  for (std::size_t i = 0; i < mSamples.size(); ++i) {
+  for (const std::size_t i : mOrder) {
     Property& value = mScene.mProperties[i];
     Sample sample;
     if (drivesAnInstance(value)) {
@@ -194,6 +201,12 @@ void ScenePlayer::setFrame(int frame) {
     }
     mSamples[i] = sample;
   }
+}
+
+UxZel::CZelPoint ScenePlayer::worldPosition(const Instance& instance) const {
+  const auto p =
+      placementOf(mScene, instance).mToWorld * Norvel::Vexa::ux_point3<double>(0.0, 0.0, 0.0);
+  return {p.x, p.y, p.z};
 }
 
 std::vector<MovingMesh> ScenePlayer::meshes() const {

@@ -33,6 +33,9 @@ class ScenePlayer {
   /// One per value of the scene, in its order.
   const std::vector<Sample>& samples() const { return mSamples; }
 
+  /// Where the origin of an instance of the scene lies in the world, through all that enclose it.
+  UxZel::CZelPoint worldPosition(const refhost::Instance& instance) const;
+
   /// The meshes of all animated instances without a pose, in the order of the instances.
   std::vector<MovingMesh> meshes() const;
   /// Appends the pose of the frame to each of them, in world space.
@@ -49,6 +52,9 @@ class ScenePlayer {
   refhost::Scene mScene;
   std::unique_ptr<Norvel::Vexa::XIAnimationMgr, Deleter> mManager;
   std::vector<Sample> mSamples;
+  /// Indices of the values, those of an instance after those of its parents: where a walker stands
+  /// in its parent depends on where the parent stands at the same frame.
+  std::vector<std::size_t> mOrder;
 };
 
 }  // namespace vexa::assets

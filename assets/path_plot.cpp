@@ -73,7 +73,7 @@ void drawScaleBar(Canvas& canvas, const View& view) {
   canvas.setInk(kText);
   canvas.line(x, y, x + length * view.scale(), y, 2);
   char text[48];
-  std::snprintf(text, sizeof(text), "%g units", length);
+  std::snprintf(text, sizeof(text), "%g %s", length, length == 1 ? "unit" : "units");
   canvas.text(x + length * view.scale() + 6, y + 4, text, 10);
 }
 

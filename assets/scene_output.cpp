@@ -77,7 +77,8 @@ PathDrawing drawingOf(const refhost::Path& path) {
   return drawing;
 }
 
-/// Everything that moves: values that are positions, and instances; of a walker its anchor.
+/// Everything that moves, in the world: values that are positions, and instances; of a walker
+/// without a parent its anchor, which is on the path.
 std::vector<Track> emptyTracks(const refhost::Scene& scene) {
   std::vector<Track> tracks;
   for (const auto& value : scene.mProperties) {
@@ -100,7 +101,9 @@ void extendTracks(const ScenePlayer& player, std::vector<Track>& ioTracks) {
     const bool walks = std::any_of(values.begin(), values.end(), [i](const auto& value) {
       return value.mPropertyType == UxZel::kPropertyAnimatedWalk && value.mInstance == i;
     });
-    ioTracks[next++].mPositions.push_back(walks ? instances[i].mAnchor : instances[i].mPosition);
+    ioTracks[next++].mPositions.push_back(walks && UxZel::isNone(instances[i].mParent)
+                                              ? instances[i].mAnchor
+                                              : player.worldPosition(instances[i]));
   }
 }
 

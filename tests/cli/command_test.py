@@ -15,13 +15,13 @@ VEXA = str(pathlib.Path(sys.argv.pop(1)).resolve())
 IDENTITY = [1.0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1]
 
 
-def animation_file(frames, vertices):
-    """One node that rises by one unit a frame and moves all vertices."""
+def animation_file(frames, vertices, axis=1):
+    """One node that moves all vertices by one unit a frame, upwards unless told otherwise."""
     data = struct.pack("<II16dII", 101, 1, *IDENTITY, frames, 1)
     for frame in range(frames):
         matrix = list(IDENTITY)
         matrix[6], matrix[9], matrix[5], matrix[10] = 1, 1, 0, 0  # the runtime crosses y and z
-        matrix[13] = frame
+        matrix[12 + axis] = frame
         data += struct.pack("<16d", *matrix)
     data += struct.pack("<I", vertices)
     return data + b"".join(struct.pack("<Id", v, 1.0) for v in range(vertices))
@@ -90,6 +90,20 @@ class Command(unittest.TestCase):
             name = "frame_%06d.obj" % frame
             half = "first/" if frame < 5 else "second/"
             self.assertEqual(self.read(half + name), self.read("whole/" + name))
+
+    def test_a_walker_inside_a_walker_is_the_same_in_a_split_run(self):
+        (self.folder / "flag.amo").write_bytes(animation_file(5, 3, axis=0))
+        walk = {"kind": "walk", "path": "line",
+                "keys": [{"frame": 0, "value": 0}, {"frame": 9, "value": 4}]}
+        self.write_scene({
+            **SCENE, "instances": [{"name": "red", "object": "flag", "scale": 0.3},
+                                   {"name": "child", "object": "flag", "parent": "red"}],
+            "values": [{**walk, "name": "second", "instance": "child"},
+                       {**walk, "name": "first", "instance": "red"}]})
+        for frames, out in ("0:5", "whole"), ("3:5", "part"):
+            self.vexa("run", "scene.json", "--frames", frames, "--out", out)
+        part = self.read("part/placements.csv").split(b"\n", 1)[1]
+        self.assertTrue(self.read("whole/placements.csv").endswith(part))
 
     def test_pictures_and_glb(self):
         self.vexa("run", "scene.json", "--frames", "0:4", "--plot", "--mesh", "glb", "--out", "out")
