@@ -12,7 +12,7 @@ prefix=$scratch/prefix
 
 cmake --install "$build" --prefix "$prefix" >/dev/null
 
-cmake -S "$here/consumer" -B "$scratch/client" -DCMAKE_PREFIX_PATH="$prefix" \
+cmake -G Ninja -S "$here/consumer" -B "$scratch/client" -DCMAKE_PREFIX_PATH="$prefix" \
       -DCMAKE_CXX_COMPILER="$cxx" -DREADME="$here/../../README.md" >/dev/null
 cmake --build "$scratch/client" >/dev/null
 "$scratch/client/client"
