@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <filesystem>
 #include <memory>
 #include <stdexcept>
 
@@ -16,6 +17,12 @@ namespace {
 }  // namespace
 
 std::string readFile(const std::string& inPath) {
+  // A device may have no end, a pipe no writer.
+  const std::filesystem::file_status status = std::filesystem::status(inPath);
+  const bool isOdd = std::filesystem::exists(status) && !std::filesystem::is_regular_file(status);
+  if (isOdd && !std::filesystem::is_directory(status)) {
+    throw std::runtime_error(inPath + ": is no regular file");
+  }
   const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(inPath.c_str(), "rb"),
                                                              std::fclose);
   if (!file) fail(inPath);

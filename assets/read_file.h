@@ -4,7 +4,7 @@
 
 namespace vexa::assets {
 
-/// All bytes of a file. Throws std::runtime_error "PATH: what is wrong".
+/// All bytes of a regular file. Throws std::runtime_error "PATH: what is wrong".
 std::string readFile(const std::string& inPath);
 
 }  // namespace vexa::assets

@@ -130,6 +130,7 @@ class Command(unittest.TestCase):
         self.vexa("info", "cut.amo", expect=1)
         self.vexa("info", "absent.amo", expect=1)
         self.vexa("run", ".", expect=1)
+        self.vexa("info", "/dev/zero", expect=1)
         self.vexa("sample", "scene.json", "absent", expect=1)
         self.vexa("sun", "--latitude", "0", "--longitude", "0", "--date", "2023-02-29", expect=1)
         with open("/dev/full", "w") as full:
