@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <memory>
 #include <stdexcept>
+#include <system_error>
 
 namespace vexa::assets {
 namespace {
@@ -18,7 +19,8 @@ namespace {
 
 std::string readFile(const std::string& inPath) {
   // A device may have no end, a pipe no writer.
-  const std::filesystem::file_status status = std::filesystem::status(inPath);
+  std::error_code ignored;
+  const std::filesystem::file_status status = std::filesystem::status(inPath, ignored);
   const bool isOdd = std::filesystem::exists(status) && !std::filesystem::is_regular_file(status);
   if (isOdd && !std::filesystem::is_directory(status)) {
     throw std::runtime_error(inPath + ": is no regular file");
