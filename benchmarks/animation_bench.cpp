@@ -2,11 +2,11 @@
 #include <filesystem>
 #include <string>
 
-#include "assets/walker_animation.h"
 #include "benchmarks/animation_references.h"
 #include "refhost/scenes/paths.h"
 #include "refhost/scenes/properties.h"
 #include "refhost/scenes/walker.h"
+#include "scene/fixtures/walker_animation.h"
 #include "vexa/vexa.h"
 
 namespace vexa::benchmarks {
@@ -49,7 +49,7 @@ constexpr int kSegments = 10;
 /// The walker's animation file, while it is needed.
 class WalkerFile {
  public:
-  WalkerFile() { writeAnimationFile(assets::walkerAnimation(), mPath); }
+  WalkerFile() { writeAnimationFile(scene::walkerAnimation(), mPath); }
   ~WalkerFile() { std::filesystem::remove(mPath); }
   WalkerFile(const WalkerFile&) = delete;
   WalkerFile& operator=(const WalkerFile&) = delete;

@@ -6,12 +6,12 @@
 #include <map>
 #include <numeric>
 
-#include "assets/AnimationFile.h"
 #include "benchmarks/framecollector_references.h"
 #include "benchmarks/torus.h"
-#include "tests/models/LiteralFrameCollector.h"
-#include "tests/models/literal_animation_file.h"
-#include "tests/models/mesh_walks.h"
+#include "formats/AnimationFile.h"
+#include "models/LiteralFrameCollector.h"
+#include "models/literal_animation_file.h"
+#include "models/mesh_walks.h"
 #include "vexa/framecollector/XCAMOFileIOTool.h"
 #include "vexa/framecollector/XCFrameCollector.h"
 
@@ -235,12 +235,12 @@ struct BigFile {
   const std::string mPath = std::filesystem::temp_directory_path() / "vexa_bench.amo";
 
   BigFile() {
-    assets::AnimationFile file;
+    formats::AnimationFile file;
     file.mFrameCounts = {5000, 3200};
     file.mNodes.resize(kNodes);
     Dice dice;
-    for (assets::AnimationFile::Node& node : file.mNodes) {
-      node.mMatrices.resize(8200, assets::AnimationFile::kIdentity);
+    for (formats::AnimationFile::Node& node : file.mNodes) {
+      node.mMatrices.resize(8200, formats::AnimationFile::kIdentity);
       for (auto& matrix : node.mMatrices) matrix[12] = double(dice.real());
     }
     for (unsigned v = 0; v < 4 * kFileVertices; ++v) {

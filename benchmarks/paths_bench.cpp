@@ -2,8 +2,8 @@
 #include <vector>
 
 #include "benchmarks/paths_references.h"
+#include "models/literal_path.h"
 #include "refhost/scenes/paths.h"
-#include "tests/models/literal_path.h"
 #include "vexa/paths/XC3DPath.h"
 
 namespace vexa::benchmarks {

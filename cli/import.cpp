@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "assets/import_files.h"
 #include "cli/commands.h"
+#include "importer/import_files.h"
 
 namespace vexa::cli {
 namespace {
@@ -14,21 +14,21 @@ struct Options {
   std::string model;
   std::string stem;
   std::string up;
-  assets::ImportOptions import;
+  importer::ImportOptions import;
   std::vector<double> travel = {0, 0};
 };
 
-assets::ImportedModel importOrSayWhichFile(const Options& options) {
+importer::ImportedModel importOrSayWhichFile(const Options& options) {
   try {
-    return assets::importModel(options.model, options.import);
+    return importer::importModel(options.model, options.import);
   } catch (const std::exception& error) {
     throw std::runtime_error(options.model + ": " + error.what());
   }
 }
 
 void importModelFile(const Options& options) {
-  const assets::ImportedModel model = importOrSayWhichFile(options);
-  const assets::ImportFiles files = assets::writeImport(model, options.stem);
+  const importer::ImportedModel model = importOrSayWhichFile(options);
+  const importer::ImportFiles files = importer::writeImport(model, options.stem);
   std::printf("%zu vertices, %zu triangles, %zu nodes\n", model.mesh.points.size(),
               model.mesh.triangles.size(), model.animation.mNodes.size());
   for (const auto& take : model.takes) {
@@ -68,8 +68,8 @@ void addImport(CLI::App& app) {
       ->delimiter(',');
   command->footer("Example: vexa import bison.x --clip Walk --out walk");
   command->callback([options] {
-    if (options->up == "y") options->import.up = assets::UpAxis::Y;
-    if (options->up == "z") options->import.up = assets::UpAxis::Z;
+    if (options->up == "y") options->import.up = importer::UpAxis::Y;
+    if (options->up == "z") options->import.up = importer::UpAxis::Z;
     options->import.travel = {options->travel[0], options->travel[1], 0};
     importModelFile(*options);
   });

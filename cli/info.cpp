@@ -2,13 +2,13 @@
 #include <stdexcept>
 #include <string>
 
-#include "assets/describe.h"
 #include "cli/commands.h"
+#include "scene/describe.h"
 
 namespace vexa::cli {
 namespace {
 
-std::string asText(const assets::Description& value) {
+std::string asText(const scene::Description& value) {
   if (value.is_string()) return value.get<std::string>();
   if (!value.is_array()) return value.dump();
   std::string text;
@@ -16,7 +16,7 @@ std::string asText(const assets::Description& value) {
   return text;
 }
 
-void printText(const assets::Description& description) {
+void printText(const scene::Description& description) {
   for (const auto& [name, value] : description.items()) {
     if (name == "notes" || name == "faults") continue;
     std::printf("%-26s %s\n", name.c_str(), asText(value).c_str());
@@ -26,7 +26,7 @@ void printText(const assets::Description& description) {
 }
 
 void info(const std::string& file, bool json) {
-  const assets::Description description = assets::describeFile(file);
+  const scene::Description description = scene::describeFile(file);
   if (json) {
     std::puts(description.dump(2).c_str());
   } else {

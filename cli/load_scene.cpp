@@ -3,14 +3,14 @@
 #include <stdexcept>
 #include <utility>
 
-#include "assets/scene_file.h"
+#include "scene/scene_file.h"
 
 namespace vexa::cli {
 
-assets::ScenePlayer loadScene(const std::string& file) {
-  refhost::Scene scene = assets::readSceneFile(file);
+scene::ScenePlayer loadScene(const std::string& file) {
+  refhost::Scene scene = scene::readSceneFile(file);
   try {
-    return assets::ScenePlayer(std::move(scene));
+    return scene::ScenePlayer(std::move(scene));
   } catch (const std::exception& error) {
     throw std::runtime_error(file + ": " + error.what());
   }

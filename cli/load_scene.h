@@ -2,11 +2,11 @@
 
 #include <string>
 
-#include "assets/ScenePlayer.h"
+#include "scene/ScenePlayer.h"
 
 namespace vexa::cli {
 
 /// A scene file, ready to be played. Throws std::runtime_error "FILE: what is wrong".
-assets::ScenePlayer loadScene(const std::string& file);
+scene::ScenePlayer loadScene(const std::string& file);
 
 }  // namespace vexa::cli

@@ -4,16 +4,16 @@
 #include <string>
 #include <unistd.h>
 
-#include "assets/scene_file.h"
-#include "assets/scene_output.h"
 #include "cli/commands.h"
 #include "cli/frames.h"
 #include "cli/load_scene.h"
+#include "scene/scene_file.h"
+#include "scene/scene_output.h"
 
 namespace vexa::cli {
 namespace {
 
-using assets::SceneOutput;
+using scene::SceneOutput;
 
 struct Options {
   std::string scene;
@@ -39,8 +39,8 @@ void run(const Options& options) {
   if (isatty(STDERR_FILENO) != 0) {
     output.mProgress = [all](std::size_t done) { showProgress(done, all); };
   }
-  assets::ScenePlayer player = loadScene(options.scene);
-  for (const std::string& file : assets::writeScene(player, output)) std::puts(file.c_str());
+  scene::ScenePlayer player = loadScene(options.scene);
+  for (const std::string& file : scene::writeScene(player, output)) std::puts(file.c_str());
 }
 
 }  // namespace

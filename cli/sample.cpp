@@ -4,13 +4,13 @@
 #include <stdexcept>
 #include <string>
 
-#include "assets/calendar.h"
-#include "assets/scene_csv.h"
-#include "assets/scene_output.h"
-#include "assets/value_parts.h"
 #include "cli/commands.h"
 #include "cli/frames.h"
 #include "cli/load_scene.h"
+#include "formats/calendar.h"
+#include "scene/scene_csv.h"
+#include "scene/scene_output.h"
+#include "scene/value_parts.h"
 
 namespace vexa::cli {
 namespace {
@@ -32,13 +32,12 @@ std::size_t indexOfValue(const Options& options, const refhost::Scene& scene) {
   return static_cast<std::size_t>(found - values.begin());
 }
 
-void printRow(int frame, const refhost::Property& value,
-              const assets::ScenePlayer::Sample& sample) {
+void printRow(int frame, const refhost::Property& value, const scene::ScenePlayer::Sample& sample) {
   std::printf("%8d", frame);
-  for (const double part : assets::parts(value, sample)) {
-    const std::string text = assets::isDate(value)
-                                 ? assets::dateOfSeconds(static_cast<std::int64_t>(part))
-                                 : assets::shortestNumber(part);
+  for (const double part : scene::parts(value, sample)) {
+    const std::string text = scene::isDate(value)
+                                 ? formats::dateOfSeconds(static_cast<std::int64_t>(part))
+                                 : scene::shortestNumber(part);
     std::printf("  %20s", text.c_str());
   }
   std::printf("\n");
@@ -46,17 +45,17 @@ void printRow(int frame, const refhost::Property& value,
 
 void sample(const Options& options) {
   const std::vector<int> frames = parseFrames(options.frames);
-  assets::ScenePlayer player = loadScene(options.scene);
+  scene::ScenePlayer player = loadScene(options.scene);
   const std::size_t index = indexOfValue(options, player.scene());
   const refhost::Property& value = player.scene().mProperties[index];
-  std::vector<std::vector<assets::ScenePlayer::Sample>> samples;
+  std::vector<std::vector<scene::ScenePlayer::Sample>> samples;
   for (const int frame : frames) {
     player.setFrame(frame);
     samples.push_back({player.samples()[index]});
     if (options.plot.empty()) printRow(frame, value, samples.back()[0]);
   }
   if (options.plot.empty()) return;
-  assets::writeValuePlots(options.plot, {&value}, frames, samples);
+  scene::writeValuePlots(options.plot, {&value}, frames, samples);
   std::puts(options.plot.c_str());
 }
 

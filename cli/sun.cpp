@@ -5,8 +5,8 @@
 #include <stdexcept>
 #include <string>
 
-#include "assets/calendar.h"
 #include "cli/commands.h"
+#include "formats/calendar.h"
 #include "vexa/tools/uxs_heliodon_tool.h"
 
 namespace vexa::cli {
@@ -22,7 +22,7 @@ struct Options {
 };
 
 UXS::uxs_heliodon_tool::date clockDate(const Options& options) {
-  const auto seconds = assets::secondsOfDate(options.date);
+  const auto seconds = formats::secondsOfDate(options.date);
   if (!seconds) {
     throw std::runtime_error("\"" + options.date + "\": expected a date such as 2024-06-21T12:00");
   }

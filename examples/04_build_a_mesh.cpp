@@ -4,8 +4,8 @@
 #include <set>
 #include <string>
 
-#include "assets/obj.h"
-#include "assets/write_file.h"
+#include "formats/obj.h"
+#include "formats/write_file.h"
 #include "vexa/vexa.h"
 
 namespace {
@@ -73,7 +73,7 @@ int main() {
   const Oru::TBox3D<float>& box = mesh.GetAABB();
   std::printf("the table is %.2f by %.2f and %.2f high\n", double(box.mMax.x - box.mMin.x),
               double(box.mMax.y - box.mMin.y), double(box.mMax.z - box.mMin.z));
-  vexa::assets::writeObj("table.obj", vexa::assets::objOf(mesh));
-  vexa::assets::writeFile("table_edges.csv", edgesAsCsv(mesh));
+  vexa::formats::writeObj("table.obj", vexa::formats::objOf(mesh));
+  vexa::formats::writeFile("table_edges.csv", edgesAsCsv(mesh));
   return mesh.GetEdgesArray().size() == 60 ? 0 : 1;
 }

@@ -4,13 +4,13 @@
 #include <cstdio>
 #include <string>
 
-#include "assets/AnimationFile.h"
-#include "assets/obj.h"
+#include "formats/AnimationFile.h"
+#include "formats/obj.h"
 #include "vexa/vexa.h"
 
 namespace {
 
-using vexa::assets::AnimationFile;
+using vexa::formats::AnimationFile;
 
 constexpr unsigned int kRings = 21, kSides = 16, kFrames = 31;
 constexpr float kHeight = 4;
@@ -66,7 +66,7 @@ AnimationFile animate(const UXS::Mesh& mesh) {
 int main() {
   UXS::Mesh rest;
   buildTube(rest);
-  vexa::assets::writeAnimationFile(animate(rest), "tube.amo");
+  vexa::formats::writeAnimationFile(animate(rest), "tube.amo");
 
   Norvel::Vexa::XCFrameCollector collector(&rest);
   Norvel::XCAMOFileIOTool("tube.amo").Read(&collector);
@@ -76,8 +76,8 @@ int main() {
     const UXS::Mesh* deformed = collector.GetCurrentDefinition(0, frame, definition);
     top = deformed->GetAABB().mMax.z;  // the scene's up is +Z
     std::printf("frame %2u: the tube reaches up to %.3f\n", frame, double(top));
-    vexa::assets::writeObj("tube_" + std::to_string(frame) + ".obj",
-                           vexa::assets::objOf(*deformed));
+    vexa::formats::writeObj("tube_" + std::to_string(frame) + ".obj",
+                            vexa::formats::objOf(*deformed));
   }
   return top < 3 ? 0 : 1;
 }

@@ -4,10 +4,10 @@
 #include <cstdio>
 #include <string>
 
-#include "assets/obj.h"
-#include "assets/walker_animation.h"
+#include "formats/obj.h"
 #include "refhost/scenes/paths.h"
 #include "refhost/scenes/walker.h"
+#include "scene/fixtures/walker_animation.h"
 #include "vexa/vexa.h"
 
 namespace {
@@ -16,11 +16,11 @@ using Norvel::Vexa::XIAnimationMgr;
 using namespace vexa::refhost;
 
 // The mesh of an instance at a take frame, put where the instance stands.
-vexa::assets::ObjModel placedMesh(const XIAnimationMgr& manager, const Instance& instance,
-                                  int takeFrame) {
+vexa::formats::ObjModel placedMesh(const XIAnimationMgr& manager, const Instance& instance,
+                                   int takeFrame) {
   const UXS::Mesh* mesh = manager.GetCurrentDefinition(
       instance.mState.mTakeIndex, static_cast<unsigned int>(takeFrame), instance.mIdentity.mUUID);
-  vexa::assets::ObjModel model = vexa::assets::objOf(*mesh);
+  vexa::formats::ObjModel model = vexa::formats::objOf(*mesh);
   const auto world = UxZel::CZelObjectInstanceTool::getObjectTransformToWorld(
       &instance, 1.0f, {}, nullptr, nullptr, false, true, false, true);
   for (auto& p : model.points) {
@@ -40,7 +40,7 @@ int main() {
   scene.mProperties[0].mRepeatCount = 1000;
   scene.mInstances.mElements[0].mState.mFrameOffset = 6;
   AnimatedObject& walker = *scene.mDefinitions[0].mAnimatedObject;
-  writeAnimationFile(vexa::assets::walkerAnimation(), "walker.amo");
+  writeAnimationFile(vexa::scene::walkerAnimation(), "walker.amo");
 
   XIAnimationMgr* manager = XIAnimationMgr::Create();
   for (Instance& instance : scene.mInstances.mElements) {
@@ -60,8 +60,8 @@ int main() {
                      .mInteger;
       const auto model = placedMesh(*manager, instance, shown[i]);
       if (frame % 50 == 0) {
-        vexa::assets::writeObj("walker_" + std::to_string(i) + "_" + std::to_string(frame) + ".obj",
-                               model);
+        vexa::formats::writeObj(
+            "walker_" + std::to_string(i) + "_" + std::to_string(frame) + ".obj", model);
       }
       if (i == 1) {  // its anchor, vertex 0, follows the path
         const auto& anchor = model.points[walker.mAnchorVertex];

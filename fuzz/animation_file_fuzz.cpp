@@ -10,7 +10,7 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
-#include "assets/AnimationFile.h"
+#include "formats/AnimationFile.h"
 #include "vexa/framecollector/XCAMOFileIOTool.h"
 #include "vexa/framecollector/XCFrameCollector.h"
 #include "vexa/mesh/MeshEditor.h"
@@ -21,7 +21,7 @@ extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, st
 namespace {
 
 using Norvel::Vexa::XCFrameCollector;
-using vexa::assets::AnimationFile;
+using vexa::formats::AnimationFile;
 
 constexpr unsigned kVertices = 8;
 
@@ -80,7 +80,7 @@ void checkAgainstStrictReader(const std::string& bytes, const std::string& error
                               const XCFrameCollector& collector) {
   AnimationFile file;
   try {
-    file = vexa::assets::decodeAnimationFile(bytes);
+    file = vexa::formats::decodeAnimationFile(bytes);
   } catch (const std::runtime_error&) {
     return;
   }
@@ -114,7 +114,7 @@ class Mutation {
 
  private:
   static AnimationFile contents(const std::string& bytes) try {
-    return vexa::assets::decodeAnimationFile(bytes);
+    return vexa::formats::decodeAnimationFile(bytes);
   } catch (const std::runtime_error&) {
     return {};
   }

@@ -84,7 +84,7 @@
 #include "vexa/support/XCReporter.h"
 #include "vexa/support/XIReporter.h"
 #include "vexa/support/XStPushReporter.h"
-#include "vexa/tools/clock.h"
+#include "vexa/support/clock.h"
 #include "vexa/tools/uxs_camera_tool.h"
 #include "vexa/tools/uxs_final_options_converter.h"
 #include "vexa/tools/uxs_heliodon_tool.h"

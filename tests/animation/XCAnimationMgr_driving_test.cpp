@@ -6,9 +6,9 @@
 #include <string>
 #include <vector>
 
-#include "assets/walker_animation.h"
 #include "refhost/scenes/paths.h"
 #include "refhost/scenes/walker.h"
+#include "scene/fixtures/walker_animation.h"
 #include "tests/helpers/captured_stderr.h"
 #include "tests/helpers/compare.h"
 #include "tests/helpers/managed.h"
@@ -37,7 +37,7 @@ struct Stage {
   explicit Stage(Scene scene, bool registered = true, double turn = 0) : mScene(std::move(scene)) {
     const vexa::tests::ScratchDirectory scratch;
     const std::string file = scratch / "walker.amo";
-    vexa::assets::AnimationFile animation = vexa::assets::walkerAnimation();
+    vexa::formats::AnimationFile animation = vexa::scene::walkerAnimation();
     const double c = std::cos(turn), s = std::sin(turn);
     animation.mGlobal = {c, 0, s, 0, -s, 0, c, 0, 0, 1, 0, 0, 0, 0, 0, 1};
     writeAnimationFile(animation, file);

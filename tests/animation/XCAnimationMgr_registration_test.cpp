@@ -1,8 +1,8 @@
 #include <gtest/gtest.h>
 
-#include "assets/walker_animation.h"
 #include "refhost/scenes/paths.h"
 #include "refhost/scenes/walker.h"
+#include "scene/fixtures/walker_animation.h"
 #include "tests/helpers/compare.h"
 #include "tests/helpers/managed.h"
 #include "tests/helpers/registered.h"
@@ -21,7 +21,7 @@ class Registration : public testing::Test {
  protected:
   Registration() {
     std::filesystem::create_directory(mScratch / "files");
-    writeAnimationFile(vexa::assets::walkerAnimation(), file());
+    writeAnimationFile(vexa::scene::walkerAnimation(), file());
   }
   std::string file() const { return mScratch / "files/walker.amo"; }
   AnimatedObject& walker() { return *mScene.mDefinitions[0].mAnimatedObject; }

@@ -3,10 +3,10 @@
 #include <memory>
 #include <string>
 
-#include "assets/walker_animation.h"
 #include "refhost/scenes/paths.h"
 #include "refhost/scenes/properties.h"
 #include "refhost/scenes/walker.h"
+#include "scene/fixtures/walker_animation.h"
 #include "tests/helpers/captured_stderr.h"
 #include "tests/helpers/failing_new.h"
 #include "tests/helpers/managed.h"
@@ -28,7 +28,7 @@ namespace {
 
 std::string writtenWalker(const vexa::tests::ScratchDirectory& scratch) {
   std::string file = scratch / "walker.amo";
-  writeAnimationFile(vexa::assets::walkerAnimation(), file);
+  writeAnimationFile(vexa::scene::walkerAnimation(), file);
   return file;
 }
 

@@ -6,16 +6,16 @@
 #include <sstream>
 #include <sys/stat.h>
 
-#include "assets/AnimationFile.h"
+#include "formats/AnimationFile.h"
+#include "models/LiteralFrameCollector.h"
+#include "models/literal_animation_file.h"
 #include "tests/helpers/compare.h"
 #include "tests/helpers/scratch_directory.h"
-#include "tests/models/LiteralFrameCollector.h"
-#include "tests/models/literal_animation_file.h"
 
 namespace Norvel {
 namespace {
 
-using vexa::assets::AnimationFile;
+using vexa::formats::AnimationFile;
 using vexa::tests::ScratchDirectory;
 using vexa::tests::whatOf;
 

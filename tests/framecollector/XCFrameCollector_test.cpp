@@ -6,9 +6,9 @@
 #include <random>
 #include <set>
 
+#include "models/LiteralFrameCollector.h"
 #include "tests/helpers/compare.h"
 #include "tests/helpers/vtable_slot.h"
-#include "tests/models/LiteralFrameCollector.h"
 #include "vexa/mesh/MeshEditor.h"
 #include "vexa/mesh/uxs_autoptr.h"
 #include "vexa/support/XStPushReporter.h"

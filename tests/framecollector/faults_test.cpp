@@ -3,7 +3,7 @@
 #include <ctime>
 #include <gtest/gtest.h>
 
-#include "assets/AnimationFile.h"
+#include "formats/AnimationFile.h"
 #include "tests/helpers/compare.h"
 #include "tests/helpers/failing_new.h"
 #include "tests/helpers/scratch_directory.h"
@@ -15,7 +15,7 @@
 namespace Norvel::Vexa {
 namespace {
 
-using vexa::assets::AnimationFile;
+using vexa::formats::AnimationFile;
 using vexa::tests::gMemory;
 using vexa::tests::throwsAt;
 using Points = std::vector<Oru::TVector3D<float>>;

@@ -3,8 +3,8 @@
 #include <algorithm>
 #include <gtest/gtest.h>
 
+#include "models/mesh_walks.h"
 #include "tests/mesh/mesh_fixtures.h"
-#include "tests/models/mesh_walks.h"
 #include "vexa/mesh/MeshImpl.h"
 
 using namespace UXS;

@@ -3,8 +3,8 @@
 #include <ctime>
 #include <gtest/gtest.h>
 
+#include "models/mesh_walks.h"
 #include "tests/mesh/mesh_fixtures.h"
-#include "tests/models/mesh_walks.h"
 #include "vexa/mesh/MeshSmoothData.h"
 #include "vexa/mesh/MeshSmoothList.h"
 

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/mesh/mesh_fixtures.h"
-#include "vexa/tools/clock.h"
+#include "vexa/support/clock.h"
 
 using namespace UXS;
 using namespace vexa::tests;

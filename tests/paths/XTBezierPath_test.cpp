@@ -6,10 +6,10 @@
 #include <rapidcheck/gtest.h>
 #include <stdexcept>
 
+#include "models/literal_path.h"
 #include "refhost/scenes/paths.h"
 #include "tests/helpers/compare.h"
 #include "tests/helpers/raw_bits.h"
-#include "tests/models/literal_path.h"
 #include "vexa/paths/XC3DPath.h"
 
 namespace {

@@ -10,14 +10,20 @@ ROOT = pathlib.Path(__file__).resolve().parents[2]
 PLANTED = {
     "a layer below": ("vexa/math/planted.h", '#include "vexa/host/CZelPoint.h"',
                       'vexa/math may not include "vexa/host/CZelPoint.h"'),
-    "more than the clock": ("vexa/mesh/planted.cpp", '#include "vexa/tools/other.h"',
-                            'vexa/mesh may not include "vexa/tools/other.h"'),
+    "more than the clock": ("vexa/mesh/planted.cpp", '#include "vexa/support/UxThrow.h"',
+                            'vexa/mesh may not include "vexa/support/UxThrow.h"'),
     "the umbrella": ("vexa/math/planted.cpp", '#include "vexa/vexa.h"', "umbrella"),
     "a path that is not from the root": ("vexa/math/planted.cpp", '#include "conversion.h"',
                                          "does not start at the root"),
     "a file-system call": ("vexa/mesh/planted.cpp", "#include <dirent.h>",
                            "<dirent.h> belongs to vexa/support"),
     "intrinsics": ("vexa/mesh/planted.cpp", "#include <immintrin.h>", "belongs to vexa/math/simd"),
+    "a room that another may not know": ("scene/planted.cpp", '#include "importer/model_import.h"',
+                                         'scene may not include "importer/model_import.h"'),
+    "Assimp outside the importer": ("scene/planted.cpp", "#include <assimp/scene.h>",
+                                    "<assimp/scene.h> belongs to importer"),
+    "Cairo outside the plots": ("formats/planted.cpp", "#include <cairo.h>",
+                                "<cairo.h> belongs to plot"),
     "a cycle": ("vexa/math/planted.h", '#include "vexa/math/planted.h"', "cycle: "),
     "a header missing from the umbrella": ("vexa/math/planted.h", "", "lacks vexa/math/planted.h"),
 }
@@ -36,8 +42,8 @@ class CheckLayers(unittest.TestCase):
         for name, (path, line, text) in PLANTED.items():
             with self.subTest(name), tempfile.TemporaryDirectory() as temporary:
                 tree = pathlib.Path(temporary)
-                shutil.copytree(ROOT / "vexa", tree / "vexa")
-                (tree / "vexa/tools/other.h").touch()
+                for folder in ("vexa", "importer", "scene", "formats"):
+                    shutil.copytree(ROOT / folder, tree / folder)
                 (tree / path).write_text(line + "\n")
                 result = check(tree)
                 self.assertEqual(result.returncode, 1)

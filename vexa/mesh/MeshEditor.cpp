@@ -7,7 +7,7 @@
 #include "vexa/mesh/MeshImpl.h"
 #include "vexa/mesh/VertexFinder_internal.h"
 #include "vexa/mesh/mesh_geometry_internal.h"
-#include "vexa/tools/clock.h"
+#include "vexa/support/clock.h"
 
 namespace UXS {
 

@@ -10,7 +10,7 @@
 #include "vexa/mesh/MeshSmoothList.h"
 #include "vexa/mesh/mesh_geometry_internal.h"
 #include "vexa/mesh/mesh_topology_internal.h"
-#include "vexa/tools/clock.h"
+#include "vexa/support/clock.h"
 
 namespace UXS {
 

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "vexa/math/TVector2D.h"
+#include "vexa/math/TVector3D.h"
+
+namespace vexa::formats {
+
+/// A mesh whose points move from frame to frame: what is drawn and exported.
+///
+/// Points are in world space, scene units, +Z up.
+struct MovingMesh {
+  using Points = std::vector<Oru::TVector3D<float>>;
+
+  std::string mName;
+  std::vector<Oru::TVector3D<unsigned int>> mTriangles;
+  std::vector<unsigned int> mMaterials;  ///< one per triangle
+  /// Three (u, v) pairs per triangle, or empty.
+  std::vector<Oru::TVector3D<Oru::TVector2D<float>>> mUvs;
+  std::vector<Points> mFrames;  ///< all of one length
+};
+
+}  // namespace vexa::formats

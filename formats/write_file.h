@@ -1,0 +1,13 @@
+#pragma once
+
+#include <string>
+
+namespace vexa::formats {
+
+/// Writes a whole file, or leaves what stood there: the bytes go to a temporary name beside the
+/// target, which is then renamed.
+///
+/// Throws std::runtime_error "PATH: what is wrong"; no temporary file stays behind.
+void writeFile(const std::string& inPath, const std::string& inBytes);
+
+}  // namespace vexa::formats

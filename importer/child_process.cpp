@@ -1,0 +1,259 @@
+#include "importer/child_process.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <fcntl.h>
+#include <fstream>
+#include <new>
+#include <poll.h>
+#include <stdexcept>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <thread>
+#include <unistd.h>
+#ifdef __linux__
+#include <sys/prctl.h>
+#endif
+
+namespace vexa::importer {
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+
+// What goes through the pipe: one of these, the length in 8 bytes, then the result or error text.
+constexpr char kResult = 'R';
+constexpr char kError = 'E';
+
+[[noreturn]] void failWithErrno(const char* what) {
+  throw std::runtime_error(std::string(what) + ": " + std::strerror(errno));
+}
+
+class Descriptor {
+ public:
+  explicit Descriptor(int fd) : mFd(fd) {}
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  ~Descriptor() { close(); }
+  int get() const { return mFd; }
+  void close() {
+    if (mFd >= 0) ::close(mFd);
+    mFd = -1;
+  }
+
+ private:
+  int mFd;
+};
+
+// A child of this process; killed and reaped at the latest by the destructor.
+class Child {
+ public:
+  explicit Child(pid_t pid) : mPid(pid) {}
+  Child(const Child&) = delete;
+  Child& operator=(const Child&) = delete;
+  ~Child() {
+    if (mPid <= 0) return;
+    kill(mPid, SIGKILL);
+    while (waitpid(mPid, nullptr, 0) < 0 && errno == EINTR) {
+    }
+  }
+
+  // The status once the child has ended by itself; false when it still runs at the deadline.
+  bool wait(Clock::time_point deadline, int& outStatus) {
+    for (;;) {
+      const pid_t ended = waitpid(mPid, &outStatus, WNOHANG);
+      if (ended == mPid || (ended < 0 && errno != EINTR)) {
+        mPid = -1;
+        return true;
+      }
+      if (Clock::now() >= deadline) return false;
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+  }
+
+ private:
+  pid_t mPid;
+};
+
+void limitResource(decltype(RLIMIT_CORE) resource, std::uint64_t soft, std::uint64_t hard) {
+  rlimit limit{};
+  limit.rlim_cur = static_cast<rlim_t>(soft);
+  limit.rlim_max = static_cast<rlim_t>(hard);
+  setrlimit(resource, &limit);
+}
+
+std::uint64_t addressSpaceInUse() {
+  std::uint64_t pages = 0;
+  std::ifstream("/proc/self/statm") >> pages;
+  return pages * static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
+}
+
+void applyLimits(const ChildLimits& limits) {
+#ifdef __linux__
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
+#endif
+  limitResource(RLIMIT_CORE, 0, 0);
+  // The hard limit lies higher: at the soft one comes SIGXCPU, which tells the reason.
+  limitResource(RLIMIT_CPU, limits.cpuSeconds, std::uint64_t{limits.cpuSeconds} + 1);
+  const std::uint64_t space = addressSpaceInUse() + limits.memoryBytes;
+  limitResource(RLIMIT_AS, space, space);
+}
+
+void silenceStandardStreams() {
+  const int null = open("/dev/null", O_RDWR);
+  if (null < 0) return;
+  for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) dup2(null, stream);
+}
+
+// The host's handlers have no business in the child.
+void restoreSignals() {
+  for (const int number : {SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTERM, SIGXCPU, SIGPIPE}) {
+    std::signal(number, SIG_DFL);
+  }
+  sigset_t none;
+  sigemptyset(&none);
+  sigprocmask(SIG_SETMASK, &none, nullptr);
+}
+
+void writeAll(int fd, const char* bytes, std::size_t count) {
+  while (count > 0) {
+    const ssize_t written = write(fd, bytes, count);
+    if (written < 0 && errno == EINTR) continue;
+    if (written <= 0) _exit(1);
+    bytes += written;
+    count -= static_cast<std::size_t>(written);
+  }
+}
+
+void sendMessage(int fd, char kind, const char* bytes, std::size_t length) {
+  std::array<char, 9> header{kind};
+  const std::uint64_t count = length;
+  std::memcpy(header.data() + 1, &count, sizeof(count));
+  writeAll(fd, header.data(), header.size());
+  writeAll(fd, bytes, length);
+}
+
+void sendError(int fd, const char* text) { sendMessage(fd, kError, text, std::strlen(text)); }
+
+[[noreturn]] void runAsChild(int fd, const std::function<std::string()>& work,
+                             const ChildLimits& limits) {
+  silenceStandardStreams();
+  restoreSignals();
+  applyLimits(limits);
+  try {
+    const std::string result = work();
+    sendMessage(fd, kResult, result.data(), result.size());
+  } catch (const std::bad_alloc&) {
+    sendError(fd, "not enough memory");
+  } catch (const std::exception& e) {
+    sendError(fd, e.what());
+  } catch (...) {
+    sendError(fd, "unknown exception");
+  }
+  _exit(0);
+}
+
+std::string seconds(std::chrono::milliseconds time) {
+  const auto count = time.count();
+  return count % 1000 == 0 ? std::to_string(count / 1000) + " s" : std::to_string(count) + " ms";
+}
+
+[[noreturn]] void failForTime(const ChildLimits& limits) {
+  throw std::runtime_error("it took longer than " + seconds(limits.wallTime));
+}
+
+// Reads `count` bytes; false when the other end closes before.
+bool readAll(int fd, char* bytes, std::size_t count, Clock::time_point deadline,
+             const ChildLimits& limits) {
+  while (count > 0) {
+    const auto left =
+        std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
+    if (left.count() <= 0) failForTime(limits);
+    pollfd waiting{fd, POLLIN, 0};
+    const int ready =
+        poll(&waiting, 1, static_cast<int>(std::min<long long>(left.count(), 60'000)));
+    if (ready < 0 && errno != EINTR) failWithErrno("poll");
+    if (ready <= 0) continue;
+    const ssize_t got = read(fd, bytes, count);
+    if (got < 0 && errno == EINTR) continue;
+    if (got <= 0) return false;
+    bytes += got;
+    count -= static_cast<std::size_t>(got);
+  }
+  return true;
+}
+
+// The lengths come from the child and are not to be trusted.
+bool receiveMessage(int fd, char& outKind, std::string& outBytes, Clock::time_point deadline,
+                    const ChildLimits& limits) {
+  std::array<char, 9> header{};
+  if (!readAll(fd, header.data(), header.size(), deadline, limits)) return false;
+  outKind = header[0];
+  std::uint64_t length = 0;
+  std::memcpy(&length, header.data() + 1, sizeof(length));
+  if (length > limits.resultBytes) {
+    throw std::runtime_error("its result is larger than " + std::to_string(limits.resultBytes) +
+                             " bytes");
+  }
+  outBytes.resize(static_cast<std::size_t>(length));
+  return readAll(fd, outBytes.data(), outBytes.size(), deadline, limits);
+}
+
+[[noreturn]] void failForStatus(int status, const ChildLimits& limits) {
+  if (WIFSIGNALED(status)) {
+    const int number = WTERMSIG(status);
+    if (number == SIGXCPU) {
+      throw std::runtime_error("it took more than " + std::to_string(limits.cpuSeconds) +
+                               " s of processor time");
+    }
+    throw std::runtime_error("it was ended by signal " + std::to_string(number) + " (" +
+                             strsignal(number) + ")");
+  }
+  throw std::runtime_error("it ended without a result (exit status " +
+                           std::to_string(WEXITSTATUS(status)) + ")");
+}
+
+}  // namespace
+
+std::string runInChild(const std::function<std::string()>& work, const ChildLimits& limits) {
+  const Clock::time_point deadline = Clock::now() + limits.wallTime;
+  int ends[2];
+  if (pipe2(ends, O_CLOEXEC) != 0) failWithErrno("pipe");
+  Descriptor output(ends[0]), input(ends[1]);
+  const pid_t pid = fork();
+  if (pid < 0) failWithErrno("fork");
+  if (pid == 0) runAsChild(input.get(), work, limits);
+  Child child(pid);
+  input.close();
+
+  char kind = 0;
+  std::string bytes;
+  if (!receiveMessage(output.get(), kind, bytes, deadline, limits)) {
+    int status = 0;
+    if (!child.wait(deadline, status)) failForTime(limits);
+    failForStatus(status, limits);
+  }
+  if (kind != kResult) throw std::runtime_error(oneLine(bytes));
+  return bytes;
+}
+
+std::string oneLine(const std::string& text) {
+  constexpr std::size_t kLongest = 300;
+  std::string line;
+  for (const char c : text) {
+    const bool blank = static_cast<unsigned char>(c) <= ' ' || c == '\x7f';
+    if (!blank) {
+      line += c;
+    } else if (!line.empty() && line.back() != ' ') {
+      line += ' ';
+    }
+  }
+  if (line.size() > kLongest) line = line.substr(0, kLongest) + "...";
+  while (!line.empty() && line.back() == ' ') line.pop_back();
+  return line;
+}
+
+}  // namespace vexa::importer

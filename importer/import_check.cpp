@@ -1,0 +1,82 @@
+#include "importer/import_check.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <stdexcept>
+
+#include "vexa/framecollector/XCAMOFileIOTool.h"
+#include "vexa/framecollector/XCFrameCollector.h"
+#include "vexa/mesh/Mesh.h"
+#include "vexa/mesh/MeshEditor.h"
+
+namespace vexa::importer {
+
+namespace {
+
+using Reference = std::vector<Oru::TVector3D<double>>;
+using Posed = std::vector<Oru::TVector3D<float>>;
+
+// Points alone: without triangles the runtime has nothing else to work out for each pose.
+void addPoints(const Posed& points, UXS::Mesh& outMesh) {
+  UXS::Mesh::Editor editor(outMesh, false);
+  for (const auto& point : points) editor.AddVertex(point);
+}
+
+double diagonal(const Reference& points) {
+  if (points.empty()) return 0;
+  auto low = points.front(), high = points.front();
+  for (const auto& p : points) {
+    low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
+    high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};
+  }
+  return std::hypot(high.x - low.x, high.y - low.y, high.z - low.z);
+}
+
+double distance(const Oru::TVector3D<double>& a, const Oru::TVector3D<float>& b) {
+  const double d = std::hypot(a.x - double(b.x), a.y - double(b.y), a.z - double(b.z));
+  return std::isnan(d) ? std::numeric_limits<double>::infinity() : d;
+}
+
+// Notes the distances of one pose, not yet divided by the size.
+void compare(const Reference& expected, const Posed& actual, std::size_t take, std::size_t frame,
+             ImportCheck& ioCheck) {
+  for (std::size_t v = 0; v < expected.size(); ++v) {
+    const double d = distance(expected[v], actual[v]);
+    if (d <= ioCheck.largestDifference) continue;
+    ioCheck.largestDifference = d;
+    ioCheck.take = take;
+    ioCheck.frame = frame;
+    ioCheck.vertex = v;
+  }
+  const double size = diagonal(expected);
+  ioCheck.size = ioCheck.poseCount == 0 ? size : std::min(ioCheck.size, size);
+  ++ioCheck.poseCount;
+}
+
+}  // namespace
+
+ImportCheck verifyImport(const ImportedModel& model, const std::string& animationFile,
+                         const std::vector<Oru::TVector3D<float>>& restPoints) {
+  if (restPoints.size() != model.reference.points.size()) {
+    throw std::runtime_error("the rest mesh has " + std::to_string(restPoints.size()) +
+                             " points, the model " + std::to_string(model.reference.points.size()));
+  }
+  UXS::Mesh rest;
+  addPoints(restPoints, rest);
+  Norvel::Vexa::XCFrameCollector collector(&rest);
+  Norvel::XCAMOFileIOTool(Norvel::CChemin(animationFile.c_str())).Read(&collector);
+
+  ImportCheck check;
+  for (std::size_t take = 0; take < model.takes.size(); ++take) {
+    for (std::size_t frame = 0; frame < std::size_t(model.takes[take].frameCount); ++frame) {
+      const UXS::Mesh* posed = collector.GetCurrentDefinition(unsigned(take), unsigned(frame), {});
+      compare(model.reference.pose(take, frame), posed->GetVerticesArray(), take, frame, check);
+    }
+  }
+  // A model of no size is compared as it is.
+  if (check.size > 0) check.largestDifference /= check.size;
+  return check;
+}
+
+}  // namespace vexa::importer

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+#include "importer/model_import.h"
+
+namespace vexa::importer {
+
+/// How far the runtime's poses are from the importer's own.
+struct ImportCheck {
+  /// Largest distance between a vertex and where it should be, divided by `size`; infinite when a
+  /// coordinate is no number.
+  double largestDifference = 0;
+  /// Where that is.
+  std::size_t take = 0, frame = 0, vertex = 0;
+  /// The model's size in its own units: the diagonal of the box around its smallest pose.
+  double size = 0;
+  std::size_t poseCount = 0;
+};
+
+/// What the largest difference stays below for a model that is well inside what the runtime's
+/// single-precision numbers can hold.
+constexpr double kImportTolerance = 1e-5;
+
+/// Reads an imported animation file back through the library, onto a mesh of the given rest points,
+/// and compares every vertex of every frame of every take with ImportedModel::reference.
+///
+/// Give it what was written and read back, not what was meant to be written. Throws
+/// std::runtime_error when the number of points is another than the model's, and what the library's
+/// reader throws.
+ImportCheck verifyImport(const ImportedModel& model, const std::string& animationFile,
+                         const std::vector<Oru::TVector3D<float>>& restPoints);
+
+}  // namespace vexa::importer

@@ -1,0 +1,141 @@
+#include "importer/import_files.h"
+
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <limits>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+
+#include "formats/write_file.h"
+
+namespace vexa::importer {
+namespace {
+
+namespace fs = std::filesystem;
+using Json = nlohmann::ordered_json;
+
+/// The vertex nearest to the middle of the rest mesh, which moves with the body rather than a limb.
+std::size_t middleVertex(const formats::ObjModel& mesh) {
+  double sum[3] = {0, 0, 0};
+  for (const auto& p : mesh.points) {
+    sum[0] += double(p.x), sum[1] += double(p.y), sum[2] += double(p.z);
+  }
+  const double n = double(mesh.points.size());
+  std::size_t nearest = 0;
+  double least = std::numeric_limits<double>::infinity();
+  for (std::size_t i = 0; i < mesh.points.size(); ++i) {
+    const auto& p = mesh.points[i];
+    const double x = double(p.x) - sum[0] / n, y = double(p.y) - sum[1] / n,
+                 z = double(p.z) - sum[2] / n;
+    const double distance = x * x + y * y + z * z;
+    if (distance < least) least = distance, nearest = i;
+  }
+  return nearest;
+}
+
+/// One instance that repeats the first take; a host frame is a frame of the take.
+Json sceneOf(const ImportedModel& model, const std::string& name) {
+  Json takes = Json::array();
+  for (const auto& take : model.takes) {
+    takes.push_back(
+        {{"name", take.name}, {"frames", take.frameCount}, {"rate", take.framesPerSecond}});
+  }
+  const auto& first = model.takes.front();
+  return {{"settings", {{"timeScale", first.framesPerSecond}}},
+          {"objects",
+           {{{"name", name},
+             {"mesh", name + ".obj"},
+             {"animation", name + ".amo"},
+             {"takes", takes},
+             {"anchorVertex", middleVertex(model.mesh)}}}},
+          {"instances", {{{"name", name}, {"object", name}, {"take", first.name}}}},
+          {"values",
+           {{{"name", name + " frame"},
+             {"kind", "takeFrame"},
+             {"instance", name},
+             {"cyclic", true},
+             {"repeat", 1000000},
+             {"keys",
+              {{{"frame", 0}, {"value", 0}},
+               {{"frame", first.frameCount}, {"value", first.frameCount - 1}}}}}}}};
+}
+
+/// Throws for names that are no UTF-8, which JSON cannot hold.
+std::string asText(const Json& scene, const std::string& stem) {
+  try {
+    return scene.dump(2) + "\n";
+  } catch (const Json::type_error&) {
+    throw std::runtime_error(stem + ": its name, or that of a take, is no UTF-8");
+  }
+}
+
+/// A folder that is gone, with all in it, at the end.
+class TemporaryFolder {
+ public:
+  explicit TemporaryFolder(const fs::path& beside) {
+    std::string name = (beside / ".vexa-import-XXXXXX").string();
+    if (mkdtemp(name.data()) == nullptr) {
+      throw std::runtime_error((beside.empty() ? "." : beside.string()) + ": " +
+                               std::strerror(errno));
+    }
+    mPath = name;
+  }
+  TemporaryFolder(const TemporaryFolder&) = delete;
+  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+  ~TemporaryFolder() {
+    std::error_code ignored;
+    fs::remove_all(mPath, ignored);
+  }
+  const fs::path& path() const { return mPath; }
+
+ private:
+  fs::path mPath;
+};
+
+/// Renaming three files is not one step: what is sure to stop it is found beforehand.
+void requireFree(const fs::path& file) {
+  std::error_code ignored;
+  if (fs::is_directory(file, ignored)) throw std::runtime_error(file.string() + ": is a directory");
+}
+
+void requireFaithful(const ImportCheck& check, const ImportedModel& model,
+                     const std::string& file) {
+  if (check.largestDifference <= kImportTolerance) return;
+  char text[200];
+  std::snprintf(text, sizeof(text),
+                "the runtime's pose is %.3g of the model's size off at vertex %zu, frame %zu of ",
+                check.largestDifference, check.vertex, check.frame);
+  throw std::runtime_error(file + ": " + text + ("take \"" + model.takes[check.take].name + "\""));
+}
+
+}  // namespace
+
+ImportFiles writeImport(const ImportedModel& model, const std::string& stem) {
+  const fs::path target(stem);
+  const std::string name = target.filename().string();
+  if (name.empty()) throw std::runtime_error(stem + ": names no file");
+  const std::string names[] = {name + ".amo", name + ".obj", name + ".json"};
+  for (const std::string& each : names) requireFree(target.parent_path() / each);
+  const TemporaryFolder folder(target.parent_path());
+  const auto temporary = [&](int i) { return (folder.path() / names[i]).string(); };
+
+  formats::writeAnimationFile(model.animation, temporary(0));
+  formats::writeObj(temporary(1), model.mesh);
+  formats::writeFile(temporary(2), asText(sceneOf(model, name), stem));
+  ImportFiles result;
+  result.mCheck = verifyImport(model, temporary(0), formats::readObj(temporary(1)).points);
+  requireFaithful(result.mCheck, model, stem);
+
+  for (int i = 0; i < 3; ++i) {
+    result.mFiles.push_back((target.parent_path() / names[i]).string());
+    std::error_code error;
+    fs::rename(temporary(i), result.mFiles.back(), error);
+    if (error) throw std::runtime_error(result.mFiles.back() + ": " + error.message());
+  }
+  return result;
+}
+
+}  // namespace vexa::importer

@@ -1,0 +1,160 @@
+#include <cstring>
+#include <stdexcept>
+#include <type_traits>
+
+#include "importer/model_bytes_internal.h"
+
+namespace vexa::importer {
+
+namespace {
+
+// One list of the members serves both directions: Archive is Writer or Reader, and a Reader gets
+// the same members to fill that a Writer took.
+template <class Archive>
+void transfer(Archive& archive, SourceModel::Node& node) {
+  archive(node.name, node.parent, node.local);
+}
+
+template <class Archive>
+void transfer(Archive& archive, SourceModel::Bone& bone) {
+  archive(bone.name, bone.node, bone.offset, bone.influences);
+}
+
+template <class Archive>
+void transfer(Archive& archive, SourceModel::Mesh& mesh) {
+  archive(mesh.name, mesh.material, mesh.points, mesh.uvs, mesh.triangles, mesh.bones);
+}
+
+template <class Archive>
+void transfer(Archive& archive, SourceModel::Channel& channel) {
+  archive(channel.node, channel.translations, channel.rotations, channel.scales);
+}
+
+template <class Archive>
+void transfer(Archive& archive, SourceModel::Clip& clip) {
+  archive(clip.name, clip.channels);
+}
+
+template <class Archive>
+void transfer(Archive& archive, SourceModel& model) {
+  archive(model.nodes, model.meshes, model.instances, model.materials, model.clips, model.axes,
+          model.notes);
+}
+
+// Plain values travel as they lie in memory.
+template <class T>
+constexpr bool kIsPlain = std::is_trivially_copyable_v<T>;
+
+class Writer {
+ public:
+  template <class... Members>
+  void operator()(Members&... members) {
+    (put(members), ...);
+  }
+  std::string take() { return std::move(mBytes); }
+
+ private:
+  void append(const void* data, std::size_t count) {
+    if (count > 0) mBytes.append(static_cast<const char*>(data), count);
+  }
+
+  template <class T>
+  void put(T& value) {
+    if constexpr (kIsPlain<T>) {
+      append(&value, sizeof(value));
+    } else {
+      transfer(*this, value);
+    }
+  }
+  void put(std::string& text) {
+    putCount(text.size());
+    append(text.data(), text.size());
+  }
+  template <class T>
+  void put(std::vector<T>& items) {
+    putCount(items.size());
+    if constexpr (kIsPlain<T>) {
+      append(items.data(), items.size() * sizeof(T));
+    } else {
+      for (T& item : items) put(item);
+    }
+  }
+  void putCount(std::uint64_t count) { append(&count, sizeof(count)); }
+
+  std::string mBytes;
+};
+
+class Reader {
+ public:
+  explicit Reader(std::string_view bytes) : mBytes(bytes) {}
+
+  template <class... Members>
+  void operator()(Members&... members) {
+    (get(members), ...);
+  }
+  void checkAtEnd() const {
+    if (!mBytes.empty()) fail();
+  }
+
+ private:
+  [[noreturn]] static void fail() {
+    throw std::runtime_error("the result of the reading process is damaged");
+  }
+
+  void copy(void* data, std::size_t count) {
+    if (count > mBytes.size()) fail();
+    if (count > 0) std::memcpy(data, mBytes.data(), count);
+    mBytes.remove_prefix(count);
+  }
+
+  template <class T>
+  void get(T& value) {
+    if constexpr (kIsPlain<T>) {
+      copy(&value, sizeof(value));
+    } else {
+      transfer(*this, value);
+    }
+  }
+  void get(std::string& text) {
+    text.resize(getCount(1));
+    copy(text.data(), text.size());
+  }
+  template <class T>
+  void get(std::vector<T>& items) {
+    if constexpr (kIsPlain<T>) {
+      items.resize(getCount(sizeof(T)));
+      copy(items.data(), items.size() * sizeof(T));
+    } else {
+      // Every item begins with a count or an index, so that a huge number cannot be claimed.
+      const std::size_t count = getCount(sizeof(std::int32_t));
+      for (std::size_t i = 0; i < count; ++i) get(items.emplace_back());
+    }
+  }
+  std::size_t getCount(std::size_t leastBytesEach) {
+    std::uint64_t count = 0;
+    copy(&count, sizeof(count));
+    if (count > mBytes.size() / leastBytesEach) fail();
+    return static_cast<std::size_t>(count);
+  }
+
+  std::string_view mBytes;
+};
+
+}  // namespace
+
+std::string packModel(const SourceModel& model) {
+  SourceModel copy = model;
+  Writer writer;
+  transfer(writer, copy);
+  return writer.take();
+}
+
+SourceModel unpackModel(std::string_view bytes) {
+  SourceModel model;
+  Reader reader(bytes);
+  transfer(reader, model);
+  reader.checkAtEnd();
+  return model;
+}
+
+}  // namespace vexa::importer

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "formats/AnimationFile.h"
+#include "formats/obj.h"
+#include "importer/child_process.h"
+#include "importer/model_reference.h"
+
+namespace vexa::importer {
+
+/// Which way a model's "up" points.
+enum class UpAxis {
+  /// As the file says, else +Y, to which the format's reader turns.
+  AsStated,
+  /// The axis named, of the model as its reader gives it, whatever the file says.
+  Y,
+  Z,
+};
+
+struct ImportOptions {
+  /// Names of the clips to take, in this order; all of them when empty.
+  std::vector<std::string> clips;
+  /// How densely clips are sampled, 1 to 1000.
+  int framesPerSecond = 30;
+  UpAxis up = UpAxis::AsStated;
+  /// How far each take leads away, evenly, in host space; for clips that walk in place.
+  Oru::TVector3D<double> travel;
+  /// Bytes that the animation file may have.
+  std::uint64_t largestAnimation = std::uint64_t{1} << 30;
+  ChildLimits limits;
+};
+
+/// A model made ready for the runtime.
+struct ImportedModel {
+  struct Take {
+    std::string name;
+    int frameCount = 0;
+    int framesPerSecond = 0;
+  };
+
+  /// The rest mesh, in host space: +Z up, right-handed, the model's own units. Vertices are welded
+  /// where position and links are the same; outward faces run counter-clockwise.
+  formats::ObjModel mesh;
+  /// Its matrices lead from host space into the file's, which has Y and Z exchanged.
+  formats::AnimationFile animation;
+  /// In the order of the animation file.
+  std::vector<Take> takes;
+  /// What was repaired, left out or assumed, one line each.
+  std::vector<std::string> notes;
+  /// For verifyImport.
+  ModelReference reference;
+};
+
+/// Imports a model file of any format that libassimp reads; skinned, or with moving nodes only.
+///
+/// Frame k of a take is the clip at k / framesPerSecond seconds, from 0 to its last key. Bones that
+/// name no node leave their vertices with the mesh's own node, as do vertices without weights; each
+/// such repair is noted. Throws std::runtime_error with one line that does not repeat the file's
+/// name, when the model cannot be read, has no triangles or no animation, when a clip of that name
+/// is not there, or when the animation would be too large.
+ImportedModel importModel(const std::string& file, const ImportOptions& options = {});
+
+/// The same for a model that is already read. It is checked and repaired first.
+ImportedModel importModel(SourceModel model, const ImportOptions& options = {});
+
+}  // namespace vexa::importer

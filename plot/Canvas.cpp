@@ -1,0 +1,82 @@
+#include "plot/Canvas.h"
+
+#include <cairo-svg.h>
+#include <stdexcept>
+
+#include "formats/write_file.h"
+
+namespace vexa::plot {
+namespace {
+
+cairo_status_t append(void* bytes, const unsigned char* data, unsigned int length) {
+  static_cast<std::string*>(bytes)->append(reinterpret_cast<const char*>(data), length);
+  return CAIRO_STATUS_SUCCESS;
+}
+
+void check(cairo_status_t status) {
+  if (status != CAIRO_STATUS_SUCCESS) throw std::runtime_error(cairo_status_to_string(status));
+}
+
+}  // namespace
+
+Canvas::Canvas(Format format, double width, double height) : mFormat(format) {
+  mSurface = format == Format::kSvg
+                 ? cairo_svg_surface_create_for_stream(append, &mBytes, width, height)
+                 : cairo_image_surface_create(CAIRO_FORMAT_RGB24, static_cast<int>(width),
+                                              static_cast<int>(height));
+  mCairo = cairo_create(mSurface);
+  const cairo_status_t status = cairo_status(mCairo);
+  if (status != CAIRO_STATUS_SUCCESS) {
+    cairo_destroy(mCairo);
+    cairo_surface_destroy(mSurface);
+    check(status);
+  }
+  cairo_select_font_face(mCairo, "DejaVu Sans", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
+  cairo_set_line_join(mCairo, CAIRO_LINE_JOIN_ROUND);
+  setInk({1, 1, 1});
+  rectangle(0, 0, width, height);
+}
+
+Canvas::~Canvas() {
+  cairo_destroy(mCairo);
+  cairo_surface_destroy(mSurface);
+}
+
+void Canvas::setInk(const Ink& ink) { cairo_set_source_rgb(mCairo, ink.r, ink.g, ink.b); }
+
+void Canvas::rectangle(double x, double y, double width, double height) {
+  cairo_rectangle(mCairo, x, y, width, height);
+  cairo_fill(mCairo);
+}
+
+void Canvas::line(double x0, double y0, double x1, double y1, double width) {
+  cairo_set_line_width(mCairo, width);
+  cairo_move_to(mCairo, x0, y0);
+  cairo_line_to(mCairo, x1, y1);
+  cairo_stroke(mCairo);
+}
+
+void Canvas::dot(double x, double y, double radius) {
+  constexpr double kFullTurn = 6.283185307179586;
+  cairo_new_sub_path(mCairo);
+  cairo_arc(mCairo, x, y, radius, 0, kFullTurn);
+  cairo_fill(mCairo);
+}
+
+void Canvas::text(double x, double y, const std::string& text, double size, double align) {
+  cairo_set_font_size(mCairo, size);
+  cairo_text_extents_t extents;
+  cairo_text_extents(mCairo, text.c_str(), &extents);
+  cairo_move_to(mCairo, x - align * extents.x_advance, y);
+  cairo_show_text(mCairo, text.c_str());
+}
+
+void Canvas::write(const std::string& path) {
+  check(cairo_status(mCairo));
+  if (mFormat == Format::kPng) check(cairo_surface_write_to_png_stream(mSurface, append, &mBytes));
+  cairo_surface_finish(mSurface);
+  check(cairo_surface_status(mSurface));
+  formats::writeFile(path, mBytes);
+}
+
+}  // namespace vexa::plot

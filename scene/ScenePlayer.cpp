@@ -1,0 +1,247 @@
+#include "scene/ScenePlayer.h"
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <numeric>
+#include <stdexcept>
+
+#include "formats/AnimationFile.h"
+#include "formats/read_file.h"
+#include "vexa/animation/CZelObjectInstanceTool.h"
+#include "vexa/mesh/Mesh.h"
+
+namespace vexa::scene {
+namespace {
+
+using refhost::Instance;
+using refhost::Property;
+using Matrix = Norvel::Vexa::ux_matrix44<double>;
+
+bool isPosition(const Property& value) {
+  return value.mPropertyType == UxZel::kPropertyPosition ||
+         value.mPropertyType == UxZel::kPropertyPositionTarget ||
+         value.mPropertyType == UxZel::kPropertyPositionObject;
+}
+
+bool drivesAnInstance(const Property& value) {
+  return value.mPropertyType == UxZel::kPropertyAnimatedFrame ||
+         value.mPropertyType == UxZel::kPropertyAnimatedWalk;
+}
+
+[[noreturn]] void refuse(const std::string& what, const std::string& name, const std::string& why) {
+  throw std::runtime_error(what + " \"" + name + "\": " + why);
+}
+
+const refhost::Path* pathOf(const refhost::Scene& scene, const Property& value) {
+  for (const refhost::Path& path : scene.mPaths.mElements) {
+    if (path.mIdentity.mUUID == value.mPath) return &path;
+  }
+  return nullptr;
+}
+
+bool leans(const UxZel::CZelVector& v) { return v.x != 0 || v.y != 0 || v.z != 0; }
+
+/// Straight from passage to passage and along the control points: 0 only for a path of length 0.
+bool hasLength(const refhost::Path& path) {
+  const auto& points = path.mPoints.mElements;
+  const auto differs = [&](const refhost::BezierPoint& point) {
+    const UxZel::CZelPoint &p = point.mPassage, &q = points[0].mPassage;
+    return p.x != q.x || p.y != q.y || p.z != q.z || leans(point.mBefore) || leans(point.mAfter);
+  };
+  return std::any_of(points.begin(), points.end(), differs);
+}
+
+void checkPosition(const refhost::Scene& scene, const Property& value) {
+  const refhost::Path* path = pathOf(scene, value);
+  if (path == nullptr) refuse("value", value.mName, "names no path");
+  if (path->mPoints.mElements.size() < 2) {
+    refuse("value", value.mName, "follows a path of fewer than two points");
+  }
+  if (!isPosition(value) && !hasLength(*path)) {
+    refuse("value", value.mName, "walks along a path of length 0");
+  }
+  for (const refhost::Key& key : value.mKeys.mElements) {
+    if (!isPosition(value) || (key.mValue.mReal >= 0 && key.mValue.mReal <= 1)) continue;
+    refuse("value", value.mName, "a key of a position lies outside 0 to 1");
+  }
+}
+
+/// The manager answers a request that cannot be met with zeros; here it is refused beforehand.
+void checkValue(const refhost::Scene& scene, const Property& value) {
+  if (value.mKeys.mElements.empty()) refuse("value", value.mName, "has no key");
+  const auto& keys = value.mKeys.mElements;
+  if (std::all_of(keys.begin(), keys.end(), [](const auto& key) { return key.mFrame < 0; })) {
+    refuse("value", value.mName, "has no key at a frame from 0 on");
+  }
+  const bool needsTwo =
+      drivesAnInstance(value) || value.mPropertyType == UxZel::kPropertyAnimatedFrameRate;
+  if (needsTwo && value.mKeys.mElements.size() < 2) {
+    refuse("value", value.mName, "needs a key at the start and one at the end");
+  }
+  if (isPosition(value) || value.mPropertyType == UxZel::kPropertyAnimatedWalk) {
+    checkPosition(scene, value);
+  }
+  if (!drivesAnInstance(value)) return;
+  if (value.mInstance == refhost::kNone) refuse("value", value.mName, "names no instance");
+  const Instance& instance = scene.mInstances.mElements[value.mInstance];
+  if (instance.mDefinition == refhost::kNone) {
+    refuse("value", value.mName, "instance \"" + instance.mName + "\" has no object");
+  }
+  const auto& object = scene.mDefinitions[instance.mDefinition].mAnimatedObject;
+  if (object == nullptr || instance.mState.mTakeIndex >= object->mTakes.mElements.size()) {
+    refuse("value", value.mName, "the object of instance \"" + instance.mName + "\" has no take");
+  }
+}
+
+/// A take that the animation file lacks has no pose.
+void checkTakes(const refhost::Definition& definition) {
+  const refhost::AnimatedObject& object = *definition.mAnimatedObject;
+  const formats::AnimationFile file =
+      formats::decodeAnimationFile(formats::readFile(object.mAnimationFile));
+  if (object.mTakes.mElements.size() <= file.mFrameCounts.size()) return;
+  refuse("object", definition.mName, "more takes than the animation file has");
+}
+
+[[noreturn]] void refuseUnposed(const refhost::Scene& scene, const Instance& instance) {
+  const std::string& file =
+      scene.mDefinitions[instance.mDefinition].mAnimatedObject->mAnimationFile;
+  refuse(file + ": instance", instance.mName,
+         "a vertex is no finite point; is each linked to a node?");
+}
+
+/// An instance's placement in the world, through all that enclose it.
+struct Placement {
+  Matrix mToWorld;
+  float mScale = 1;  ///< of all enclosing instances and of itself
+  bool mIsPlantGroup = false;
+};
+
+Placement placementOf(const refhost::Scene& scene, const Instance& instance) {
+  Placement parent;
+  for (const Instance& other : scene.mInstances.mElements) {
+    const bool encloses = !UxZel::isNone(instance.mParent) && &other != &instance &&
+                          other.mIdentity.mUUID == instance.mParent;
+    if (encloses) parent = placementOf(scene, other);  // parents stand before their children
+  }
+  const bool plantGroupFlag = parent.mIsPlantGroup && instance.mPlantGroupFlag;
+  Placement result;
+  result.mToWorld = UxZel::CZelObjectInstanceTool::getObjectTransformToWorld(
+      &instance, parent.mScale, parent.mToWorld, nullptr, nullptr, false, true, plantGroupFlag,
+      true);
+  const double* s = instance.mScale;
+  result.mScale =
+      parent.mScale * static_cast<float>((std::abs(s[0]) + std::abs(s[1]) + std::abs(s[2])) / 3);
+  result.mIsPlantGroup = instance.mClassName == "3DPlantGroupInstances";
+  return result;
+}
+
+Oru::TVector3D<float> transformed(const Matrix& matrix, const Oru::TVector3D<float>& p) {
+  const auto q = matrix * Norvel::Vexa::ux_point3<double>(double(p.x), double(p.y), double(p.z));
+  return {static_cast<float>(q.x), static_cast<float>(q.y), static_cast<float>(q.z)};
+}
+
+}  // namespace
+
+ScenePlayer::ScenePlayer(refhost::Scene scene)
+    : mScene(std::move(scene)), mManager(Norvel::Vexa::XIAnimationMgr::Create()) {
+  if (mManager == nullptr) throw std::bad_alloc();
+  for (const Property& value : mScene.mProperties) checkValue(mScene, value);
+  for (Instance& instance : mScene.mInstances.mElements) {
+    if (instance.mDefinition != refhost::kNone) registerInstance(instance);
+  }
+  for (std::size_t i = 0; i < mScene.mDefinitions.size(); ++i) {
+    const auto& instances = mScene.mInstances.mElements;
+    const bool isShown = std::any_of(instances.begin(), instances.end(),
+                                     [i](const auto& each) { return each.mDefinition == i; });
+    if (isShown && mScene.mDefinitions[i].mAnimatedObject) checkTakes(mScene.mDefinitions[i]);
+  }
+  const auto& values = mScene.mProperties;
+  mSamples.resize(values.size());
+  mOrder.resize(values.size());
+  std::iota(mOrder.begin(), mOrder.end(), std::size_t{0});
+  std::stable_sort(mOrder.begin(), mOrder.end(), [&values](std::size_t a, std::size_t b) {
+    return values[a].mInstance < values[b].mInstance;
+  });
+}
+
+void ScenePlayer::registerInstance(Instance& instance) {
+  refhost::AnimatedObject* object = mScene.mDefinitions[instance.mDefinition].mAnimatedObject.get();
+  if (object == nullptr) return;
+  const std::string folder = std::filesystem::path(object->mAnimationFile).parent_path().string();
+  try {
+    mManager->RegisterAnimatedObject(&instance, object, object->mAnimationFile.c_str(),
+                                     folder.c_str(), &object->mPoints, &object->mPolygons);
+  } catch (const std::exception& error) {
+    refuse("instance", instance.mName, object->mAnimationFile + ": " + error.what());
+  }
+  if (currentMesh(instance) == nullptr) {
+    refuse("instance", instance.mName, object->mAnimationFile + ": no such animation file");
+  }
+}
+
+UXS::Mesh* ScenePlayer::currentMesh(const Instance& instance) const {
+  const auto frame = static_cast<unsigned int>(instance.mState.mCurrentFrame);
+  return mManager->GetCurrentDefinition(instance.mState.mTakeIndex, frame,
+                                        instance.mIdentity.mUUID);
+}
+
+void ScenePlayer::setFrame(int frame) {
+  for (const std::size_t i : mOrder) {
+    Property& value = mScene.mProperties[i];
+    Sample sample;
+    if (drivesAnInstance(value)) {
+      Instance& instance = mScene.mInstances.mElements[value.mInstance];
+      sample.mValue = mManager->ManageAnimatedObjectInstance(
+          &mScene, &instance, &mScene.mDefinitions[instance.mDefinition], &value, frame,
+          &sample.mDirection);
+      instance.mState.mCurrentFrame = sample.mValue.mInteger;
+    } else {
+      double* rate = value.mRate ? &*value.mRate : nullptr;
+      sample.mValue = mManager->InterpolateValue(&mScene, &value, frame, &sample.mDirection, rate);
+    }
+    mSamples[i] = sample;
+  }
+}
+
+UxZel::CZelPoint ScenePlayer::worldPosition(const Instance& instance) const {
+  const auto p =
+      placementOf(mScene, instance).mToWorld * Norvel::Vexa::ux_point3<double>(0.0, 0.0, 0.0);
+  return {p.x, p.y, p.z};
+}
+
+std::vector<formats::MovingMesh> ScenePlayer::meshes() const {
+  std::vector<formats::MovingMesh> meshes;
+  for (const Instance& instance : mScene.mInstances.mElements) {
+    const UXS::Mesh* mesh = currentMesh(instance);
+    if (mesh == nullptr) continue;
+    formats::MovingMesh moving;
+    moving.mName = instance.mName;
+    moving.mTriangles = mesh->GetTrianglesArray();
+    for (unsigned int t = 0; t < moving.mTriangles.size(); ++t) {
+      moving.mMaterials.push_back(mesh->GetTriangleMaterialID(t));
+      if (mesh->HasUVCoords()) moving.mUvs.push_back(mesh->GetTriangleUVCoords(t));
+    }
+    meshes.push_back(std::move(moving));
+  }
+  return meshes;
+}
+
+void ScenePlayer::appendPoses(std::vector<formats::MovingMesh>& ioMeshes) const {
+  std::size_t next = 0;
+  for (const Instance& instance : mScene.mInstances.mElements) {
+    const UXS::Mesh* mesh = currentMesh(instance);
+    if (mesh == nullptr) continue;
+    const Matrix toWorld = placementOf(mScene, instance).mToWorld;
+    formats::MovingMesh::Points points = mesh->GetVerticesArray();
+    for (auto& p : points) {
+      p = transformed(toWorld, p);
+      if (!std::isfinite(p.x) || !std::isfinite(p.y) || !std::isfinite(p.z)) {
+        refuseUnposed(mScene, instance);
+      }
+    }
+    ioMeshes[next++].mFrames.push_back(std::move(points));
+  }
+}
+
+}  // namespace vexa::scene

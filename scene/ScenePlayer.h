@@ -1,0 +1,60 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "formats/MovingMesh.h"
+#include "refhost/Scene.h"
+#include "vexa/animation/XIAnimationMgr.h"
+
+namespace vexa::scene {
+
+/// Plays a scene through the animation manager, as a host would: frame by frame, in any order.
+///
+/// What a frame gives depends on the scene and the frame alone, not on the frames shown before.
+class ScenePlayer {
+ public:
+  /// What the manager answered for one value.
+  struct Sample {
+    UxZel::IZelKeyFrame::uValue mValue{};
+    UxZel::CZelVector mDirection;  ///< for positions along a path; zero otherwise
+  };
+
+  /// Takes the scene and registers its animated instances. Throws std::runtime_error that names the
+  /// value, object or instance that cannot be played, and why.
+  explicit ScenePlayer(refhost::Scene scene);
+
+  const refhost::Scene& scene() const { return mScene; }
+
+  /// Computes every value of the scene at a frame, 0 or more, and drives the instances.
+  void setFrame(int frame);
+
+  /// One per value of the scene, in its order.
+  const std::vector<Sample>& samples() const { return mSamples; }
+
+  /// Where the origin of an instance of the scene lies in the world, through all that enclose it.
+  UxZel::CZelPoint worldPosition(const refhost::Instance& instance) const;
+
+  /// The meshes of all animated instances without a pose, in the order of the instances.
+  std::vector<formats::MovingMesh> meshes() const;
+  /// Appends the pose of the frame to each of them, in world space.
+  void appendPoses(std::vector<formats::MovingMesh>& ioMeshes) const;
+
+ private:
+  struct Deleter {
+    void operator()(Norvel::Vexa::XIAnimationMgr* manager) const { manager->Delete(); }
+  };
+
+  UXS::Mesh* currentMesh(const refhost::Instance& instance) const;
+  void registerInstance(refhost::Instance& instance);
+
+  refhost::Scene mScene;
+  std::unique_ptr<Norvel::Vexa::XIAnimationMgr, Deleter> mManager;
+  std::vector<Sample> mSamples;
+  /// Indices of the values, those of an instance after those of its parents: where a walker stands
+  /// in its parent depends on where the parent stands at the same frame.
+  std::vector<std::size_t> mOrder;
+};
+
+}  // namespace vexa::scene

@@ -1,0 +1,233 @@
+#include "scene/describe.h"
+
+#include <algorithm>
+#include <cmath>
+#include <filesystem>
+#include <map>
+#include <set>
+#include <stdexcept>
+
+#include "formats/AnimationFile.h"
+#include "formats/obj.h"
+#include "formats/read_file.h"
+#include "scene/scene_file.h"
+
+namespace vexa::scene {
+namespace {
+
+/// Farther from 1 than a sum of rounded weights gets.
+constexpr double kWeightTolerance = 1e-5;
+
+std::string count(std::size_t number, const char* what) {
+  return std::to_string(number) + " " + what + (number == 1 ? "" : "s");
+}
+
+/// What the links of an animation file say about its vertices.
+struct LinkFigures {
+  struct Vertex {
+    double sum = 0;
+    std::uint32_t influences = 0;
+  };
+  std::map<std::uint32_t, Vertex> mVertices;  ///< the linked ones; an index may be any number
+  std::size_t mLinks = 0;
+  std::size_t mToAbsentNodes = 0;  ///< links of a node that has no matrix
+  std::size_t mBadWeights = 0;     ///< negative or not finite
+
+  /// How many vertices a mesh needs to hold them all.
+  std::size_t vertexCount() const {
+    return mVertices.empty() ? 0 : std::size_t{mVertices.rbegin()->first} + 1;
+  }
+};
+
+LinkFigures figuresOf(const formats::AnimationFile& file) {
+  LinkFigures figures;
+  for (const formats::AnimationFile::Node& node : file.mNodes) {
+    figures.mLinks += node.mLinks.size();
+    if (node.mMatrices.empty()) figures.mToAbsentNodes += node.mLinks.size();
+    for (const formats::AnimationFile::Link& link : node.mLinks) {
+      LinkFigures::Vertex& vertex = figures.mVertices[link.mVertex];
+      vertex.sum += link.mWeight;
+      ++vertex.influences;
+      if (!(link.mWeight >= 0) || !std::isfinite(link.mWeight)) ++figures.mBadWeights;
+    }
+  }
+  return figures;
+}
+
+std::size_t badMatrices(const formats::AnimationFile& file) {
+  const auto isBad = [](const formats::AnimationFile::Matrix& matrix) {
+    return !std::all_of(matrix.begin(), matrix.end(), [](double e) { return std::isfinite(e); });
+  };
+  std::size_t bad = isBad(file.mGlobal) ? 1 : 0;
+  for (const auto& node : file.mNodes) {
+    bad += static_cast<std::size_t>(
+        std::count_if(node.mMatrices.begin(), node.mMatrices.end(), isBad));
+  }
+  return bad;
+}
+
+/// The bytes that a frame collector accounts for.
+std::uint64_t sizeInMemory(const formats::AnimationFile& file, const LinkFigures& figures) {
+  std::uint64_t size = 28 * figures.mLinks + 72 * figures.mVertices.size();
+  for (const auto& node : file.mNodes) {
+    if (!node.mMatrices.empty()) size += 32 + 48 * file.mFrameCounts.size();
+    size += 64 * node.mMatrices.size();
+  }
+  return size;
+}
+
+void describeWeights(const LinkFigures& figures, Description& ioDescription) {
+  const std::size_t unlinked = figures.vertexCount() - figures.mVertices.size();
+  std::size_t weightless = 0, offOne = 0;
+  double farthest = 0;
+  std::uint32_t most = 0;
+  for (const auto& [index, vertex] : figures.mVertices) {
+    most = std::max(most, vertex.influences);
+    const double off = std::abs(vertex.sum - 1);
+    if (vertex.sum == 0) {
+      ++weightless;
+    } else if (off > kWeightTolerance) {
+      ++offOne;
+      farthest = std::max(farthest, off);
+    }
+  }
+  ioDescription["links"] = figures.mLinks;
+  ioDescription["vertices"] = figures.vertexCount();
+  ioDescription["mostInfluencesPerVertex"] = most;
+  ioDescription["unlinkedVertices"] = unlinked;
+  ioDescription["weightSumsNotOne"] = offOne;
+  ioDescription["farthestWeightSumFromOne"] = farthest;
+  if (offOne > 0) {
+    ioDescription["notes"].push_back("weights of " + count(offOne, "vertex sum") +
+                                     " differ from 1; they are divided by their sum");
+  }
+  if (unlinked > 0)
+    ioDescription["faults"].push_back(count(unlinked, "vertex index") + " unlinked");
+  if (weightless > 0) {
+    ioDescription["faults"].push_back(count(weightless, "weight sum") + " of 0");
+  }
+}
+
+formats::AnimationFile readAnimation(const std::string& file) {
+  const std::string bytes = formats::readFile(file);
+  try {
+    return formats::decodeAnimationFile(bytes);
+  } catch (const std::runtime_error& error) {
+    throw std::runtime_error(file + ": " + error.what());
+  }
+}
+
+Description newDescription(const char* kind) {
+  Description description;
+  description["kind"] = kind;
+  description["notes"] = Description::array();
+  description["faults"] = Description::array();
+  return description;
+}
+
+Description describeAnimation(const formats::AnimationFile& file) {
+  Description description = newDescription("animation file");
+  const LinkFigures figures = figuresOf(file);
+  description["takes"] = file.mFrameCounts.size();
+  description["framesPerTake"] = file.mFrameCounts;
+  description["nodes"] = file.mNodes.size();
+  describeWeights(figures, description);
+  description["linksToAbsentNodes"] = figures.mToAbsentNodes;
+  description["bytesInMemory"] = sizeInMemory(file, figures);
+  auto& faults = description["faults"];
+  if (figures.mToAbsentNodes > 0) {
+    faults.push_back(count(figures.mToAbsentNodes, "link") + " to absent nodes");
+  }
+  if (figures.mBadWeights > 0) {
+    faults.push_back(count(figures.mBadWeights, "weight") + " negative or not finite");
+  }
+  if (const std::size_t bad = badMatrices(file); bad > 0) {
+    faults.push_back(count(bad, "matrix") + " not finite");
+  }
+  return description;
+}
+
+Description describeMesh(const std::string& file) {
+  const formats::ObjModel model = formats::readObj(file);
+  Description description = newDescription("mesh");
+  std::set<unsigned int> materials;
+  std::vector<bool> used(model.points.size(), false);
+  std::size_t degenerate = 0, bad = 0;
+  for (const auto& triangle : model.triangles) {
+    materials.insert(triangle.material);
+    const auto& c = triangle.corners;
+    for (const auto& corner : c) used[corner.point] = true;
+    const bool repeats =
+        c[0].point == c[1].point || c[1].point == c[2].point || c[2].point == c[0].point;
+    degenerate += repeats ? 1 : 0;
+  }
+  for (const auto& p : model.points) {
+    bad += std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z) ? 0 : 1;
+  }
+  const auto unused = static_cast<std::size_t>(std::count(used.begin(), used.end(), false));
+  description["points"] = model.points.size();
+  description["triangles"] = model.triangles.size();
+  description["materials"] = materials.size();
+  description["unusedPoints"] = unused;
+  description["degenerateTriangles"] = degenerate;
+  if (unused > 0) description["notes"].push_back(count(unused, "point") + " in no triangle");
+  if (degenerate > 0) description["notes"].push_back(count(degenerate, "degenerate triangle"));
+  if (bad > 0) description["faults"].push_back(count(bad, "point") + " not finite");
+  return description;
+}
+
+/// Whether an object's animation file fits its mesh.
+void describeObject(const refhost::Definition& definition, Description& ioDescription) {
+  const refhost::AnimatedObject& object = *definition.mAnimatedObject;
+  const std::string name = "object \"" + definition.mName + "\": ";
+  try {
+    const formats::AnimationFile file = readAnimation(object.mAnimationFile);
+    const LinkFigures figures = figuresOf(file);
+    const std::size_t points = object.mPoints.mElements.size();
+    auto& faults = ioDescription["faults"];
+    if (figures.vertexCount() > points) {
+      faults.push_back(name + "links to vertex " + std::to_string(figures.vertexCount() - 1) +
+                       " of a mesh of " + count(points, "point"));
+    } else if (figures.vertexCount() < points) {
+      faults.push_back(name + count(points - figures.vertexCount(), "point") + " unlinked");
+    }
+    if (object.mTakes.mElements.size() > file.mFrameCounts.size()) {
+      faults.push_back(name + "more takes than the animation file has");
+    }
+    const Description animation = describeAnimation(file);
+    for (const auto& fault : animation["faults"]) {
+      faults.push_back(name + fault.get<std::string>());
+    }
+  } catch (const std::runtime_error& error) {
+    ioDescription["faults"].push_back(name + error.what());
+  }
+}
+
+Description describeScene(const std::string& file) {
+  const refhost::Scene scene = readSceneFile(file);
+  Description description = newDescription("scene");
+  description["timeScale"] = scene.mSettings.mElements[0].mTimeScale;
+  description["paths"] = scene.mPaths.mElements.size();
+  description["objects"] = scene.mDefinitions.size();
+  description["instances"] = scene.mInstances.mElements.size();
+  description["values"] = Description::array();
+  for (const auto& property : scene.mProperties) {
+    description["values"].push_back(property.mName);
+    if (property.mKeys.mElements.empty()) {
+      description["faults"].push_back("value \"" + property.mName + "\" has no key");
+    }
+  }
+  for (const auto& definition : scene.mDefinitions) describeObject(definition, description);
+  return description;
+}
+
+}  // namespace
+
+Description describeFile(const std::string& file) {
+  const std::string extension = std::filesystem::path(file).extension().string();
+  if (extension == ".json") return describeScene(file);
+  if (extension == ".obj") return describeMesh(file);
+  return describeAnimation(readAnimation(file));
+}
+
+}  // namespace vexa::scene

@@ -1,0 +1,72 @@
+#include "scene/scene_csv.h"
+
+#include <charconv>
+#include <initializer_list>
+
+#include "formats/calendar.h"
+#include "scene/value_parts.h"
+
+namespace vexa::scene {
+namespace {
+
+/// A field in quotes where CSV asks for them.
+std::string field(const std::string& text) {
+  if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
+  std::string quoted = "\"";
+  for (const char c : text) quoted += c == '"' ? std::string("\"\"") : std::string(1, c);
+  return quoted + "\"";
+}
+
+}  // namespace
+
+std::string shortestNumber(double value) {
+  char text[32];
+  const auto end = std::to_chars(text, text + sizeof(text), value);
+  return std::string(text, end.ptr);
+}
+
+std::string valuesHeader(const refhost::Scene& scene) {
+  std::string line = "frame";
+  for (const refhost::Property& value : scene.mProperties) {
+    for (const std::string& part : partNames(value)) {
+      line += "," + field(part.empty() ? value.mName : value.mName + "." + part);
+    }
+  }
+  return line + "\n";
+}
+
+std::string valuesRow(const ScenePlayer& player, int frame) {
+  std::string line = std::to_string(frame);
+  const auto& values = player.scene().mProperties;
+  for (std::size_t i = 0; i < values.size(); ++i) {
+    for (const double part : parts(values[i], player.samples()[i])) {
+      line += "," + (isDate(values[i]) ? formats::dateOfSeconds(static_cast<std::int64_t>(part))
+                                       : shortestNumber(part));
+    }
+  }
+  return line + "\n";
+}
+
+std::string placementsHeader() {
+  return "frame,instance,take,takeFrame,x,y,z,rotation,directionX,directionY,directionZ,"
+         "anchorX,anchorY,anchorZ\n";
+}
+
+std::string placementsRows(const ScenePlayer& player, int frame) {
+  std::string lines;
+  for (const refhost::Instance& instance : player.scene().mInstances.mElements) {
+    lines += std::to_string(frame) + "," + field(instance.mName) + "," +
+             std::to_string(instance.mState.mTakeIndex) + "," +
+             std::to_string(instance.mState.mCurrentFrame);
+    const auto& p = instance.mPosition;
+    const auto& d = instance.mDirection;
+    const auto& a = instance.mAnchor;
+    for (const double number : {p.x, p.y, p.z, instance.mRotation, d.x, d.y, d.z, a.x, a.y, a.z}) {
+      lines += "," + shortestNumber(number);
+    }
+    lines += "\n";
+  }
+  return lines;
+}
+
+}  // namespace vexa::scene

@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+
+#include "refhost/Scene.h"
+
+namespace vexa::scene {
+
+/// Reads a scene file: JSON with settings, paths, objects, instances and values, as
+/// docs/scene_format.md describes it.
+///
+/// File names in it are relative to the scene file; the animation files are named, not read. Throws
+/// std::runtime_error "FILE: JSON PATH: what was expected".
+refhost::Scene readSceneFile(const std::string& file);
+
+}  // namespace vexa::scene

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "scene/ScenePlayer.h"
+
+namespace vexa::scene {
+
+/// The numbers that a value consists of, told by its kind and by the type of its first key.
+
+/// Their names: "x", "y", "z", "r", ...; one empty name for a value that is a single number.
+std::vector<std::string> partNames(const refhost::Property& value);
+/// The numbers of a sample, as many as there are names.
+std::vector<double> parts(const refhost::Property& value, const ScenePlayer::Sample& sample);
+
+bool isDate(const refhost::Property& value);
+bool isColor(const refhost::Property& value);
+
+}  // namespace vexa::scene

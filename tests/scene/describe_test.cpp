@@ -1,0 +1,62 @@
+#include "scene/describe.h"
+
+#include <gtest/gtest.h>
+
+#include "formats/AnimationFile.h"
+#include "formats/write_file.h"
+#include "tests/helpers/compare.h"
+#include "tests/helpers/scratch_directory.h"
+
+namespace {
+
+using vexa::formats::AnimationFile;
+using vexa::scene::describeFile;
+
+TEST(Describe, AnAnimationFileWithEveryFault) {
+  const vexa::tests::ScratchDirectory folder;
+  const std::string path = (folder / "a.amo").string();
+  AnimationFile file;
+  file.mFrameCounts = {2, 0};
+  file.mNodes.resize(2);
+  file.mNodes[0].mMatrices.assign(2, AnimationFile::kIdentity);
+  file.mNodes[0].mMatrices[1][5] = std::numeric_limits<double>::infinity();
+  file.mNodes[0].mLinks = {{0, 1}, {1, 0.5}, {3, 0}, {4, -1}};
+  file.mNodes[1].mMatrices.assign(2, AnimationFile::kIdentity);
+  file.mNodes[1].mLinks = {{1, 0.25}};
+  writeAnimationFile(file, path);
+  const auto description = describeFile(path);
+  EXPECT_EQ(description["nodes"], 2);
+  EXPECT_EQ(description["mostInfluencesPerVertex"], 2);
+  EXPECT_EQ(description["bytesInMemory"], 4 * 64 + 2 * (32 + 2 * 48) + 4 * 72 + 5 * 28);
+  EXPECT_EQ(description["notes"].size(), 1u);  // vertices 1 and 4 do not sum to 1
+  EXPECT_EQ(description["weightSumsNotOne"], 2);
+  EXPECT_EQ(description["faults"].dump(),
+            R"(["1 vertex index unlinked","1 weight sum of 0","1 weight negative or not finite",)"
+            R"("1 matrix not finite"])");
+}
+
+TEST(Describe, ASceneWhoseAnimationDoesNotFitItsMesh) {
+  const vexa::tests::ScratchDirectory folder;
+  AnimationFile file;
+  file.mFrameCounts = {1};
+  file.mNodes.resize(1);
+  file.mNodes[0].mMatrices.assign(1, AnimationFile::kIdentity);
+  file.mNodes[0].mLinks = {{0, 1}, {1, 1}, {2, 1}, {3, 1}};
+  writeAnimationFile(file, (folder / "a.amo").string());
+  vexa::formats::writeFile((folder / "a.obj").string(), "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n");
+  vexa::formats::writeFile((folder / "s.json").string(),
+                           R"({"objects": [{"name": "o", "mesh": "a.obj", "animation": "a.amo",
+                              "takes": [{"name": "t", "frames": 1, "rate": 25}]}]})");
+  const auto faults = describeFile((folder / "s.json").string())["faults"];
+  ASSERT_EQ(faults.size(), 1u);
+  EXPECT_EQ(faults[0], "object \"o\": links to vertex 3 of a mesh of 3 points");
+}
+
+TEST(Describe, WhatCannotBeReadNamesTheFile) {
+  const vexa::tests::ScratchDirectory folder;
+  const std::string path = (folder / "short.amo").string();
+  vexa::formats::writeFile(path, "abc");
+  EXPECT_EQ(vexa::tests::whatOf([&] { describeFile(path); }).find(path + ": "), 0u);
+}
+
+}  // namespace
