@@ -250,6 +250,49 @@ TEST(MeshEditor, MergingFindsWhatTheHashTableFinds) {
   EXPECT_TRUE(same(mesh.GetTrianglesArray(), expected.mTriangles));
 }
 
+// A fold of 30 degrees along the edge 0-1, the second face turned over. At vertex 0 the corners
+// have 90 and 45 degrees, at vertex 1 45 and 90.
+TEST(MeshEditor, SmoothedAndTurnedNormalsOutliveTheCommit) {
+  const float s = 0.5f, c = std::sqrt(0.75f);
+  const auto unit = [](const Position& p) { return p * (1 / std::sqrt(dotXYZ(p, p))); };
+  const auto isNear = [](const Position& a, const Position& b) {
+    return dotXYZ(a - b, a - b) < 1e-12f;
+  };
+  const Position up{0, 0, 1}, over{0, s, -c};
+  const Position first = unit(up * 2.0f - over), second = unit(up - over * 2.0f);
+  const std::vector<unsigned int> both{1, 0, 1};
+  for (int way = 0; way < 4; ++way) {
+    Mesh mesh;
+    build(mesh, {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {1, c, s}}, {{0, 1, 2}, {1, 0, 3}}, 5);
+    if (way == 3) Mesh::Editor(mesh, false).SmoothTriangleNormals({20.0f, 40.0f});
+    {
+      Mesh::Editor editor(mesh, false);
+      if (way == 0) editor.SmoothTriangleNormals(both, 40);
+      if (way == 1) editor.SmoothTriangleNormals(5u, 40);
+      if (way == 2) editor.SmoothTriangleNormals({40.0f, 0});
+    }
+    const auto [n0, n1, n2] = mesh.GetTriangleSmoothNormals(0);
+    const auto [m1, m0, m2] = mesh.GetTriangleSmoothNormals(1);
+    EXPECT_TRUE(isNear(n0, way == 3 ? up : first) && isNear(n1, way == 3 ? up : second)) << way;
+    EXPECT_TRUE(isNear(m0, way == 3 ? over : -first) && isNear(m1, way == 3 ? over : -second));
+    EXPECT_TRUE(isNear(n2, up) && isNear(m2, over)) << way;
+  }
+  Mesh mesh;
+  {
+    Mesh::Editor editor(mesh, false);
+    for (const Position& p : kSquare) editor.AddVertex(p);
+    editor.AddTriangle({0, 1, 2}, 1);
+    editor.AddTriangle({0, 2, 3}, 2);
+    editor.SmoothTriangleNormals({0}, 30);
+    editor.SetTriangleSmoothNormals(1, {{0, 1, -1}, {0, 0, -2}, {1, 0, 1}});
+    editor.ReorientTriangleSmoothNormals({0});
+    editor.ReorientTriangleSmoothNormals(2u);
+  }
+  EXPECT_EQ(mesh.GetTriangleSmoothNormals(0).y, up);
+  const auto [a, b, d] = mesh.GetTriangleSmoothNormals(1);
+  EXPECT_TRUE(a == Position(0, -1, 1) && b == Position(0, 0, 2) && d == Position(1, 0, 1));
+}
+
 TEST(MeshEditor, TheEndDatesTheMeshUnlessToldToKeepTheDate) {
   Mesh mesh;
   const double created = mesh.GetDate();

@@ -24,24 +24,34 @@ void fillFold(Mesh::Impl& outMesh, float degrees) {
 
 }  // namespace
 
-TEST(MeshProcessing, SmoothNormalsAreThoseOfTheWalk) {
-  for (unsigned int seed = 0; seed < 100; ++seed) {
+// Lists in any order and of any of the triangles, corners that repeat, edges of many triangles.
+TEST(MeshProcessing, EdgesAndGroupsFollowTheListsAsTheyAre) {
+  for (unsigned int seed = 0; seed < 300; ++seed) {
     Dice dice(seed);
     Mesh::Impl mesh;
+    std::vector<Corners> triangles;
     for (int v = 0; v < 8; ++v) mesh.mVertices.push_back(dice.position());
-    for (int t = 0; t < 20; ++t) mesh.mTriangles.push_back({dice(8), dice(8), dice(8)});
-    const float angle = static_cast<float>(dice(4)) * 50 - 5;
-    const MeshSmoothData data(mesh);
-    const MeshSmoothList list(mesh);
-    mesh.ProcessTrianglesNormals(data, list, angle);
-    const Walks walks(mesh.mVertices, mesh.mTriangles);
-    for (unsigned int t = 0; t < 20; ++t) {
-      const Position expected = walks.smoothNormal(t, mesh.mTriangles[t].z, angle);
-      ASSERT_TRUE(same(mesh.mSmoothNormals[t].z, angle <= 0 ? walks.mNormals[t] : expected));
-      const Position own = mesh.ProcessTriangleSmoothNormal(t, 2, 0, data, list);
-      ASSERT_TRUE(same(own, walks.mNormals[t]));
+    for (int t = 0; t < 12; ++t) triangles.emplace_back(dice(8), dice(8), dice(8));
+    mesh.mTriangles = triangles;
+    mesh.mSections = std::vector<unsigned int>{0, 5, 6};
+    Walks walks(mesh.mVertices, triangles);
+    walks.mLists.assign(8, {});
+    std::vector<unsigned int> listed;
+    for (unsigned int i = dice(15); i > 0; --i) {
+      listed.push_back(dice(12));
+      const auto& [a, b, c] = triangles[listed.back()];
+      for (const unsigned int v : {a, b, c}) walks.mLists[v].push_back(listed.back());
     }
+    mesh.ProcessEdges(MeshSmoothData(mesh), MeshSmoothList(mesh, listed));
+    ASSERT_EQ(mesh.mEdges.size(), walks.edges().size()) << seed;
+    ASSERT_TRUE(same(mesh.mEdges, walks.edges())) << seed;
+    mesh.ProcessGroupID(MeshSmoothList(mesh, listed));
+    ASSERT_TRUE(same(mesh.mGroupIDs, walks.groups({0, 5, 6}))) << seed;
   }
+  Mesh::Impl fold;
+  fillFold(fold, 90);
+  fold.ProcessEdges(MeshSmoothData(fold), MeshSmoothList(fold, {1, 0}));
+  EXPECT_EQ(fold.mEdges.size(), 5u);
 }
 
 TEST(MeshProcessing, TablesCanBeMadeOfAFewTriangles) {

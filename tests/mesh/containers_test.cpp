@@ -63,6 +63,9 @@ TEST(Array, CopiesRangesToTheSamePositions) {
   EXPECT_EQ(contents(a), (Numbers{0, 1, 2, 0, 4, 5, 6, 0, 8, 9}));
   EXPECT_FALSE(a.equals(source));
   EXPECT_TRUE(a.copy(source) && a.copy(a) && a.equals(source));
+  a.clear();
+  EXPECT_EQ(a.copy(source, 8, 1), 1u);
+  EXPECT_EQ(contents(a), (Numbers{0, 0, 0, 0, 0, 0, 0, 0, 8})) << "nothing from before clear()";
   EXPECT_TRUE(a.copy(Array()) && a.equals(Array()));
 }
 

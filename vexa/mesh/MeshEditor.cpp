@@ -118,6 +118,11 @@ void Mesh::EditorBase::Copy(const Mesh& source, bool skipNormals) {
   to.FitTriangleArrays();
 }
 
+Mesh::Position* Mesh::EditorBase::CopyWithoutPositions(const Mesh& source) {
+  Copy(source, true);
+  return data().mVertices.data();
+}
+
 void Mesh::EditorBase::MergeTriangleVertices(const std::vector<unsigned int>& triangles) try {
   VertexFinder finder(data().mVertices, 3 * triangles.size());
   for (const unsigned int t : triangles) finder.merge(entry(data().mTriangles, t));

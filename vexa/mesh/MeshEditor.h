@@ -51,11 +51,31 @@ class VEXA_EXPORT Mesh::EditorBase : public uxs_reference {
   /// Takes over vertices, triangles, material ids and uv of another mesh, and its normals unless
   /// they are skipped. Without memory for it, throws std::bad_alloc and changes nothing.
   void Copy(const Mesh& source, bool skipNormals);
+  /// Like Copy(source, true), but leaves the positions to the caller: gives an array with room for
+  /// as many as the source has, all of which must be written before the commit. What is in it
+  /// before is unspecified. Null when the source has no vertices.
+  Position* CopyWithoutPositions(const Mesh& source);
   /// Lets corners of the listed triangles at exactly the same position use one vertex: the first
   /// met. Vertices no longer used stay. Without memory the corners that are left keep theirs.
   void MergeTriangleVertices(const std::vector<unsigned int>& triangles);
   /// The same for each section of a material by itself; the sections are those of the last commit.
   void MergeTriangleVertices(unsigned int material);
+
+  /// Turns round the corner normals of the listed triangles that look away from their face.
+  void ReorientTriangleSmoothNormals(const std::vector<unsigned int>& triangles);
+  /// The same for all triangles that have this material now.
+  void ReorientTriangleSmoothNormals(unsigned int material);
+  /// Gives the corners of the listed triangles the normals that
+  /// Mesh::Impl::ProcessTriangleSmoothNormal() computes for an angle in degrees among these
+  /// triangles; others count for nothing. If no triangle of the mesh has normals yet, those that
+  /// are not listed get their face normal. The next commit keeps all of them. Throws
+  /// std::bad_alloc, with nothing changed.
+  void SmoothTriangleNormals(const std::vector<unsigned int>& triangles, float angle);
+  /// The same for all triangles that have this material now.
+  void SmoothTriangleNormals(unsigned int material, float angle);
+  /// The same for each section of the last commit by itself, with one angle per section; sections
+  /// past the last angle are left alone.
+  void SmoothTriangleNormals(const std::vector<float>& angles);
 
  protected:
   Impl& data() { return *mMesh->mImpl; }

@@ -59,6 +59,13 @@ float angleAt(unsigned int vertex, const Mesh::Corners& corners, const MeshSmoot
   return data.mAngles[0];
 }
 
+bool hasCorner(const Mesh::Corners& c, unsigned int vertex) {
+  return c.x == vertex || c.y == vertex || c.z == vertex;
+}
+
+// Whether two faces lie in different planes; opposite normals belong to one plane.
+bool isCrease(const Position& a, const Position& b) { return 1 - std::fabs(dotZYX(a, b)) >= 1e-5f; }
+
 /// A NaN never lowers the minimum, and as a maximum it gives way to the next point.
 void extend(float& ioMin, float& ioMax, float p) {
   ioMin = p <= ioMin ? p : ioMin;
@@ -218,19 +225,35 @@ void Mesh::Impl::ProcessAABB() {
   }
 }
 
+// A later triangle decides whether an edge is drawn; an earlier one has decided already.
 void Mesh::Impl::ProcessEdges(const MeshSmoothData& data, const MeshSmoothList& list) {
-  fillEdges(data, VertexTriangles(mTriangles, mVertices.size()), VertexTriangles(list));
+  const auto isDrawn = [&](unsigned int t, unsigned int a, unsigned int b) {
+    bool isShared = false, isDrawnByOther = false;
+    for (const unsigned int u : list[a]) {
+      if (u == t || !hasCorner(entry(mTriangles, u), b)) continue;
+      if (t < u) isDrawnByOther = isCrease(data[t].mNormal, data[u].mNormal);
+      isShared = true;
+    }
+    return !isShared || isDrawnByOther;
+  };
+  std::vector<Oru::TVector2D<unsigned int>> edges;
+  for (unsigned int t = 0; t < mTriangles.size(); ++t) {
+    const auto& [a, b, c] = mTriangles[t];
+    if (isDrawn(t, a, b)) edges.emplace_back(a, b);
+    if (isDrawn(t, b, c)) edges.emplace_back(b, c);
+    if (isDrawn(t, c, a)) edges.emplace_back(c, a);
+  }
+  mEdges.swap(edges);
 }
 
 void Mesh::Impl::fillEdges(const MeshSmoothData& data, const VertexTriangles& around,
                            const VertexTriangles& sharing) {
   mEdges.clear();
   for (const sEdgeCandidate& edge : findEdgeCandidates(mTriangles, around, sharing)) {
-    const auto isCrease = [&] {
-      const float d = dotZYX(data[edge.mTriangle].mNormal, data[edge.mNeighbour].mNormal);
-      return 1 - std::fabs(d) >= 1e-5f;
-    };
-    if (edge.mNeighbour == kNoNeighbour || isCrease()) mEdges.emplace_back(edge.mFrom, edge.mTo);
+    if (edge.mNeighbour == kNoNeighbour ||
+        isCrease(data[edge.mTriangle].mNormal, data[edge.mNeighbour].mNormal)) {
+      mEdges.emplace_back(edge.mFrom, edge.mTo);
+    }
   }
 }
 

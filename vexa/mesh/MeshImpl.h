@@ -73,7 +73,10 @@ struct VEXA_EXPORT Mesh::Impl {
                                        const MeshSmoothList& list) const;
   /// Measures the mesh and each section. Throws std::bad_alloc when a material's box cannot be had.
   void ProcessAABB();
-  /// Finds the edges to draw. The lists are in ascending order, as those of a whole mesh are.
+  /// Finds the edges to draw: a boundary edge of one triangle, and an edge between two that do not
+  /// lie in one plane. Only the triangles in `list` count as neighbours, in any order; of several
+  /// later ones the last listed decides. Takes time in the square of a vertex's triangles; a commit
+  /// finds the same edges in linear time.
   void ProcessEdges(const MeshSmoothData& data, const MeshSmoothList& list);
   /// Numbers the pieces that are connected through vertex indices, section by section.
   /// Required behaviour: the first triangle of a section uses up a number, also when its piece has

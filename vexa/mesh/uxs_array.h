@@ -27,9 +27,9 @@ class VEXA_EXPORT uxs_array {
   /// Whether n elements are the same.
   using EqualFunction = bool (*)(const T* a, const T* b, Index n);
 
-  explicit uxs_array(SizeFunction inSize = default_sizefunc, CopyFunction inCopy = default_copyfunc,
-                     EqualFunction inEqual = default_equalfunc)
-      : mSizeFunction(inSize), mCopyFunction(inCopy), mEqualFunction(inEqual) {}
+  explicit uxs_array(SizeFunction growth = default_sizefunc, CopyFunction copier = default_copyfunc,
+                     EqualFunction comparer = default_equalfunc)
+      : mSizeFunction(growth), mCopyFunction(copier), mEqualFunction(comparer) {}
   uxs_array(uxs_array&& other) noexcept
       : uxs_array(other.mSizeFunction, other.mCopyFunction, other.mEqualFunction) {
     swap(other);
@@ -145,6 +145,7 @@ Index uxs_array<T, Index>::copy(const uxs_array& other, Index start, Index n) tr
   if (this == &other) return count;
   const Index end = static_cast<Index>(start + count);
   if (mCapacity < end && !reserve(end)) return 0;
+  for (Index i = mSize; i < start; ++i) mData[i] = T();  // what a clear() left there
   mCopyFunction(mData + start, other.mData + start, count);
   if (mSize < end) mSize = end;
   return count;

@@ -1,0 +1,109 @@
+// The operations of the editor that smooth and turn corner normals.
+#include <algorithm>
+#include <cstddef>
+#include <numeric>
+
+#include "vexa/mesh/MeshEditor.h"
+#include "vexa/mesh/MeshImpl.h"
+#include "vexa/mesh/MeshSmoothData.h"
+#include "vexa/mesh/MeshSmoothList.h"
+#include "vexa/mesh/mesh_geometry_internal.h"
+
+namespace UXS {
+
+namespace {
+
+using Indices = std::vector<unsigned int>;
+
+// A triangle that is listed twice must not weigh twice.
+Indices withoutRepeats(const Indices& triangles, std::size_t count) {
+  std::vector<bool> isListed(count);
+  Indices once;
+  for (const unsigned int t : triangles) {
+    if (!isListed[t]) once.push_back(t);
+    isListed[t] = true;
+  }
+  return once;
+}
+
+Indices trianglesOf(const Mesh::Impl& mesh, unsigned int material) {
+  Indices triangles;
+  const std::size_t count = std::min(mesh.mMaterialIDs.size(), mesh.mTriangles.size());
+  for (unsigned int t = 0; t < count; ++t) {
+    if (mesh.mMaterialIDs[t] == material) triangles.push_back(t);
+  }
+  return triangles;
+}
+
+// The normals of the mesh, one per triangle. Where there are none yet, or zeros only, a commit
+// would fill in the face normals; they are filled in here, so that the commit keeps what is set.
+std::vector<Mesh::CornerPositions> normalsOf(const Mesh::Impl& mesh) {
+  std::vector<Mesh::CornerPositions> normals = mesh.mSmoothNormals;
+  const bool isUnset = std::all_of(normals.begin(), normals.end(),
+                                   [](const auto& n) { return n == Mesh::CornerPositions(); });
+  normals.resize(mesh.mTriangles.size());
+  for (unsigned int t = 0; isUnset && t < normals.size(); ++t) {
+    const Mesh::Position n = mesh.ProcessTriangleNormal(t);
+    normals[t] = {n, n, n};
+  }
+  return normals;
+}
+
+void smooth(const Mesh::Impl& mesh, const Indices& triangles, float angle,
+            std::vector<Mesh::CornerPositions>& ioNormals) {
+  const MeshSmoothData data(mesh, triangles);
+  const MeshSmoothList list(mesh, triangles);
+  for (const unsigned int t : triangles) {
+    const auto at = [&](unsigned int corner) {
+      return mesh.ProcessTriangleSmoothNormal(t, corner, angle, data, list);
+    };
+    ioNormals[t] = {at(0), at(1), at(2)};
+  }
+}
+
+Mesh::Position towards(const Mesh::Position& face, const Mesh::Position& normal) {
+  return dotXYZ(face, normal) < 0 ? -normal : normal;
+}
+
+}  // namespace
+
+void Mesh::EditorBase::ReorientTriangleSmoothNormals(const std::vector<unsigned int>& triangles) {
+  Impl& mesh = data();
+  for (const unsigned int t : triangles) {
+    if (t >= mesh.mSmoothNormals.size()) continue;  // it has no normals yet
+    const Position face = mesh.ProcessTriangleNormal(t);
+    CornerPositions& n = mesh.mSmoothNormals[t];
+    n = {towards(face, n.x), towards(face, n.y), towards(face, n.z)};
+  }
+}
+
+void Mesh::EditorBase::ReorientTriangleSmoothNormals(unsigned int material) {
+  ReorientTriangleSmoothNormals(trianglesOf(data(), material));
+}
+
+void Mesh::EditorBase::SmoothTriangleNormals(const std::vector<unsigned int>& triangles,
+                                             float angle) {
+  std::vector<CornerPositions> normals = normalsOf(data());
+  smooth(data(), withoutRepeats(triangles, normals.size()), angle, normals);
+  data().mSmoothNormals.swap(normals);
+}
+
+void Mesh::EditorBase::SmoothTriangleNormals(unsigned int material, float angle) {
+  SmoothTriangleNormals(trianglesOf(data(), material), angle);
+}
+
+void Mesh::EditorBase::SmoothTriangleNormals(const std::vector<float>& angles) {
+  std::vector<CornerPositions> normals = normalsOf(data());
+  const auto& sections = data().mSections;
+  for (std::size_t s = 0; s < std::min(angles.size(), sections.size()); ++s) {
+    // Triangles may have been removed since the sections were made.
+    const std::size_t end = s + 1 < sections.size() ? sections[s + 1] : normals.size();
+    const std::size_t first = std::min<std::size_t>(sections[s], normals.size());
+    Indices triangles(std::max(first, std::min(end, normals.size())) - first);
+    std::iota(triangles.begin(), triangles.end(), sections[s]);
+    smooth(data(), triangles, angles[s], normals);
+  }
+  data().mSmoothNormals.swap(normals);
+}
+
+}  // namespace UXS
