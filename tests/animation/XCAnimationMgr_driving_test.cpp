@@ -51,10 +51,10 @@ struct Stage {
     return drive(mManager, mScene, property, frame);
   }
   /// A vertex of the walker in the world, as the instance is placed and shows a take frame.
-  Point vertexAt(unsigned int vertex, int takeFrame) {
+  Point vertexAt(unsigned int vertex, int takeFrame, UxZel::IZelMgr* scene = nullptr) {
     const auto& mesh = *mManager.GetCurrentDefinition(0, unsigned(takeFrame), numberedUUID(101));
     const Oru::TVector3D<float>& v = mesh.GetVerticesArray()[vertex];
-    return mManager.GetLocal2WorldMatrix(&mScene, &walker()) *
+    return mManager.GetLocal2WorldMatrix(scene != nullptr ? scene : &mScene, &walker()) *
            Point(double(v.x), double(v.y), double(v.z));
   }
 
@@ -191,6 +191,74 @@ TEST(Walking, TheStandingFootSlidesNoMoreThanTheTurn) {
                                        : horizontalDistance(now.first, last.first);
       EXPECT_LE(slide, allowed) << frame << " on radius " << radius;
       last = now;
+    }
+  }
+}
+
+namespace {
+
+/// The scene of a stage whose list has another instance first at every look, so that each is found.
+struct AllFound final : UxZel::IZelMgr, UxZel::TZelObjectMgr<UxZel::IZelObjectInstance> {
+  explicit AllFound(const Scene& scene) : mScene(scene) {}
+
+  UxZel::TZelObjectMgr<UxZel::IZelObjectInstance>* GetObjectInstances() const override {
+    return const_cast<AllFound*>(this);
+  }
+  UxZel::TZelObjectMgr<UxZel::IZelSettings>* GetSettingsList() const override {
+    return mScene.GetSettingsList();
+  }
+  UxZel::TZelObjectMgr<UxZel::IZel3DPath>* Get3DPaths() const override {
+    return mScene.Get3DPaths();
+  }
+  int GetCount() const override { return mScene.mInstances.GetCount(); }
+  void RemoveAt(unsigned int) override {}
+  UxZel::IZelObjectInstance* GetAt(int) const override {
+    return mScene.mInstances.GetAt(mNext++ % GetCount());
+  }
+  void InsertAt(unsigned int) override {}
+
+  const Scene& mScene;
+  mutable int mNext = 0;
+};
+
+}  // namespace
+
+// A walker on a deck of a ship on a sea: whatever moves, turns and scales, its anchor vertex stands
+// on the path of the world. Rotation, direction and height are those of a walker without parents.
+TEST(Walking, TheAnchorStaysOnThePathInsideParents) {
+  Stage alone(scenes::walk(scenes::circlePath(10), 1, 1000), true, 0.4);
+  Stage stage(scenes::walk(scenes::circlePath(10), 4, 1000), true, 0.4);
+  AllFound scene(stage.mScene);
+  for (Stage* each : {&alone, &stage}) {
+    each->take().mElevation = 0.25;
+    each->walker().mScale[1] = 1.5;
+  }
+  Instance &deck = stage.walker(1), &ship = stage.walker(2), &sea = stage.walker(3);
+  deck.mPosition = {3, -2, 4};
+  deck.mScale[0] = deck.mScale[1] = 2;
+  ship.mPosition = {100, 50, 7};
+  ship.mRotation = 1;
+  ship.mDirection = {1, 2, 0};
+  sea.mPosition = {-20, 0, 0};
+  sea.mScale[0] = -3, sea.mScale[1] = 0.5;  // mirrored, and not alike along x and y
+  for (std::uint32_t depth = 0; depth < 4; ++depth) {
+    if (depth > 0) stage.walker(depth - 1).mParent = numberedUUID(101 + depth);
+    for (const int frame : {0, 7, 30, 180}) {
+      const int shown = alone.driven(frame).mInteger;
+      stage.mManager.ManageAnimatedObjectInstance(&scene, &stage.walker(),
+                                                  &stage.mScene.mDefinitions[0],
+                                                  &stage.mScene.mProperties[0], frame, nullptr);
+      const Point wanted = alone.vertexAt(0, shown), v = stage.vertexAt(0, shown, &scene);
+      EXPECT_LT(horizontalDistance(v, wanted), 1e-11) << depth << " parents, frame " << frame;
+      const UxZel::CZelPoint& a = stage.walker().mAnchor;
+      const Point parent = depth == 0
+                               ? Point(a.x, a.y, a.z)
+                               : stage.mManager.GetLocal2WorldMatrix(&scene, &stage.walker(1)) *
+                                     Point(a.x, a.y, a.z);
+      EXPECT_LT(horizontalDistance(parent, wanted), 1e-11);
+      EXPECT_EQ(stage.walker().mPosition.z, 0.25);
+      EXPECT_EQ(stage.walker().mRotation, alone.walker().mRotation);
+      EXPECT_TRUE(sameBits(stage.walker().mDirection, alone.walker().mDirection));
     }
   }
 }

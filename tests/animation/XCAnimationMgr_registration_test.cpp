@@ -66,6 +66,25 @@ TEST_F(Registration, InstancesOfAnObjectShareItsFile) {
   EXPECT_NE(meshOf(0), meshOf(1)) << "deformed copies are kept per instance";
 }
 
+// The host frees an object and makes another one at its address, with another mesh.
+TEST_F(Registration, AForgottenAddressMayServeAnotherObject) {
+  using Norvel::Vexa::XIAnimationMgr;
+  EXPECT_FALSE(XIAnimationMgr::ForgetAnimatedObject(mManager.get(), &walker()));
+  enroll(0, file());
+  enroll(1, file());
+  const UXS::Mesh* kept = meshOf(1);
+  EXPECT_TRUE(XIAnimationMgr::ForgetAnimatedObject(mManager.get(), &walker()));
+  EXPECT_FALSE(XIAnimationMgr::ForgetAnimatedObject(mManager.get(), &walker()));
+  EXPECT_FALSE(XIAnimationMgr::ForgetAnimatedObject(nullptr, &walker()));
+  EXPECT_EQ(meshOf(0), nullptr);
+  EXPECT_EQ(meshOf(1), nullptr);
+  EXPECT_EQ(kept->GetVerticesArray().size(), 24u) << "meshes stay in memory";
+  walker().mPoints.add();
+  enroll(0, file());
+  ASSERT_NE(meshOf(0), nullptr);
+  EXPECT_EQ(meshOf(0)->GetVerticesArray().size(), 25u);
+}
+
 TEST_F(Registration, FindsTheFile) {
   const std::string directory = mScratch / "files";
   const struct {

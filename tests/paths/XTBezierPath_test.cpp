@@ -123,6 +123,7 @@ TEST(BezierPath, BuildingAppendsAndAFailureLeavesTheSequencesInStep) {
   EXPECT_EQ(path.getTotalLength(), length);
   info.mFails = true;
   EXPECT_THROW(path.createBezierCurve(), std::domain_error);
+  EXPECT_EQ(path.getTotalLength(), length);
   EXPECT_EQ(path.getCurves().size(), 6u);
   EXPECT_EQ(path.getRepartitions().size(), 6u);
   EXPECT_EQ(path.getProportions().size(), 6u);

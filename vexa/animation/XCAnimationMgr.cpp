@@ -1,5 +1,7 @@
 #include "vexa/animation/XCAnimationMgr.h"
 
+#include <iterator>
+
 #include "vexa/animation/entry_point_internal.h"
 #include "vexa/framecollector/XCFrameCollector.h"
 
@@ -18,6 +20,12 @@ typename Map::mapped_type valueOrNull(const Map& map, const Key& key) {
 XIAnimationMgr* XIAnimationMgr::Create() {
   return guardEntryPoint<XIAnimationMgr*>("XIAnimationMgr::Create", nullptr,
                                           [] { return new XCAnimationMgr; });
+}
+
+bool XIAnimationMgr::ForgetAnimatedObject(XIAnimationMgr* manager,
+                                          const UxZel::IZelAnimatedObject* object) {
+  auto* const own = dynamic_cast<XCAnimationMgr*>(manager);
+  return own != nullptr && own->Forget(object);
 }
 
 void XCAnimationMgr::Delete() { delete this; }
@@ -46,6 +54,16 @@ Oru::TVector3D<float> XCAnimationMgr::TransformPoint(unsigned int vertex, unsign
 }
 
 XCAnimationMgr::~XCAnimationMgr() = default;
+
+bool XCAnimationMgr::Forget(const UxZel::IZelAnimatedObject* object) {
+  const auto known = mInstancesByAnimatedObject.find(object);
+  if (known == mInstancesByAnimatedObject.end()) return false;
+  for (auto it = mInstancesByUUID.begin(); it != mInstancesByUUID.end();) {
+    it = it->second == known->second ? mInstancesByUUID.erase(it) : std::next(it);
+  }
+  mInstancesByAnimatedObject.erase(known);
+  return true;
+}
 
 const XCAnimationMgr::sAnimatedInstanceData* XCAnimationMgr::findRecord(
     const UxZel::IZelAnimatedObject* object) const {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <optional>
 
 #include "vexa/Export.h"
 #include "vexa/animation/XIAnimationMgr.h"
@@ -49,6 +50,9 @@ class VEXA_EXPORT XCAnimationMgr : public XIAnimationMgr {
                                        const UxZel::CZelUUID& instance) const override;
   ~XCAnimationMgr() override;
 
+  /// See XIAnimationMgr::ForgetAnimatedObject.
+  bool Forget(const UxZel::IZelAnimatedObject* object);
+
   /// Finds, among keys in any order, the one at or next before a frame and the one next after it.
   ///
   /// Keys at frame -1 are skipped. Of keys at one frame the first counts; at the frame asked for,
@@ -96,10 +100,21 @@ class VEXA_EXPORT XCAnimationMgr : public XIAnimationMgr {
                     const UxZel::CZelPoint& worldPoint) const;
 
  private:
+  // The space inside an instance: its matrix into the world, and the factor by which it and the
+  // instances around it scale what it encloses.
+  struct Space {
+    ux_matrix44<double> mToWorld;
+    float mScale = 1;
+  };
+
   const sAnimatedInstanceData* findRecord(const UxZel::IZelAnimatedObject* object) const;
   const sAnimatedInstanceData* findRecord(const UxZel::CZelUUID& instance) const;
-  UxZel::CZelPoint anchorInParent(UxZel::IZelMgr* mgr, const UxZel::IZelObjectInstance* instance,
-                                  const UxZel::CZelPoint& worldPoint) const;
+  Space spaceOf(UxZel::IZelMgr* mgr, const UxZel::IZelObjectInstance* instance) const;
+  // None for an instance without a parent, or whose parent is not found.
+  std::optional<Space> parentSpaceOf(UxZel::IZelMgr* mgr,
+                                     const UxZel::IZelObjectInstance* instance) const;
+  static UxZel::CZelPoint inParent(const std::optional<Space>& parent,
+                                   const UxZel::CZelPoint& worldPoint);
   uValue showTakeFrame(UxZel::IZelMgr* mgr, UxZel::IZelObjectInstance* instance,
                        const UxZel::IZelZelObjectDefinition* definition,
                        const UxZel::IZelInterpolatedValue* value, int frame) const;

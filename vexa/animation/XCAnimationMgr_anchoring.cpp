@@ -40,6 +40,11 @@ UxZel::IZelObjectInstance* XCAnimationMgr::GetZelObjectInstance(UxZel::IZelMgr* 
 
 ux_matrix44<double> XCAnimationMgr::GetLocal2WorldMatrix(
     UxZel::IZelMgr* mgr, const UxZel::IZelObjectInstance* instance) const {
+  return spaceOf(mgr, instance).mToWorld;
+}
+
+XCAnimationMgr::Space XCAnimationMgr::spaceOf(UxZel::IZelMgr* mgr,
+                                              const UxZel::IZelObjectInstance* instance) const {
   std::vector<const UxZel::IZelObjectInstance*> chain;  // from the instance outwards
   UxZel::CZelUUID id = idOf(*instance);
   const auto hasId = [&id](const auto* seen) { return idOf(*seen) == id; };
@@ -50,36 +55,40 @@ ux_matrix44<double> XCAnimationMgr::GetLocal2WorldMatrix(
     id = *found->GetParentUUID();
   }
 
-  ux_matrix44<double> result;
-  float scale = 1.0f;
+  Space space;
   bool insidePlantGroup = false;
   for (auto step = chain.rbegin(); step != chain.rend(); ++step) {
     const UxZel::IZelObjectInstance& current = **step;
     const bool isLast = step + 1 == chain.rend();
-    result = UxZel::CZelObjectInstanceTool::getObjectTransformToWorld(
-        &current, scale, result, nullptr, nullptr, false, true,
+    space.mToWorld = UxZel::CZelObjectInstanceTool::getObjectTransformToWorld(
+        &current, space.mScale, space.mToWorld, nullptr, nullptr, false, true,
         insidePlantGroup && current.GetPlantGroupFlag(), isLast);
-    scale *= meanScale(current);
+    space.mScale *= meanScale(current);
     insidePlantGroup = isPlantGroup(current);
   }
-  return result;
+  return space;
 }
 
 void XCAnimationMgr::SetAnchorPos(UxZel::IZelMgr* mgr, UxZel::IZelObjectInstance* instance,
                                   const UxZel::CZelPoint& worldPoint) const {
-  const UxZel::CZelPoint anchor = anchorInParent(mgr, instance, worldPoint);
+  const UxZel::CZelPoint anchor = inParent(parentSpaceOf(mgr, instance), worldPoint);
   instance->SetAnchor(&anchor);
 }
 
-UxZel::CZelPoint XCAnimationMgr::anchorInParent(UxZel::IZelMgr* mgr,
-                                                const UxZel::IZelObjectInstance* instance,
-                                                const UxZel::CZelPoint& worldPoint) const {
+std::optional<XCAnimationMgr::Space> XCAnimationMgr::parentSpaceOf(
+    UxZel::IZelMgr* mgr, const UxZel::IZelObjectInstance* instance) const {
   const UxZel::CZelUUID parentId = *instance->GetParentUUID();
-  if (isNone(parentId)) return worldPoint;
+  if (isNone(parentId)) return std::nullopt;
   const UxZel::IZelObjectInstance* parent = GetZelObjectInstance(mgr, parentId);
-  if (parent == nullptr) return worldPoint;
-  const ux_point3<double> local = GetLocal2WorldMatrix(mgr, parent).invert() *
-                                  ux_point3<double>(worldPoint.x, worldPoint.y, worldPoint.z);
+  if (parent == nullptr) return std::nullopt;
+  return spaceOf(mgr, parent);
+}
+
+UxZel::CZelPoint XCAnimationMgr::inParent(const std::optional<Space>& parent,
+                                          const UxZel::CZelPoint& worldPoint) {
+  if (!parent) return worldPoint;
+  const ux_point3<double> local =
+      parent->mToWorld.invert() * ux_point3<double>(worldPoint.x, worldPoint.y, worldPoint.z);
   return {local.x, local.y, local.z};
 }
 

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <optional>
 
 #include "vexa/animation/CZelObjectInstanceTool.h"
 #include "vexa/animation/XCAnimationMgr.h"
@@ -140,11 +141,12 @@ double elevationOf(const UxZel::IZelTake& take, const UxZel::IZelZelObjectDefini
   return sizes->mElevation;
 }
 
-/// Where an instance of that heading must stand for its anchor to come to a point.
+/// Where an instance of that heading must stand for its anchor to come to a point of its parent's
+/// space; `factor` is what its parents scale it by.
 UxZel::CZelPoint positionUnder(const UxZel::CZelPoint& point, const Oru::TVector3D<float>& anchor,
-                               const double* scale, double heading) {
-  const double x = static_cast<double>(anchor.x) * scale[0];
-  const double y = static_cast<double>(anchor.y) * scale[1];
+                               const double* scale, float factor, double heading) {
+  const double x = double(anchor.x) * (scale[0] * double(factor));
+  const double y = double(anchor.y) * (scale[1] * double(factor));
   const double s = std::sin(heading), c = std::cos(heading);
   return {point.x - (c * x - s * y), point.y - (s * x + c * y), point.z};
 }
@@ -260,10 +262,13 @@ uValue XCAnimationMgr::walkAlongPath(UxZel::IZelMgr* mgr, UxZel::IZelObjectInsta
   const UxZel::CZelPoint point{static_cast<double>(onPath.x), static_cast<double>(onPath.y),
                                elevationOf(take, *definition)};
   const double rotation = rotationOf(walk);
-  const UxZel::CZelPoint position =
-      positionUnder(point, walk.mAnchor, instance->GetScale(),
-                    UxZel::CZelObjectInstanceTool::getHeading(rotation, direction));
-  const UxZel::CZelPoint anchor = anchorInParent(mgr, instance, point);
+  const double* scale = instance->GetScale();
+  const std::optional<Space> parent = parentSpaceOf(mgr, instance);
+  const UxZel::CZelPoint anchor = inParent(parent, point);
+  // Required behaviour: the height is set as it is, whatever the parent.
+  const UxZel::CZelPoint position = positionUnder(
+      {anchor.x, anchor.y, point.z}, walk.mAnchor, scale, parent ? parent->mScale : 1.0f,
+      UxZel::CZelObjectInstanceTool::getHeading(rotation, direction));
 
   // Everything is known: nothing can fail halfway any more.
   instance->SetRotation(rotation);

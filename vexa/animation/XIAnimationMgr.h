@@ -39,15 +39,21 @@ class VEXA_EXPORT XIAnimationMgr {
     if (manager != nullptr) manager->Delete();
   }
 
+  /// Forgets an animated object and every instance registered with it; false for one that is not
+  /// known. Call it before the object is freed: the manager knows objects by their address, and a
+  /// new one at the same address would get the old one's mesh. Mesh and frame data stay in memory.
+  /// No virtual operation, because their order is fixed.
+  static bool ForgetAnimatedObject(XIAnimationMgr* manager,
+                                   const UxZel::IZelAnimatedObject* object);
+
   /// Destroys the manager. Meshes and frame data of registered objects stay where they are.
   virtual void Delete() = 0;
 
   /// The value of a property at a frame (0 or later), all 24 bytes; bytes that the value's type
   /// does not use are 0.
   ///
-  ///   positions (kinds 1, 38, 59)  three doubles, on the path that the value names;
-  ///   `outDirection`,
-  ///                                when given, receives the direction there. With `rate`, the
+  ///   positions (kinds 1, 38, 59)  three doubles, on the path that the value names. When given,
+  ///                                `outDirection` receives the direction there; with `rate`, the
   ///                                direction is towards the place *rate scene units further on
   ///   frame numbers (kind 140)     one integer; `rate` is the number of frames of the object's own
   ///                                animation, which plays once from the first key to the second;
@@ -84,8 +90,7 @@ class VEXA_EXPORT XIAnimationMgr {
   ///
   ///   135  chooses the take frame shown and sets it on the instance's state when it differs
   ///   136  walks along the path that the value names: sets rotation, direction, position and
-  ///   anchor
-  ///        of the instance; `outDirection`, when given, receives the direction
+  ///        anchor of the instance; `outDirection`, when given, receives the direction
   ///
   /// The result holds the take frame in its first integer; all zero for any other kind. Without a
   /// definition, or one without animated object, it is the first key's value. Nothing is thrown: a
@@ -102,7 +107,8 @@ class VEXA_EXPORT XIAnimationMgr {
                                           const UxZel::CZelUUID& instance) const = 0;
 
   /// Where a vertex of the rest mesh stands at a frame of a take; (0, 0, 0) for an unknown
-  /// instance. `vertex` must be an element of that mesh's own array.
+  /// instance. `vertex` must be the address of an element of that mesh's own array: a copy of its
+  /// coordinates counts as a vertex without links.
   virtual Oru::TVector3D<float> TransformPoint(const Oru::TVector3D<float>* vertex,
                                                unsigned int take, unsigned int frame,
                                                const UxZel::CZelUUID& instance) const = 0;

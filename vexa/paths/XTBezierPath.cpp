@@ -36,11 +36,12 @@ XTBezierPath<V, W, S>::~XTBezierPath() = default;
 
 template <class V, class W, class S>
 void XTBezierPath<V, W, S>::createBezierCurve() {
-  mTotalLength = 0;
-  if (mPathInfo == nullptr) return;
-  const unsigned int pointCount = mPathInfo->getNbBezierPoints();
-  const bool listExists = mPathInfo->PointsMgrExist();
-  if (pointCount <= 1 || !listExists) return;
+  const unsigned int pointCount = mPathInfo != nullptr ? mPathInfo->getNbBezierPoints() : 0;
+  const bool listExists = mPathInfo != nullptr && mPathInfo->PointsMgrExist();
+  if (pointCount <= 1 || !listExists) {
+    mTotalLength = 0;
+    return;
+  }
 
   // What can fail comes first, so that the sequences stay in step.
   std::vector<Curve> curves = mCurves;
@@ -48,6 +49,7 @@ void XTBezierPath<V, W, S>::createBezierCurve() {
   mRepartitions.reserve(curves.size());
   mProportions.reserve(curves.size());
   mCurves.swap(curves);
+  mTotalLength = 0;
   appendTables();
 }
 

@@ -33,7 +33,7 @@ class VEXA_EXPORT XTBezierPath {
   /// Builds segments, tables and total length from the source of points.
   ///
   /// Appends to the sequences and does not clear them: build a fresh path when points change.
-  /// What the source of points throws passes, and the sequences stay as they were.
+  /// What the source of points throws passes, and the path stays as it was.
   void createBezierCurve();
 
   /// Position at a fraction of the total length. A fraction where two segments meet is the end of
