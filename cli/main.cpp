@@ -1,19 +1,18 @@
 // The command `vexa`: arguments in, text out. Exit 0, 1 for bad input, 2 for bad usage.
-#include <algorithm>
 #include <cstdio>
 #include <exception>
 #include <iostream>
 #include <string>
 
 #include "cli/commands.h"
+#include "formats/Descriptor.h"
+#include "formats/interruption.h"
+#include "formats/printable.h"
 
 namespace {
 
-/// The fault on one line, also where a name or file in it holds line breaks.
-int complain(std::string fault, int exitCode) {
-  std::replace_if(
-      fault.begin(), fault.end(), [](char c) { return c >= 0 && c < ' '; }, ' ');
-  std::fprintf(stderr, "vexa: %s\n", fault.c_str());
+int complain(const std::string& fault, int exitCode) {
+  std::fprintf(stderr, "vexa: %s\n", vexa::formats::printable(fault).c_str());
   return exitCode;
 }
 
@@ -32,6 +31,8 @@ int complainOfUsage(const CLI::App& app, const CLI::ParseError& error) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  vexa::formats::openStandardStreams();
+  vexa::formats::removeTemporariesOnSignals();
   CLI::App app("Vexa: keyframes, paths and skinned animation at a frame", "vexa");
   app.require_subcommand(1);
   app.set_version_flag("--version", "vexa " VEXA_VERSION);

@@ -1,7 +1,6 @@
 #include "formats/glb.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstring>
 #include <map>
 #include <sstream>
@@ -9,6 +8,7 @@
 #include <tiny_gltf.h>
 #include <tuple>
 
+#include "formats/finite.h"
 #include "formats/write_file.h"
 
 namespace vexa::formats {
@@ -28,7 +28,7 @@ Vertices splitByUv(const MovingMesh& mesh) {
   const bool hasUvs = !mesh.mUvs.empty();
   std::map<std::tuple<std::uint32_t, float, float>, std::uint32_t> known;
   const auto vertexOf = [&](std::uint32_t point, Oru::TVector2D<float> uv) {
-    if (!std::isfinite(uv.x) || !std::isfinite(uv.y)) uv = {};
+    if (!isFinite(uv)) uv = {};
     const auto next = static_cast<std::uint32_t>(vertices.mPoints.size());
     const auto [place, isNew] = known.try_emplace({point, uv.x, uv.y}, next);
     if (isNew) {
@@ -216,7 +216,7 @@ void checkMesh(const std::string& path, const MovingMesh& mesh) {
   for (std::size_t frame = 0; frame < mesh.mFrames.size(); ++frame) {
     for (std::size_t i = 0; i < mesh.mFrames[frame].size(); ++i) {
       const Vec3& p = mesh.mFrames[frame][i];
-      if (std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z)) continue;
+      if (isFinite(p)) continue;
       throw std::runtime_error(path + ": vertex " + std::to_string(i) + " of \"" + mesh.mName +
                                "\" is no finite point in sampled frame " + std::to_string(frame) +
                                "; is it linked to a node?");

@@ -5,6 +5,6 @@
 namespace vexa::formats {
 
 /// All bytes of a regular file. Throws std::runtime_error "PATH: what is wrong".
-std::string readFile(const std::string& inPath);
+std::string readFile(const std::string& path);
 
 }  // namespace vexa::formats

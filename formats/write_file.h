@@ -8,6 +8,6 @@ namespace vexa::formats {
 /// target, which is then renamed.
 ///
 /// Throws std::runtime_error "PATH: what is wrong"; no temporary file stays behind.
-void writeFile(const std::string& inPath, const std::string& inBytes);
+void writeFile(const std::string& path, const std::string& bytes);
 
 }  // namespace vexa::formats

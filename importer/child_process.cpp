@@ -14,15 +14,19 @@
 #include <sys/wait.h>
 #include <thread>
 #include <unistd.h>
+#include <utility>
 #ifdef __linux__
 #include <sys/prctl.h>
 #endif
+
+#include "formats/Descriptor.h"
 
 namespace vexa::importer {
 
 namespace {
 
 using Clock = std::chrono::steady_clock;
+using formats::Descriptor;
 
 // What goes through the pipe: one of these, the length in 8 bytes, then the result or error text.
 constexpr char kResult = 'R';
@@ -31,22 +35,6 @@ constexpr char kError = 'E';
 [[noreturn]] void failWithErrno(const char* what) {
   throw std::runtime_error(std::string(what) + ": " + std::strerror(errno));
 }
-
-class Descriptor {
- public:
-  explicit Descriptor(int fd) : mFd(fd) {}
-  Descriptor(const Descriptor&) = delete;
-  Descriptor& operator=(const Descriptor&) = delete;
-  ~Descriptor() { close(); }
-  int get() const { return mFd; }
-  void close() {
-    if (mFd >= 0) ::close(mFd);
-    mFd = -1;
-  }
-
- private:
-  int mFd;
-};
 
 // A child of this process; killed and reaped at the latest by the destructor.
 class Child {
@@ -110,7 +98,8 @@ void silenceStandardStreams() {
 
 // The host's handlers have no business in the child.
 void restoreSignals() {
-  for (const int number : {SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTERM, SIGXCPU, SIGPIPE}) {
+  for (const int number :
+       {SIGABRT, SIGSEGV, SIGBUS, SIGFPE, SIGILL, SIGTERM, SIGINT, SIGHUP, SIGXCPU, SIGPIPE}) {
     std::signal(number, SIG_DFL);
   }
   sigset_t none;
@@ -118,22 +107,13 @@ void restoreSignals() {
   sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
-void writeAll(int fd, const char* bytes, std::size_t count) {
-  while (count > 0) {
-    const ssize_t written = write(fd, bytes, count);
-    if (written < 0 && errno == EINTR) continue;
-    if (written <= 0) _exit(1);
-    bytes += written;
-    count -= static_cast<std::size_t>(written);
-  }
-}
-
 void sendMessage(int fd, char kind, const char* bytes, std::size_t length) {
   std::array<char, 9> header{kind};
   const std::uint64_t count = length;
   std::memcpy(header.data() + 1, &count, sizeof(count));
-  writeAll(fd, header.data(), header.size());
-  writeAll(fd, bytes, length);
+  const bool isSent =
+      formats::writeAll(fd, header.data(), header.size()) && formats::writeAll(fd, bytes, length);
+  if (!isSent) _exit(1);
 }
 
 void sendError(int fd, const char* text) { sendMessage(fd, kError, text, std::strlen(text)); }
@@ -223,6 +203,9 @@ std::string runInChild(const std::function<std::string()>& work, const ChildLimi
   int ends[2];
   if (pipe2(ends, O_CLOEXEC) != 0) failWithErrno("pipe");
   Descriptor output(ends[0]), input(ends[1]);
+  output = formats::aboveStandardStreams(std::move(output));
+  input = formats::aboveStandardStreams(std::move(input));
+  if (!output.isOpen() || !input.isOpen()) failWithErrno("pipe");
   const pid_t pid = fork();
   if (pid < 0) failWithErrno("fork");
   if (pid == 0) runAsChild(input.get(), work, limits);

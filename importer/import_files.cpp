@@ -1,14 +1,12 @@
 #include "importer/import_files.h"
 
-#include <cerrno>
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
 #include <filesystem>
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "formats/OutputFolder.h"
 #include "formats/write_file.h"
 
 namespace vexa::importer {
@@ -72,35 +70,6 @@ std::string asText(const Json& scene, const std::string& stem) {
   }
 }
 
-/// A folder that is gone, with all in it, at the end.
-class TemporaryFolder {
- public:
-  explicit TemporaryFolder(const fs::path& beside) {
-    std::string name = (beside / ".vexa-import-XXXXXX").string();
-    if (mkdtemp(name.data()) == nullptr) {
-      throw std::runtime_error((beside.empty() ? "." : beside.string()) + ": " +
-                               std::strerror(errno));
-    }
-    mPath = name;
-  }
-  TemporaryFolder(const TemporaryFolder&) = delete;
-  TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-  ~TemporaryFolder() {
-    std::error_code ignored;
-    fs::remove_all(mPath, ignored);
-  }
-  const fs::path& path() const { return mPath; }
-
- private:
-  fs::path mPath;
-};
-
-/// Renaming three files is not one step: what is sure to stop it is found beforehand.
-void requireFree(const fs::path& file) {
-  std::error_code ignored;
-  if (fs::is_directory(file, ignored)) throw std::runtime_error(file.string() + ": is a directory");
-}
-
 void requireFaithful(const ImportCheck& check, const ImportedModel& model,
                      const std::string& file) {
   if (check.largestDifference <= kImportTolerance) return;
@@ -118,9 +87,8 @@ ImportFiles writeImport(const ImportedModel& model, const std::string& stem) {
   const std::string name = target.filename().string();
   if (name.empty()) throw std::runtime_error(stem + ": names no file");
   const std::string names[] = {name + ".amo", name + ".obj", name + ".json"};
-  for (const std::string& each : names) requireFree(target.parent_path() / each);
-  const TemporaryFolder folder(target.parent_path());
-  const auto temporary = [&](int i) { return (folder.path() / names[i]).string(); };
+  formats::OutputFolder folder(target.parent_path().string());
+  const auto temporary = [&](int i) { return folder.pathFor(names[i]); };
 
   formats::writeAnimationFile(model.animation, temporary(0));
   formats::writeObj(temporary(1), model.mesh);
@@ -129,12 +97,8 @@ ImportFiles writeImport(const ImportedModel& model, const std::string& stem) {
   result.mCheck = verifyImport(model, temporary(0), formats::readObj(temporary(1)).points);
   requireFaithful(result.mCheck, model, stem);
 
-  for (int i = 0; i < 3; ++i) {
-    result.mFiles.push_back((target.parent_path() / names[i]).string());
-    std::error_code error;
-    fs::rename(temporary(i), result.mFiles.back(), error);
-    if (error) throw std::runtime_error(result.mFiles.back() + ": " + error.message());
-  }
+  folder.publish();
+  for (const std::string& each : names) result.mFiles.push_back(folder.finalPath(each));
   return result;
 }
 

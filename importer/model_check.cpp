@@ -4,6 +4,8 @@
 #include <cmath>
 #include <stdexcept>
 
+#include "formats/finite.h"
+
 namespace vexa::importer {
 
 namespace {
@@ -16,10 +18,7 @@ void require(bool condition, const std::string& reason) {
 
 std::string quoted(const std::string& name) { return "'" + name + "'"; }
 
-template <class Vector>
-bool isFinite(const Vector& v) {
-  return std::isfinite(v.x) && std::isfinite(v.y) && std::isfinite(v.z);
-}
+using formats::isFinite;
 
 bool isFinite(const Matrix& m) {
   return std::all_of(std::begin(m.e), std::end(m.e), [](double v) { return std::isfinite(v); });
@@ -81,7 +80,7 @@ void checkMesh(SourceModel::Mesh& mesh) {
   require(mesh.uvs.empty() || mesh.uvs.size() == count,
           which + " has texture coordinates for some of its vertices only");
   for (auto& uv : mesh.uvs) {
-    if (!std::isfinite(uv.x) || !std::isfinite(uv.y)) uv = {};
+    if (!isFinite(uv)) uv = {};
   }
   for (const auto& t : mesh.triangles) {
     require(t.x < count && t.y < count && t.z < count,

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 
+#include "formats/finite.h"
 #include "plot/Canvas.h"
 
 namespace vexa::plot {
@@ -32,9 +33,7 @@ Vec3 seen(double x, double y, double z) {
   return {dot(kRight, p), dot(kUp, p), dot(kBack, p)};
 }
 
-bool isFinite(const Vec3& p) {
-  return std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z);
-}
+using formats::isFinite;
 
 /// One triangle as the camera sees it.
 struct Face {
@@ -64,7 +63,8 @@ std::vector<Face> facesOf(const std::vector<formats::MovingMesh>& meshes, std::s
     for (std::size_t t = 0; t < mesh.mTriangles.size(); ++t) {
       const auto& corners = mesh.mTriangles[t];
       Face face{{see(corners.x), see(corners.y), see(corners.z)}, {}};
-      if (!std::all_of(face.corners, face.corners + 3, isFinite)) continue;
+      if (!std::all_of(face.corners, face.corners + 3, [](const Vec3& p) { return isFinite(p); }))
+        continue;
       face.ink = shaded(kShades[mesh.mMaterials[t] % std::size(kShades)], face.corners);
       faces.push_back(face);
     }

@@ -7,6 +7,7 @@
 #include <stdexcept>
 
 #include "formats/AnimationFile.h"
+#include "formats/finite.h"
 #include "formats/read_file.h"
 #include "vexa/animation/CZelObjectInstanceTool.h"
 #include "vexa/mesh/Mesh.h"
@@ -236,9 +237,7 @@ void ScenePlayer::appendPoses(std::vector<formats::MovingMesh>& ioMeshes) const 
     formats::MovingMesh::Points points = mesh->GetVerticesArray();
     for (auto& p : points) {
       p = transformed(toWorld, p);
-      if (!std::isfinite(p.x) || !std::isfinite(p.y) || !std::isfinite(p.z)) {
-        refuseUnposed(mScene, instance);
-      }
+      if (!formats::isFinite(p)) refuseUnposed(mScene, instance);
     }
     ioMeshes[next++].mFrames.push_back(std::move(points));
   }

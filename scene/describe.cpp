@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "formats/AnimationFile.h"
+#include "formats/finite.h"
 #include "formats/obj.h"
 #include "formats/read_file.h"
 #include "scene/scene_file.h"
@@ -56,7 +57,7 @@ LinkFigures figuresOf(const formats::AnimationFile& file) {
 
 std::size_t badMatrices(const formats::AnimationFile& file) {
   const auto isBad = [](const formats::AnimationFile::Matrix& matrix) {
-    return !std::all_of(matrix.begin(), matrix.end(), [](double e) { return std::isfinite(e); });
+    return !formats::isFinite(matrix);
   };
   std::size_t bad = isBad(file.mGlobal) ? 1 : 0;
   for (const auto& node : file.mNodes) {
@@ -162,7 +163,7 @@ Description describeMesh(const std::string& file) {
     degenerate += repeats ? 1 : 0;
   }
   for (const auto& p : model.points) {
-    bad += std::isfinite(p.x) && std::isfinite(p.y) && std::isfinite(p.z) ? 0 : 1;
+    bad += formats::isFinite(p) ? 0 : 1;
   }
   const auto unused = static_cast<std::size_t>(std::count(used.begin(), used.end(), false));
   description["points"] = model.points.size();

@@ -1,0 +1,136 @@
+#include "formats/OutputFolder.h"
+
+#include <cstdio>
+#include <fcntl.h>
+#include <filesystem>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "formats/TemporaryFile.h"
+#include "formats/file_error.h"
+
+namespace vexa::formats {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string parentOf(const std::string& path) { return fs::path(path).parent_path().string(); }
+
+bool isThere(const std::string& path) {
+  struct stat status {};
+  return stat(path.c_str(), &status) == 0;
+}
+
+// One file on its way: the new one into its place, the old one to where it can be fetched back.
+struct Move {
+  std::string mFrom, mTo, mOld;
+  bool mHadOld = false;
+
+  bool keepOld() {
+    if (faccessat(AT_FDCWD, mTo.c_str(), F_OK, AT_SYMLINK_NOFOLLOW) != 0) return true;
+    // A second name leaves no moment without the file; not every file system has them.
+    mHadOld = link(mTo.c_str(), mOld.c_str()) == 0 || std::rename(mTo.c_str(), mOld.c_str()) == 0;
+    return mHadOld;
+  }
+  bool make() { return keepOld() && std::rename(mFrom.c_str(), mTo.c_str()) == 0; }
+  void takeBack() const {
+    if (mHadOld) {
+      std::rename(mOld.c_str(), mTo.c_str());
+    } else {
+      unlink(mTo.c_str());
+    }
+  }
+};
+
+}  // namespace
+
+OutputFolder::OutputFolder(std::string target) : mTarget(std::move(target)) {
+  while (mTarget.size() > 1 && mTarget.back() == '/') mTarget.pop_back();
+  mFolders.reserve(64);
+  mIsNew = !mTarget.empty() && !isThere(mTarget);
+  if (mIsNew) makeMissing(parentOf(mTarget));
+  makeTemporary(mIsNew ? parentOf(mTarget) : mTarget);
+}
+
+OutputFolder::~OutputFolder() {
+  while (!mFolders.empty()) mFolders.pop_back();  // the innermost first
+}
+
+void OutputFolder::makeMissing(const std::string& folder) {
+  if (folder.empty() || isThere(folder)) return;
+  makeMissing(parentOf(folder));
+  const Uninterrupted steps;
+  Doomed made(folder, Doomed::Kind::kEmptyFolder);
+  if (mkdir(folder.c_str(), 0777) == 0) {
+    mFolders.push_back(std::move(made));
+    return;
+  }
+  const int error = errno;
+  made.spare();  // another process has made it meanwhile, or nobody can
+  if (error != EEXIST) failForFile(folder, error);
+}
+
+void OutputFolder::makeTemporary(const std::string& beside) {
+  const Uninterrupted steps;
+  for (;;) {
+    Doomed folder(randomPathIn(beside), Doomed::Kind::kFolder);
+    if (mkdir(folder.path().c_str(), 0777) == 0) {
+      mFolders.push_back(std::move(folder));
+      return;
+    }
+    const int error = errno;
+    folder.spare();
+    if (error != EEXIST) failForFile(mTarget.empty() ? "." : mTarget, error);
+  }
+}
+
+std::string OutputFolder::pathFor(const std::string& name) const {
+  requireReplaceable(finalPath(name));
+  return mFolders.back().path() + "/" + name;
+}
+
+std::string OutputFolder::finalPath(const std::string& name) const {
+  return (fs::path(mTarget) / name).string();
+}
+
+std::string OutputFolder::inFinalPaths(std::string text) const {
+  const std::string temporary = mFolders.back().path() + "/";
+  const std::size_t at = text.find(temporary);
+  if (at == std::string::npos) return text;
+  return text.replace(at, temporary.size(), finalPath(""));
+}
+
+void OutputFolder::publish() {
+  const Uninterrupted steps;
+  if (mIsNew && std::rename(mFolders.back().path().c_str(), mTarget.c_str()) == 0) {
+    for (Doomed& folder : mFolders) folder.spare();
+    return;
+  }
+  const bool isThereNow = errno == EEXIST || errno == ENOTEMPTY;
+  if (mIsNew && !isThereNow) failForFile(mTarget);
+  moveEachFile();
+  for (std::size_t i = 0; i + 1 < mFolders.size(); ++i) mFolders[i].spare();
+}
+
+void OutputFolder::moveEachFile() {
+  const std::string temporary = mFolders.back().path();
+  std::vector<Move> moves;
+  std::error_code error;
+  for (fs::directory_iterator entry(temporary, error), end; !error && entry != end;
+       entry.increment(error)) {
+    const std::string name = entry->path().filename().string();
+    requireReplaceable(finalPath(name));
+    moves.push_back({entry->path().string(), finalPath(name), temporary + "/old/" + name});
+  }
+  if (error) failForFile(mTarget, error.value());
+  if (mkdir((temporary + "/old").c_str(), 0777) != 0) failForFile(mTarget);
+  for (std::size_t i = 0; i < moves.size(); ++i) {
+    if (moves[i].make()) continue;
+    const int cause = errno;
+    if (moves[i].mHadOld) moves[i].takeBack();
+    for (std::size_t k = i; k-- > 0;) moves[k].takeBack();
+    failForFile(moves[i].mTo, cause);
+  }
+}
+
+}  // namespace vexa::formats

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "formats/Descriptor.h"
+#include "formats/interruption.h"
+
+namespace vexa::formats {
+
+/// A file that is written under a name nobody can foresee, beside the file that it is to become.
+///
+/// It vanishes unless it is committed: with this object, and when a signal ends the process. All
+/// operations throw std::runtime_error "TARGET: what is wrong".
+class TemporaryFile {
+ public:
+  /// Refuses a target that is there and is no regular file. A symbolic link to one is replaced.
+  explicit TemporaryFile(std::string target);
+
+  void write(const std::string& bytes);
+  void writeAt(std::size_t offset, const void* bytes, std::size_t count);
+  /// Closes the file and renames it to the target.
+  void commit();
+
+ private:
+  std::string mTarget;
+  std::optional<Doomed> mDoomed;
+  Descriptor mFile;
+};
+
+/// Throws unless `path` is free or a regular file, which can be replaced.
+void requireReplaceable(const std::string& path);
+
+}  // namespace vexa::formats

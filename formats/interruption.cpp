@@ -1,0 +1,199 @@
+#include "formats/interruption.h"
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <climits>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <ctime>
+#include <fcntl.h>
+#include <stdexcept>
+#include <string_view>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+#ifdef __linux__
+#include <sys/syscall.h>
+#endif
+
+#include "formats/file_error.h"
+
+namespace vexa::formats {
+namespace {
+
+constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
+
+// What a signal handler reads, which may neither allocate nor lock.
+struct Slot {
+  std::atomic<bool> mIsTaken{false};
+  std::atomic<bool> mIsSet{false};  // the rest may be read
+  Doomed::Kind mKind = Doomed::Kind::kFile;
+  char mPath[PATH_MAX] = {};
+};
+std::array<Slot, 64> gSlots;
+std::atomic<int> gSteps{0};  // threads inside an Uninterrupted
+std::atomic<bool> gIsEnding{false};
+pid_t gOwner = 0;
+thread_local int tDepth = 0;
+
+sigset_t signalSet() {
+  sigset_t set;
+  sigemptyset(&set);
+  for (const int number : kSignals) sigaddset(&set, number);
+  return set;
+}
+
+#ifdef __linux__
+// As the kernel writes them.
+struct Entry {
+  std::uint64_t mInode;
+  std::int64_t mOffset;
+  std::uint16_t mLength;
+  unsigned char mType;
+  char mName[1];
+};
+
+void removeEntries(int folder, int depth);
+
+void removeEntry(int folder, const char* name, int depth) {
+  const bool isDots = std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
+  if (isDots || unlinkat(folder, name, 0) == 0 || depth == 0) return;
+  const int inner = openat(folder, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+  if (inner < 0) return;
+  removeEntries(inner, depth - 1);
+  close(inner);
+  unlinkat(folder, name, AT_REMOVEDIR);
+}
+
+// Empties a folder by system calls alone: also a signal handler may do that.
+void removeEntries(int folder, int depth) {
+  alignas(Entry) char block[4096];
+  for (;;) {
+    const long count = syscall(SYS_getdents64, folder, block, sizeof(block));
+    if (count <= 0) return;
+    for (long at = 0; at < count;) {
+      Entry entry;
+      std::memcpy(&entry, block + at, offsetof(Entry, mName));
+      removeEntry(folder, block + at + offsetof(Entry, mName), depth);
+      at += entry.mLength;
+    }
+  }
+}
+
+void removeFolder(const char* path) {
+  const int folder = open(path, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+  // Another thread may put a file there meanwhile; once the folder is gone nothing comes any more.
+  for (int attempt = 0; folder >= 0 && attempt < 1000; ++attempt) {
+    lseek(folder, 0, SEEK_SET);
+    removeEntries(folder, 1);
+    if (rmdir(path) == 0 || errno == ENOENT) break;
+  }
+  if (folder >= 0) close(folder);
+}
+#else
+void removeFolder(const char* path) { rmdir(path); }
+#endif
+
+void remove(Doomed::Kind kind, const char* path) {
+  if (kind == Doomed::Kind::kFile) unlink(path);
+  if (kind == Doomed::Kind::kFolder) removeFolder(path);
+  if (kind == Doomed::Kind::kEmptyFolder) rmdir(path);
+}
+
+void waitForOthers() {
+  const timespec pause{0, 1'000'000};
+  while (gSteps.load() > 0) nanosleep(&pause, nullptr);
+}
+
+void endBySignal(int number) {
+  if (getpid() == gOwner) {
+    // Another thread is at it already, and will end this one too.
+    while (gIsEnding.exchange(true)) pause();
+    waitForOthers();
+    // Folders are removed after what they hold, which may stand at a later place.
+    for (std::size_t pass = 0; pass < gSlots.size(); ++pass) {
+      for (Slot& slot : gSlots) {
+        if (slot.mIsSet.load()) remove(slot.mKind, slot.mPath);
+      }
+    }
+  }
+  std::signal(number, SIG_DFL);
+  raise(number);
+  const sigset_t set = signalSet();
+  pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
+  _exit(128 + number);
+}
+
+int takeSlot(const std::string& path, Doomed::Kind kind) {
+  if (path.size() >= sizeof(Slot::mPath)) failForFile(path, ENAMETOOLONG);
+  for (std::size_t i = 0; i < gSlots.size(); ++i) {
+    if (gSlots[i].mIsTaken.exchange(true)) continue;
+    std::memcpy(gSlots[i].mPath, path.c_str(), path.size() + 1);
+    gSlots[i].mKind = kind;
+    gSlots[i].mIsSet = true;
+    return int(i);
+  }
+  throw std::runtime_error(path + ": too many temporary files at a time");
+}
+
+void freeSlot(int slot) {
+  if (slot < 0) return;
+  gSlots[std::size_t(slot)].mIsSet = false;
+  gSlots[std::size_t(slot)].mIsTaken = false;
+}
+
+}  // namespace
+
+void removeTemporariesOnSignals() {
+  gOwner = getpid();
+  struct sigaction action {};
+  action.sa_handler = endBySignal;
+  action.sa_mask = signalSet();
+  for (const int number : kSignals) {
+    struct sigaction before {};
+    sigaction(number, nullptr, &before);
+    if (before.sa_handler != SIG_IGN) sigaction(number, &action, nullptr);
+  }
+}
+
+Uninterrupted::Uninterrupted() {
+  const sigset_t set = signalSet();
+  pthread_sigmask(SIG_BLOCK, &set, &mBefore);
+  if (tDepth++ > 0) return;
+  ++gSteps;
+  if (!gIsEnding) return;
+  --gSteps;
+  for (;;) pause();  // the process is ending
+}
+
+Uninterrupted::~Uninterrupted() {
+  if (--tDepth == 0) --gSteps;
+  pthread_sigmask(SIG_SETMASK, &mBefore, nullptr);
+}
+
+Doomed::Doomed(std::string path, Kind kind)
+    : mPath(std::move(path)), mKind(kind), mSlot(takeSlot(mPath, kind)) {}
+
+Doomed::Doomed(Doomed&& other) noexcept
+    : mPath(std::move(other.mPath)), mKind(other.mKind), mSlot(std::exchange(other.mSlot, -1)) {}
+
+Doomed::~Doomed() {
+  if (mSlot >= 0) remove(mKind, mPath.c_str());
+  spare();
+}
+
+void Doomed::spare() { freeSlot(std::exchange(mSlot, -1)); }
+
+std::string randomPathIn(const std::string& folder) {
+  constexpr std::string_view kLetters = "abcdefghijklmnopqrstuvwxyz234567";
+  std::array<unsigned char, 16> bytes{};
+  if (getentropy(bytes.data(), bytes.size()) != 0) failForFile(folder);
+  std::string path = folder.empty() ? "" : folder + "/";
+  path += ".vexa-";
+  for (const unsigned char byte : bytes) path += kLetters[byte % kLetters.size()];
+  return path;
+}
+
+}  // namespace vexa::formats

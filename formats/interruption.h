@@ -1,0 +1,53 @@
+#pragma once
+
+#include <csignal>
+#include <string>
+
+namespace vexa::formats {
+
+/// From now on SIGINT, SIGTERM and SIGHUP first remove every temporary file and folder of this
+/// process, then end it as they would have without. For the start of a program; a signal that is
+/// ignored stays so.
+void removeTemporariesOnSignals();
+
+/// Steps that a signal must not divide: while one of these lives, those three signals wait, also
+/// the ones that another thread gets.
+class Uninterrupted {
+ public:
+  Uninterrupted();
+  Uninterrupted(const Uninterrupted&) = delete;
+  Uninterrupted& operator=(const Uninterrupted&) = delete;
+  ~Uninterrupted();
+
+ private:
+  sigset_t mBefore;
+};
+
+/// Something that is to vanish with the process. To be made before the thing itself, both while an
+/// Uninterrupted lives. Throws std::runtime_error when there are too many (64), or for a path that
+/// is too long for the system.
+class Doomed {
+ public:
+  enum class Kind { kFile, kFolder, kEmptyFolder };
+
+  Doomed(std::string path, Kind kind);
+  Doomed(Doomed&& other) noexcept;
+  Doomed(const Doomed&) = delete;
+  Doomed& operator=(const Doomed&) = delete;
+  /// Removes it unless it is spared: a file, a folder with the files in it and in folders of it,
+  /// or a folder that is empty. Needs no memory.
+  ~Doomed();
+
+  const std::string& path() const { return mPath; }
+  void spare();
+
+ private:
+  std::string mPath;
+  Kind mKind;
+  int mSlot = -1;
+};
+
+/// A path in the folder ("" means the working directory) that nobody can foresee.
+std::string randomPathIn(const std::string& folder);
+
+}  // namespace vexa::formats
