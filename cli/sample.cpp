@@ -11,6 +11,7 @@
 #include "scene/scene_csv.h"
 #include "scene/scene_output.h"
 #include "scene/value_parts.h"
+#include "scene/value_plots.h"
 
 namespace vexa::cli {
 namespace {

@@ -63,11 +63,15 @@ void Canvas::dot(double x, double y, double radius) {
   cairo_fill(mCairo);
 }
 
-void Canvas::text(double x, double y, const std::string& text, double size, double align) {
+double Canvas::textWidth(const std::string& text, double size) {
   cairo_set_font_size(mCairo, size);
   cairo_text_extents_t extents;
   cairo_text_extents(mCairo, text.c_str(), &extents);
-  cairo_move_to(mCairo, x - align * extents.x_advance, y);
+  return extents.x_advance;
+}
+
+void Canvas::text(double x, double y, const std::string& text, double size, double align) {
+  cairo_move_to(mCairo, x - align * textWidth(text, size), y);
   cairo_show_text(mCairo, text.c_str());
 }
 

@@ -30,6 +30,8 @@ class Canvas {
   void dot(double x, double y, double radius);
   /// Text whose first letter's foot is at (x, y); `align` 0 starts, 0.5 centres, 1 ends it there.
   void text(double x, double y, const std::string& text, double size = 11, double align = 0);
+  /// How far a text reaches at that size.
+  double textWidth(const std::string& text, double size = 11);
 
   /// Ends the drawing and writes the file; nothing can be drawn afterwards.
   void write(const std::string& path);

@@ -2,10 +2,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <limits>
 
 #include "formats/finite.h"
 #include "plot/Canvas.h"
+#include "plot/PoseImage.h"
+#include "plot/axis.h"
 
 namespace vexa::plot {
 namespace {
@@ -13,128 +16,219 @@ namespace {
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 using Vec3 = Oru::TVector3D<double>;
+using Lines = std::vector<std::vector<UxZel::CZelPoint>>;
 
-constexpr int kColumns = 4;
-constexpr std::size_t kMostPictures = 12;
-constexpr double kWidth = 320, kHeight = 240, kMargin = 14, kCaption = 16;
+constexpr std::size_t kMostPictures = 12, kMostColumns = 4;
+constexpr double kSheetWidth = 1280, kCaption = 18;
 constexpr Ink kShades[] = {{0.72, 0.60, 0.46}, {0.45, 0.60, 0.72}, {0.62, 0.70, 0.45},
                            {0.75, 0.50, 0.50}, {0.60, 0.52, 0.70}, {0.70, 0.70, 0.70}};
+constexpr Ink kGroundInk{0.955, 0.955, 0.945}, kGridInk{0.87, 0.87, 0.855};
+constexpr Ink kLineInk{0.15, 0.35, 0.75}, kCaptionInk{0.3, 0.3, 0.3};
 
 // A camera without perspective that looks down along (1, 2, -1): x to the right of the picture, y
 // up in it, z towards the viewer.
 constexpr double kRight[3] = {0.8944271909999159, -0.4472135954999579, 0};
 constexpr double kUp[3] = {0.18257418583505536, 0.3651483716701107, 0.9128709291752769};
 constexpr double kBack[3] = {-0.408248290463863, -0.816496580927726, 0.408248290463863};
+// Towards the light, which stands high behind the viewer's left shoulder.
+constexpr double kLight[3] = {-0.55, -0.35, 0.76};
 
 double dot(const double (&a)[3], const Vec3& p) { return a[0] * p.x + a[1] * p.y + a[2] * p.z; }
 
-Vec3 seen(double x, double y, double z) {
-  const Vec3 p(x, y, z);
-  return {dot(kRight, p), dot(kUp, p), dot(kBack, p)};
-}
+Vec3 seen(const Vec3& p) { return {dot(kRight, p), dot(kUp, p), dot(kBack, p)}; }
 
 using formats::isFinite;
 
-/// One triangle as the camera sees it.
-struct Face {
-  Vec3 corners[3];
-  Ink ink;
-  double depth() const { return corners[0].z + corners[1].z + corners[2].z; }
+Vec3 wide(const Oru::TVector3D<float>& p) { return {double(p.x), double(p.y), double(p.z)}; }
+
+// The smallest box around what was included, along the axes of its points.
+struct Box {
+  Vec3 low{kInfinity, kInfinity, kInfinity}, high{-kInfinity, -kInfinity, -kInfinity};
+
+  void include(const Vec3& p) {
+    if (!isFinite(p)) return;
+    low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
+    high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};
+  }
+  bool isEmpty() const { return low.x > high.x; }
 };
 
-/// Shaded by how much it faces the light, which stands behind the viewer's left shoulder.
+Box seenBox(const std::vector<formats::MovingMesh>& meshes, std::size_t frame) {
+  Box box;
+  for (const formats::MovingMesh& mesh : meshes) {
+    for (const auto& p : mesh.mFrames[frame]) box.include(seen(wide(p)));
+  }
+  return box;
+}
+
+// The height on which everything stands: that of the lowest point of any frame.
+double groundHeight(const std::vector<formats::MovingMesh>& meshes) {
+  Box box;
+  for (const formats::MovingMesh& mesh : meshes) {
+    for (const auto& points : mesh.mFrames) {
+      for (const auto& p : points) box.include(wide(p));
+    }
+  }
+  return box.isEmpty() ? 0 : box.low.z;
+}
+
+// How the pictures are laid out, and the scale that lets the largest pose fill its picture.
+struct Sheet {
+  std::size_t columns = 1, rows = 1;
+  int width = 0, height = 0;  // of one picture
+  double scale = 1;           // pixels per scene unit
+  double ground = 0;
+};
+
+Sheet layOut(const std::vector<formats::MovingMesh>& meshes, std::size_t count) {
+  Sheet sheet;
+  sheet.columns = std::clamp<std::size_t>(count, 1, kMostColumns);
+  sheet.rows = (std::max<std::size_t>(count, 1) + sheet.columns - 1) / sheet.columns;
+  sheet.width = int(kSheetWidth) / int(sheet.columns);
+  sheet.height = sheet.width * 3 / 4;
+  sheet.ground = groundHeight(meshes);
+  double width = 0, height = 0;
+  for (std::size_t i = 0; i < count; ++i) {
+    const Box box = seenBox(meshes, i);
+    if (box.isEmpty()) continue;
+    width = std::max(width, box.high.x - box.low.x);
+    height = std::max(height, box.high.y - box.low.y);
+  }
+  // A tenth of the picture stays free on each side, for the shadow.
+  const double scale = std::min(0.8 * sheet.width / std::max(width, 1e-9),
+                                0.8 * (sheet.height - kCaption) / std::max(height, 1e-9));
+  if (width > 0 && std::isfinite(scale)) sheet.scale = scale;
+  return sheet;
+}
+
+// One picture: where scene points fall in it.
+class Picture {
+ public:
+  Picture(const Sheet& sheet, const Box& box) : mSheet(sheet) {
+    if (!box.isEmpty()) mCentre = (box.low + box.high) * 0.5;
+  }
+
+  Vec3 place(const Vec3& p) const {
+    const Vec3 s = seen(p) - mCentre;
+    return {mSheet.width / 2.0 + s.x * mSheet.scale,
+            (mSheet.height - kCaption) / 2.0 - s.y * mSheet.scale, s.z};
+  }
+
+  // The point of the ground that a point of the picture shows.
+  Vec3 groundAt(double x, double y) const {
+    const double right = (x - mSheet.width / 2.0) / mSheet.scale + mCentre.x;
+    const double up = ((mSheet.height - kCaption) / 2.0 - y) / mSheet.scale + mCentre.y;
+    // right = R.x X + R.y Y and up - U.z Z = U.x X + U.y Y, solved for X and Y.
+    const double rest = up - kUp[2] * mSheet.ground;
+    const double determinant = kRight[0] * kUp[1] - kRight[1] * kUp[0];
+    return {(right * kUp[1] - kRight[1] * rest) / determinant,
+            (kRight[0] * rest - right * kUp[0]) / determinant, mSheet.ground};
+  }
+
+ private:
+  const Sheet& mSheet;
+  Vec3 mCentre{0, 0, 0};
+};
+
+void drawLine(Canvas& canvas, const Picture& picture, const Vec3& a, const Vec3& b, double width) {
+  if (!isFinite(a) || !isFinite(b)) return;
+  const Vec3 p = picture.place(a), q = picture.place(b);
+  canvas.line(p.x, p.y, q.x, q.y, width);
+}
+
+// The lines of a grid whose squares have a round size, as far as the picture shows them.
+void drawGrid(Canvas& canvas, const Sheet& sheet, const Picture& picture) {
+  Box shown;
+  for (const double x : {0.0, double(sheet.width)}) {
+    for (const double y : {0.0, double(sheet.height)}) shown.include(picture.groundAt(x, y));
+  }
+  const double step = roundBelow(sheet.width / sheet.scale / 4);
+  if (!(step > 0) || !std::isfinite(step)) return;
+  canvas.setInk(kGridInk);
+  const auto lines = [&](double low, double high, auto ends) {
+    const double first = std::ceil(low / step) * step;
+    // Far from the origin a step may be lost in rounding: the count is bounded by itself.
+    const int count = int(std::min(100.0, (high - first) / step)) + 1;
+    for (int i = 0; i < count; ++i) ends(first + i * step);
+  };
+  const double z = sheet.ground;
+  lines(shown.low.x, shown.high.x, [&](double x) {
+    drawLine(canvas, picture, {x, shown.low.y, z}, {x, shown.high.y, z}, 1);
+  });
+  lines(shown.low.y, shown.high.y, [&](double y) {
+    drawLine(canvas, picture, {shown.low.x, y, z}, {shown.high.x, y, z}, 1);
+  });
+}
+
+// Shaded by how much it faces the light; both sides are lit.
 Ink shaded(const Ink& ink, const Vec3 (&p)[3]) {
   const Vec3 a = p[1] - p[0], b = p[2] - p[0];
   const Vec3 n(a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x);
   const double length = std::sqrt(n.x * n.x + n.y * n.y + n.z * n.z);
-  const double facing = length > 0 ? std::abs(-0.4 * n.x + 0.5 * n.y + 0.77 * n.z) / length : 0;
-  const double light = 0.35 + 0.65 * std::min(1.0, facing);
+  // The side that the viewer sees counts.
+  const double side = dot(kBack, n) < 0 ? -1 : 1;
+  const double facing = length > 0 ? side * dot(kLight, n) / length : 0;
+  const double light = 0.45 + 0.55 * std::clamp(facing, 0.0, 1.0);
   return {ink.r * light, ink.g * light, ink.b * light};
 }
 
-/// All triangles of one frame, the farthest first.
-std::vector<Face> facesOf(const std::vector<formats::MovingMesh>& meshes, std::size_t frame) {
-  std::vector<Face> faces;
-  for (const formats::MovingMesh& mesh : meshes) {
-    const formats::MovingMesh::Points& points = mesh.mFrames[frame];
-    const auto see = [&](unsigned int i) {
-      return seen(double(points[i].x), double(points[i].y), double(points[i].z));
-    };
-    for (std::size_t t = 0; t < mesh.mTriangles.size(); ++t) {
-      const auto& corners = mesh.mTriangles[t];
-      Face face{{see(corners.x), see(corners.y), see(corners.z)}, {}};
-      if (!std::all_of(face.corners, face.corners + 3, [](const Vec3& p) { return isFinite(p); }))
-        continue;
-      face.ink = shaded(kShades[mesh.mMaterials[t] % std::size(kShades)], face.corners);
-      faces.push_back(face);
-    }
+Ink inkOf(const formats::MovingMesh& mesh, std::size_t triangle) {
+  if (triangle < mesh.mColors.size()) {
+    const auto& c = mesh.mColors[triangle];
+    return {double(c.x), double(c.y), double(c.z)};
   }
-  std::stable_sort(faces.begin(), faces.end(),
-                   [](const Face& a, const Face& b) { return a.depth() < b.depth(); });
-  return faces;
+  return kShades[mesh.mMaterials[triangle] % std::size(kShades)];
 }
 
-/// From what the camera sees to a picture of the sheet.
-struct View {
-  double lowX = kInfinity, lowY = kInfinity, highX = -kInfinity, highY = -kInfinity;
-
-  void include(const Vec3& p) {
-    if (!isFinite(p)) return;
-    lowX = std::min(lowX, p.x), highX = std::max(highX, p.x);
-    lowY = std::min(lowY, p.y), highY = std::max(highY, p.y);
-  }
-  double scale() const {
-    const double width = std::max(highX - lowX, 1e-9), height = std::max(highY - lowY, 1e-9);
-    const double scale =
-        std::min((kWidth - 2 * kMargin) / width, (kHeight - 2 * kMargin - kCaption) / height);
-    return std::isfinite(scale) ? scale : 1;
-  }
-  double x(const Vec3& p) const { return kWidth / 2 + (p.x - (lowX + highX) / 2) * scale(); }
-  double y(const Vec3& p) const {
-    return (kHeight - kCaption) / 2 - (p.y - (lowY + highY) / 2) * scale();
-  }
-};
-
-View viewOf(const std::vector<formats::MovingMesh>& meshes,
-            const std::vector<std::vector<UxZel::CZelPoint>>& ground) {
-  View view;
-  for (const formats::MovingMesh& mesh : meshes) {
-    for (const auto& points : mesh.mFrames) {
-      for (const auto& p : points) view.include(seen(double(p.x), double(p.y), double(p.z)));
-    }
-  }
-  for (const auto& line : ground) {
-    for (const auto& p : line) view.include(seen(p.x, p.y, p.z));
-  }
-  return view;
+// The shadow of a point on the ground, along the light.
+Vec3 shadowOf(const Vec3& p, double ground) {
+  const double way = (p.z - ground) / kLight[2];
+  return {p.x - way * kLight[0], p.y - way * kLight[1], ground};
 }
 
-void drawGround(Canvas& canvas, const View& view,
-                const std::vector<std::vector<UxZel::CZelPoint>>& ground) {
-  canvas.setInk({0.15, 0.35, 0.75});
+void drawMesh(PoseImage& image, const Sheet& sheet, const Picture& picture,
+              const formats::MovingMesh& mesh, std::size_t frame) {
+  const formats::MovingMesh::Points& points = mesh.mFrames[frame];
+  for (std::size_t t = 0; t < mesh.mTriangles.size(); ++t) {
+    const auto& c = mesh.mTriangles[t];
+    const Vec3 world[3] = {wide(points[c.x]), wide(points[c.y]), wide(points[c.z])};
+    if (!std::all_of(world, world + 3, [](const Vec3& p) { return isFinite(p); })) continue;
+    Vec3 corners[3], shadow[3];
+    for (int i = 0; i < 3; ++i) {
+      corners[i] = picture.place(world[i]);
+      shadow[i] = picture.place(shadowOf(world[i], sheet.ground));
+    }
+    image.fill(corners, shaded(inkOf(mesh, t), world));
+    image.castShadow(shadow);
+  }
+}
+
+void paint(Canvas& canvas, const PoseImage& image) {
+  std::vector<std::uint32_t> pixels = image.pixels(std::max(1, image.width() / 160));
+  cairo_surface_t* surface = cairo_image_surface_create_for_data(
+      reinterpret_cast<unsigned char*>(pixels.data()), CAIRO_FORMAT_ARGB32, image.width(),
+      image.height(), image.width() * 4);
+  cairo_set_source_surface(canvas.cairo(), surface, 0, 0);
+  cairo_paint(canvas.cairo());
+  cairo_surface_destroy(surface);
+}
+
+void drawPicture(Canvas& canvas, const Sheet& sheet, const std::vector<formats::MovingMesh>& meshes,
+                 std::size_t frame, const Lines& ground) {
+  const Picture picture(sheet, seenBox(meshes, frame));
+  canvas.setInk(kGroundInk);
+  canvas.rectangle(0, 0, sheet.width, sheet.height);
+  drawGrid(canvas, sheet, picture);
+  canvas.setInk(kLineInk);
   for (const auto& line : ground) {
     for (std::size_t i = 1; i < line.size(); ++i) {
-      const Vec3 a = seen(line[i - 1].x, line[i - 1].y, line[i - 1].z);
-      const Vec3 b = seen(line[i].x, line[i].y, line[i].z);
-      if (isFinite(a) && isFinite(b)) {
-        canvas.line(view.x(a), view.y(a), view.x(b), view.y(b), 1.2);
-      }
+      drawLine(canvas, picture, {line[i - 1].x, line[i - 1].y, line[i - 1].z},
+               {line[i].x, line[i].y, line[i].z}, 1.5);
     }
   }
-}
-
-void drawFaces(Canvas& canvas, const View& view, const std::vector<Face>& faces) {
-  cairo_t* cairo = canvas.cairo();
-  cairo_set_line_width(cairo, 0.4);
-  for (const Face& face : faces) {
-    canvas.setInk(face.ink);
-    cairo_move_to(cairo, view.x(face.corners[0]), view.y(face.corners[0]));
-    cairo_line_to(cairo, view.x(face.corners[1]), view.y(face.corners[1]));
-    cairo_line_to(cairo, view.x(face.corners[2]), view.y(face.corners[2]));
-    cairo_close_path(cairo);
-    cairo_fill_preserve(cairo);
-    cairo_stroke(cairo);  // closes the hairlines between neighbours
-  }
+  PoseImage image(sheet.width, sheet.height);
+  for (const formats::MovingMesh& mesh : meshes) drawMesh(image, sheet, picture, mesh, frame);
+  paint(canvas, image);
 }
 
 }  // namespace
@@ -149,18 +243,19 @@ std::vector<std::size_t> contactSheetFrames(std::size_t count) {
 }
 
 void writeContactSheet(const std::string& path, const std::vector<formats::MovingMesh>& meshes,
-                       const std::vector<int>& frames,
-                       const std::vector<std::vector<UxZel::CZelPoint>>& ground) {
-  const View view = viewOf(meshes, ground);
-  const double rows = std::ceil(std::max(1.0, double(frames.size())) / kColumns);
-  Canvas canvas(Canvas::Format::kPng, kWidth * kColumns, kHeight * rows);
+                       const std::vector<int>& frames, const Lines& ground) {
+  const Sheet sheet = layOut(meshes, frames.size());
+  Canvas canvas(Canvas::Format::kPng, sheet.width * double(sheet.columns),
+                sheet.height * double(sheet.rows));
   for (std::size_t i = 0; i < frames.size(); ++i) {
     cairo_save(canvas.cairo());
-    cairo_translate(canvas.cairo(), kWidth * double(i % kColumns), kHeight * double(i / kColumns));
-    drawGround(canvas, view, ground);
-    drawFaces(canvas, view, facesOf(meshes, i));
-    canvas.setInk({0.3, 0.3, 0.3});
-    canvas.text(kWidth / 2, kHeight - 6, "frame " + std::to_string(frames[i]), 11, 0.5);
+    cairo_translate(canvas.cairo(), sheet.width * double(i % sheet.columns),
+                    sheet.height * double(i / sheet.columns));
+    cairo_rectangle(canvas.cairo(), 0, 0, sheet.width, sheet.height);
+    cairo_clip(canvas.cairo());
+    drawPicture(canvas, sheet, meshes, i, ground);
+    canvas.setInk(kCaptionInk);
+    canvas.text(sheet.width / 2.0, sheet.height - 7, "frame " + std::to_string(frames[i]), 12, 0.5);
     cairo_restore(canvas.cairo());
   }
   canvas.write(path);

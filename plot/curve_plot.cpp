@@ -2,27 +2,23 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstdio>
 #include <limits>
+#include <utility>
 
 #include "plot/Canvas.h"
+#include "plot/axis.h"
 
 namespace vexa::plot {
 namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
-constexpr double kWidth = 760, kPlotHeight = 170;
-constexpr double kLeft = 90, kRight = 20, kTop = 30, kBottom = 25, kStrip = 12;
-constexpr Ink kGrey{0.45, 0.45, 0.45}, kPale{0.88, 0.88, 0.88};
+constexpr double kWidth = 760, kPlotHeight = 190;
+constexpr double kLeft = 78, kRight = 16, kTop = 30, kBottom = 30, kStrip = 10;
+constexpr Ink kText{0.15, 0.15, 0.15}, kGrey{0.45, 0.45, 0.45}, kPale{0.92, 0.92, 0.92};
+constexpr Ink kKey{0.80, 0.72, 0.50};
 
-std::string shortNumber(double value) {
-  char text[32];
-  std::snprintf(text, sizeof(text), "%.6g", value);
-  return text;
-}
-
-/// Lowest and highest finite value of all series; never equal.
+// The range of an axis, never empty, with a little room so that no curve runs along an edge.
 std::pair<double, double> rangeOf(const CurvePlot& plot) {
   double low = kInfinity, high = -kInfinity;
   for (const Series& series : plot.mSeries) {
@@ -34,50 +30,88 @@ std::pair<double, double> rangeOf(const CurvePlot& plot) {
   }
   if (low > high) return {0, 1};
   if (low == high) return {low - 0.5, high + 0.5};
-  return {low, high};
+  const double room = 0.04 * (high - low);
+  return {low - room, high + room};
 }
 
-/// Draws one plot with its upper edge at `top`.
+// Draws one plot with its upper edge at `top`.
 class Panel {
  public:
   Panel(Canvas& canvas, const std::vector<int>& frames, const CurvePlot& plot, double top)
       : mCanvas(canvas), mFrames(frames), mPlot(plot), mTop(top + kTop), mRange(rangeOf(plot)) {}
 
   void draw() {
-    drawFrame();
+    drawFrameAxis();
+    drawValueAxis();
+    drawKeys();
     drawSwatches();
     for (const Series& series : mPlot.mSeries) drawSeries(series);
-    drawTexts();
+    drawTitle();
+    drawLegend();
   }
 
  private:
   double bottom() const { return mTop + kPlotHeight - kTop - kBottom; }
+  double right() const { return kWidth - kRight; }
   double x(double frame) const {
     const double first = mFrames.front(), last = mFrames.back();
     const double part = last == first ? 0.5 : (frame - first) / (last - first);
-    return kLeft + part * (kWidth - kLeft - kRight);
+    return kLeft + part * (right() - kLeft);
   }
   double y(double value) const {
     return bottom() - (value - mRange.first) / (mRange.second - mRange.first) * (bottom() - mTop);
   }
 
-  void drawFrame() {
-    mCanvas.setInk(kPale);
-    for (const int key : mPlot.mKeyFrames) {
-      const bool inside = key >= mFrames.front() && key <= mFrames.back();
-      if (inside) mCanvas.line(x(key), mTop, x(key), bottom());
+  void drawFrameAxis() {
+    const Ticks ticks = roundTicks(mFrames.front(), mFrames.back(), 12);
+    for (int i = 0; i < ticks.mCount; ++i) {
+      const double at = x(ticks.at(i));
+      mCanvas.setInk(kPale);
+      mCanvas.line(at, mTop, at, bottom());
+      mCanvas.setInk(kGrey);
+      mCanvas.text(at, bottom() + 13, tickText(ticks.at(i), ticks.mStep), 9, 0.5);
     }
     mCanvas.setInk(kGrey);
-    mCanvas.line(kLeft, bottom(), kWidth - kRight, bottom());
+    mCanvas.line(kLeft, bottom(), right(), bottom());
+    if (ticks.mCount == 0) {
+      mCanvas.text(x(mFrames.front()), bottom() + 13, std::to_string(mFrames.front()), 9, 0.5);
+    }
+    mCanvas.text(right(), bottom() + 25, "frame", 9, 1);
+  }
+
+  void drawValueAxis() {
+    mCanvas.setInk(kGrey);
     mCanvas.line(kLeft, mTop, kLeft, bottom());
+    if (!mPlot.mLow.empty() || !mPlot.mHigh.empty()) {
+      mCanvas.text(kLeft - 6, bottom() - 2, mPlot.mLow, 9, 1);
+      mCanvas.text(kLeft - 6, mTop + 12, mPlot.mHigh, 9, 1);
+      return;
+    }
+    const Ticks ticks = roundTicks(mRange.first, mRange.second, 6);
+    for (int i = 0; i < ticks.mCount; ++i) {
+      const double at = y(ticks.at(i));
+      mCanvas.setInk(kPale);
+      mCanvas.line(kLeft, at, right(), at);
+      mCanvas.setInk(kGrey);
+      mCanvas.text(kLeft - 6, at + 3, tickText(ticks.at(i), ticks.mStep), 9, 1);
+    }
+  }
+
+  // A key is a line with a small flag at its foot.
+  void drawKeys() {
+    mCanvas.setInk(kKey);
+    for (const int key : mPlot.mKeyFrames) {
+      if (key < mFrames.front() || key > mFrames.back()) continue;
+      mCanvas.line(x(key), mTop, x(key), bottom());
+      mCanvas.dot(x(key), bottom(), 2.5);
+    }
   }
 
   void drawSwatches() {
-    const double step =
-        (kWidth - kLeft - kRight) / double(std::max<std::size_t>(1, mFrames.size()));
+    const double step = (right() - kLeft) / double(std::max<std::size_t>(1, mFrames.size()));
     for (std::size_t i = 0; i < mPlot.mSwatches.size(); ++i) {
       mCanvas.setInk(mPlot.mSwatches[i]);
-      mCanvas.rectangle(kLeft + double(i) * step, mTop - kStrip - 3, step + 0.5, kStrip);
+      mCanvas.rectangle(kLeft + double(i) * step, mTop - kStrip, step + 0.5, kStrip);
     }
   }
 
@@ -85,31 +119,46 @@ class Panel {
     cairo_t* cairo = mCanvas.cairo();
     mCanvas.setInk(series.mInk);
     cairo_set_line_width(cairo, 1.6);
+    auto nextBreak = mPlot.mBreaks.begin();
     bool open = false;
     for (std::size_t i = 0; i < mFrames.size(); ++i) {
+      while (nextBreak != mPlot.mBreaks.end() && *nextBreak < i) ++nextBreak;
+      if (nextBreak != mPlot.mBreaks.end() && *nextBreak == i) open = false;
       const bool drawn = std::isfinite(series.mValues[i]);
       if (drawn && open) cairo_line_to(cairo, x(mFrames[i]), y(series.mValues[i]));
       if (drawn && !open) cairo_move_to(cairo, x(mFrames[i]), y(series.mValues[i]));
+      // A sample between two breaks would be invisible without a line of no length.
+      if (drawn && !open) cairo_line_to(cairo, x(mFrames[i]) + 0.01, y(series.mValues[i]));
       open = drawn;
     }
     cairo_stroke(cairo);
   }
 
-  void drawTexts() {
-    mCanvas.setInk({0, 0, 0});
-    mCanvas.text(kLeft, mTop - kStrip - 7, mPlot.mTitle, 12);
-    mCanvas.setInk(kGrey);
-    const std::string low = mPlot.mLow.empty() ? shortNumber(mRange.first) : mPlot.mLow;
-    const std::string high = mPlot.mHigh.empty() ? shortNumber(mRange.second) : mPlot.mHigh;
-    mCanvas.text(kLeft - 6, bottom(), low, 9, 1);
-    mCanvas.text(kLeft - 6, mTop + 8, high, 9, 1);
-    mCanvas.text(kLeft, bottom() + 14, "frame " + std::to_string(mFrames.front()), 9);
-    mCanvas.text(kWidth - kRight, bottom() + 14, std::to_string(mFrames.back()), 9, 1);
-    double right = kWidth - kRight;
-    for (auto series = mPlot.mSeries.rbegin(); series != mPlot.mSeries.rend(); ++series) {
-      mCanvas.setInk(series->mInk);
-      mCanvas.text(right, mTop - kStrip - 7, series->mName, 10, 1);
-      right -= 12 + 7 * double(series->mName.size());
+  void drawTitle() {
+    mCanvas.setInk(kText);
+    const std::string unit = mPlot.mUnit.empty() ? "" : " (" + mPlot.mUnit + ")";
+    mCanvas.text(kLeft, mTop - kStrip - 6, mPlot.mTitle + unit, 12);
+  }
+
+  // From the right: each name behind a stroke of its colour, then what marks the keys.
+  void drawLegend() {
+    double at = right();
+    const double foot = mTop - kStrip - 6;
+    const auto entry = [&](const std::string& name, const Ink& ink) {
+      if (name.empty()) return;
+      mCanvas.setInk(kText);
+      mCanvas.text(at, foot, name, 10, 1);
+      at -= mCanvas.textWidth(name, 10) + 4;
+      mCanvas.setInk(ink);
+      mCanvas.line(at - 14, foot - 3.5, at, foot - 3.5, 2.5);
+      at -= 26;
+    };
+    const bool hasKeys = std::any_of(mPlot.mKeyFrames.begin(), mPlot.mKeyFrames.end(), [&](int k) {
+      return k >= mFrames.front() && k <= mFrames.back();
+    });
+    if (hasKeys) entry("keys", kKey);
+    for (auto each = mPlot.mSeries.rbegin(); each != mPlot.mSeries.rend(); ++each) {
+      entry(each->mName, each->mInk);
     }
   }
 

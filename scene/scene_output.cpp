@@ -5,15 +5,14 @@
 #include <filesystem>
 #include <stdexcept>
 
-#include "formats/calendar.h"
 #include "formats/glb.h"
 #include "formats/obj.h"
 #include "formats/write_file.h"
 #include "plot/contact_sheet.h"
-#include "plot/curve_plot.h"
 #include "plot/path_plot.h"
 #include "scene/scene_csv.h"
 #include "scene/value_parts.h"
+#include "scene/value_plots.h"
 #include "vexa/paths/XC3DPath.h"
 #include "vexa/paths/XCZELPathInfo.h"
 
@@ -21,38 +20,6 @@ namespace vexa::scene {
 namespace {
 
 using Samples = std::vector<ScenePlayer::Sample>;
-
-constexpr plot::Ink kInks[] = {{0.80, 0.20, 0.15}, {0.15, 0.55, 0.25}, {0.15, 0.35, 0.75},
-                               {0.45, 0.45, 0.45}, {0.60, 0.20, 0.60}, {0.70, 0.55, 0.00}};
-
-plot::CurvePlot plotOf(const refhost::Property& value, std::size_t index,
-                       const std::vector<Samples>& samples) {
-  plot::CurvePlot plot;
-  plot.mTitle = value.mName;
-  const std::vector<std::string> names = partNames(value);
-  for (std::size_t part = 0; part < names.size(); ++part) {
-    plot::Series series{names[part], kInks[part % std::size(kInks)], {}};
-    for (const Samples& frame : samples) series.mValues.push_back(parts(value, frame[index])[part]);
-    plot.mSeries.push_back(std::move(series));
-  }
-  for (const refhost::Key& key : value.mKeys.mElements) plot.mKeyFrames.push_back(key.mFrame);
-  if (isColor(value)) {
-    for (const Samples& frame : samples) {
-      const auto& c = frame[index].mValue.mColor;
-      plot.mSwatches.push_back({c[0] / 255.0, c[1] / 255.0, c[2] / 255.0});
-    }
-  }
-  if (isDate(value)) {
-    const auto& dates = plot.mSeries[0].mValues;
-    const auto [low, high] = std::minmax_element(dates.begin(), dates.end());
-    const std::string first = formats::dateOfSeconds(static_cast<std::int64_t>(*low));
-    const std::string last = formats::dateOfSeconds(static_cast<std::int64_t>(*high));
-    const bool isOneDay = first.substr(0, 10) == last.substr(0, 10);
-    plot.mLow = isOneDay ? first.substr(11) : first.substr(0, 10);
-    plot.mHigh = isOneDay ? last.substr(11) : last.substr(0, 10);
-  }
-  return plot;
-}
 
 UxZel::CZelPoint sum(const UxZel::CZelPoint& p, const UxZel::CZelVector& v) {
   return {p.x + v.x, p.y + v.y, p.z + v.z};
@@ -245,13 +212,6 @@ class SceneWriter {
 
 std::vector<std::string> writeScene(ScenePlayer& player, const SceneOutput& output) {
   return SceneWriter(player, output).write();
-}
-
-void writeValuePlots(const std::string& path, const std::vector<const refhost::Property*>& values,
-                     const std::vector<int>& frames, const std::vector<Samples>& samples) {
-  std::vector<plot::CurvePlot> plots;
-  for (std::size_t i = 0; i < values.size(); ++i) plots.push_back(plotOf(*values[i], i, samples));
-  plot::writeCurvePlots(path, frames, plots);
 }
 
 }  // namespace vexa::scene

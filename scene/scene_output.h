@@ -28,9 +28,4 @@ struct SceneOutput {
 /// files. Throws std::runtime_error that names the file which cannot be written.
 std::vector<std::string> writeScene(ScenePlayer& player, const SceneOutput& output);
 
-/// The plots of values over frames; `samples` has one list per frame.
-void writeValuePlots(const std::string& path, const std::vector<const refhost::Property*>& values,
-                     const std::vector<int>& frames,
-                     const std::vector<std::vector<ScenePlayer::Sample>>& samples);
-
 }  // namespace vexa::scene
