@@ -1,3 +1,23 @@
+include(CheckCXXSourceCompiles)
+
+# gcc 12.0 to 12.2 fuse in their SLP vectorizer although contraction is off, wherever the target has
+# the instructions (-march=native, x86-64-v3): a product that is added in one lane and subtracted in
+# the next becomes vfmaddsub. The vectorizer is then switched off for our own sources; the arithmetic
+# of the headers has no such form.
+set(VEXA_SLP_FUSES OFF)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_GREATER_EQUAL 12
+   AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 12.3)
+  get_directory_property(options COMPILE_OPTIONS)
+  string(REPLACE ";" " " CMAKE_REQUIRED_FLAGS "${options}")
+  unset(VEXA_TARGET_HAS_FMA CACHE)
+  check_cxx_source_compiles("#ifndef __FMA__
+                             #error
+                             #endif
+                             int main() {}" VEXA_TARGET_HAS_FMA)
+  unset(CMAKE_REQUIRED_FLAGS)
+  set(VEXA_SLP_FUSES ${VEXA_TARGET_HAS_FMA})
+endif()
+
 # A fused multiply-add rounds once where the required results round twice, so the last bit would
 # differ. Headers hold arithmetic too: whoever includes them inherits the switch.
 function(vexa_set_floating_point target)
@@ -6,5 +26,8 @@ function(vexa_set_floating_point target)
     target_compile_options(${target} PRIVATE -ffp-contract=off)
   else()
     target_compile_options(${target} PUBLIC -ffp-contract=off)
+  endif()
+  if(VEXA_SLP_FUSES)
+    target_compile_options(${target} PRIVATE -fno-tree-slp-vectorize)
   endif()
 endfunction()

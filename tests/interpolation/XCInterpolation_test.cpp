@@ -25,7 +25,7 @@ void forEachCurve(Check check) {
     using V = decltype(a);
     using S = decltype(component);
     check(XTLinearInterpolation<V, V, S>(0, 2, a, b), "XTLinearInterpolation");
-    if constexpr (!std::is_same_v<V, long>) {
+    if constexpr (!std::is_same_v<V, Long>) {
       check(XTSinusInterpolation<V, V, S>(0, 2, a, b), "XTSinusInterpolation");
       check(XTSquareInterpolation<V, V, S>(0, 2, a, b), "XTSquareInterpolation");
       check(XTOneMinusSquareInterpolation<V, V, S>(0, 2, a, b), "XTOneMinusSquareInterpolation");
@@ -34,7 +34,7 @@ void forEachCurve(Check check) {
   kinds(1.0, 9.0, 0.0);
   kinds(1.0f, 9.0f, 0.0f);
   kinds(1, 9, 0);
-  kinds(1L, 9L, 0L);
+  kinds(Long{1}, Long{9}, Long{0});
   kinds(UXS::uxs_generic_vec3<float>(1, -0.0f, 3), UXS::uxs_generic_vec3<float>(9, 8, 7), 0.0f);
   kinds(UXS::uxs_color(1, 2, 3, 4), UXS::uxs_color(9, 8, 7, 6), 0.0f);
 }
@@ -119,6 +119,7 @@ TEST(Curves, EachSetterKeepsWhatIsComputedUpToDate) {
     expectAfter([](C& c) { c.setEndTime(0.5); }, C(0, 0.5, a, b));
     expectAfter([&](C& c) { c.setStartValue(b); }, C(0, 2, b, b));
     expectAfter([&](C& c) { c.setEndValue(a); }, C(0, 2, a, a));
+    expectAfter([&](C& c) { c.calculateCoeff(); }, curve);
   });
 }
 

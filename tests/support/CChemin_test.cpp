@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <type_traits>
 #include <unistd.h>
@@ -14,6 +15,20 @@
 #include "tests/helpers/recording_reporter.h"
 #include "tests/helpers/scratch_directory.h"
 #include "vexa/support/XStPushReporter.h"
+
+namespace {
+
+/// Runs after the library has made a directory, with its name.
+std::function<void(const char*)> afterMkdirat;
+
+}  // namespace
+
+// Takes the place of the system's for this program and the library in it.
+extern "C" int mkdirat(int folder, const char* name, mode_t mode) {
+  const int result = int(syscall(SYS_mkdirat, folder, name, mode));
+  if (result == 0 && afterMkdirat) afterMkdirat(name);
+  return result;
+}
 
 namespace {
 
@@ -142,6 +157,23 @@ TEST_F(CCheminFiles, FailuresGiveTheSystemsText) {
     EXPECT_TRUE(fails(&error));
     EXPECT_EQ(error, "ERRNO [2] :No such file or directory");
   }
+}
+
+// Another user of a shared folder replaces the new directory by a link to a private file.
+TEST_F(CCheminFiles, ALinkPutInThePlaceOfANewDirectoryIsNotFollowed) {
+  writeText(scratch / "private", "");
+  fs::permissions(scratch / "private", fs::perms::owner_read);
+  afterMkdirat = [this](const char* name) {
+    ASSERT_STREQ(name, "new");
+    fs::remove(scratch / "new");
+    fs::create_symlink(scratch / "private", scratch / "new");
+  };
+  EXPECT_NE(at("new").CreerRepertoire(&error), 0);
+  EXPECT_EQ(error.find("ERRNO ["), 0u);
+  fs::remove(scratch / "new");
+  EXPECT_EQ(at("new/").CreerArborescenceDeRepertoire(), 0);
+  afterMkdirat = nullptr;
+  EXPECT_EQ(fs::status(scratch / "private").permissions(), fs::perms::owner_read);
 }
 
 TEST_F(CCheminFiles, OnlyAFolderThatCannotBeLookedAtIsReported) {

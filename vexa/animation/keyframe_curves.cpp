@@ -88,7 +88,7 @@ void interpolateCommonTypes(const Segment& s, Curve curve, uValue& out) {
 }
 
 /// Seconds as the curves other than the date curve see them: the low 32 bits of a date.
-std::int32_t shortSeconds(const uValue& date) { return date.mInteger; }
+std::int32_t shortSeconds(const uValue& date) { return wrapToInt(date.mDate); }
 
 uValue dateOfShortSeconds(std::int32_t seconds) {
   uValue value{};
@@ -104,7 +104,7 @@ void Lerp(IZelKeyFrame* first, IZelKeyFrame* second, int frame, uValue& out) {
   onSegment(first, second, frame, out, [&](const Segment& s) {
     switch (s.valueType()) {
       case UxZel::kValueDate: {
-        const long a = shortSeconds(s.a()), b = shortSeconds(s.b());
+        const Long a = shortSeconds(s.a()), b = shortSeconds(s.b());
         out.mInteger = wrapToInt(Lerp(s.mStart, s.mEnd, a, b, s.mTime));
         return;
       }

@@ -8,20 +8,21 @@ double XCInterpolation::getStartTime() const { return mStartTime; }
 
 double XCInterpolation::getEndTime() const { return mEndTime; }
 
-void XCInterpolation::setStartTime(double inStartTime) {
-  if (!(mEndTime > inStartTime)) {
+// Both comparisons are false for a NaN, so a NaN is refused.
+void XCInterpolation::setStartTime(double startTime) {
+  if (!(mEndTime > startTime)) {
     fail("XCInterpolation::setStartTime - inStartTime superior at end Time");
   }
-  mStartTime = inStartTime;
+  mStartTime = startTime;
 }
 
-void XCInterpolation::setEndTime(double inEndTime) {
-  if (!(inEndTime > mStartTime)) {
+void XCInterpolation::setEndTime(double endTime) {
+  if (!(endTime > mStartTime)) {
     fail("XCInterpolation::setEndTime - inEndTime inferior at start Time");
   }
-  mEndTime = inEndTime;
+  mEndTime = endTime;
 }
 
-void XCInterpolation::fail(const char* inText) { throw std::runtime_error(inText); }
+void XCInterpolation::fail(const char* text) { throw std::runtime_error(text); }
 
 }  // namespace Norvel::Vexa

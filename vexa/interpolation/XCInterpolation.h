@@ -12,9 +12,8 @@ namespace Norvel::Vexa {
 class VEXA_EXPORT XCInterpolation {
  public:
   /// Inline, so that a curve on the stack costs no call.
-  XCInterpolation(double inStartTime, double inEndTime)
-      : mStartTime(inStartTime), mEndTime(inEndTime) {
-    if (inStartTime >= inEndTime) {
+  XCInterpolation(double startTime, double endTime) : mStartTime(startTime), mEndTime(endTime) {
+    if (startTime >= endTime) {
       fail("XCInterpolation::XCInterpolation - startTime superior to endtime");
     }
   }
@@ -22,12 +21,12 @@ class VEXA_EXPORT XCInterpolation {
   virtual ~XCInterpolation() = default;
   virtual double getStartTime() const;
   virtual double getEndTime() const;
-  virtual void setStartTime(double inStartTime);
-  virtual void setEndTime(double inEndTime);
+  virtual void setStartTime(double startTime);
+  virtual void setEndTime(double endTime);
 
  protected:
-  /// Throws std::runtime_error; apart, so that the curves stay small.
-  [[noreturn]] static void fail(const char* inText);
+  /// Throws std::runtime_error. Never inlined, so that the curves stay small.
+  [[noreturn]] static void fail(const char* text);
 
   double mStartTime;
   double mEndTime;

@@ -1,13 +1,13 @@
 #pragma once
 
-#include "vexa/interpolation/XTCosineDifference.h"
+#include "vexa/interpolation/XTCosineInterpolation.h"
 
 namespace Norvel::Vexa {
 
-struct VEXA_EXPORT sOneMinusSquareShape;
+struct VEXA_EXPORT OneMinusSquareShape;
 
 /// Straight, then slow into the end value: f = max(q, r) while t > (t1 - t0) / 2, else r
-/// (see XTCosineDifference).
+/// (see XTCosineInterpolation).
 ///
 /// V, given twice, is the value type and S the type of its components: double, float, int,
 /// UXS::uxs_generic_vec3<float> or UXS::uxs_color.
@@ -15,10 +15,11 @@ struct VEXA_EXPORT sOneMinusSquareShape;
 /// Integers: f is truncated, so that the value stays a until t1.
 template <class V, class W, class S>
 class VEXA_EXPORT XTOneMinusSquareInterpolation
-    : public XTTimedInterpolation<XTCosineDifference<sOneMinusSquareShape, V>, V> {
+    : public XTCosineInterpolation<OneMinusSquareShape, V> {
  public:
-  /// Throws std::runtime_error when inStartTime >= inEndTime.
-  XTOneMinusSquareInterpolation(double inStartTime, double inEndTime, V inStartValue, V inEndValue);
+  /// Throws std::runtime_error when startTime >= endTime.
+  XTOneMinusSquareInterpolation(double startTime, double endTime, V startValue, V endValue)
+      : XTCosineInterpolation<OneMinusSquareShape, V>(startTime, endTime, startValue, endValue) {}
 };
 
 extern template class XTOneMinusSquareInterpolation<double, double, double>;

@@ -1,21 +1,21 @@
 #pragma once
 
-#include "vexa/interpolation/XTCosineDifference.h"
+#include "vexa/interpolation/XTCosineInterpolation.h"
 
 namespace Norvel::Vexa {
 
-struct VEXA_EXPORT sSinusShape;
+struct VEXA_EXPORT SinusShape;
 
-/// Slow away from the start value and slow into the end value: f = q (see XTCosineDifference).
+/// Slow away from the start value and slow into the end value: f = q (see XTCosineInterpolation).
 ///
 /// V, given twice, is the value type and S the type of its components: double, float, int,
 /// UXS::uxs_generic_vec3<float> or UXS::uxs_color. Integers: q (b - a) is truncated.
 template <class V, class W, class S>
-class VEXA_EXPORT XTSinusInterpolation
-    : public XTTimedInterpolation<XTCosineDifference<sSinusShape, V>, V> {
+class VEXA_EXPORT XTSinusInterpolation : public XTCosineInterpolation<SinusShape, V> {
  public:
-  /// Throws std::runtime_error when inStartTime >= inEndTime.
-  XTSinusInterpolation(double inStartTime, double inEndTime, V inStartValue, V inEndValue);
+  /// Throws std::runtime_error when startTime >= endTime.
+  XTSinusInterpolation(double startTime, double endTime, V startValue, V endValue)
+      : XTCosineInterpolation<SinusShape, V>(startTime, endTime, startValue, endValue) {}
 };
 
 extern template class XTSinusInterpolation<double, double, double>;

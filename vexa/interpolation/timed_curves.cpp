@@ -1,6 +1,7 @@
 #include "vexa/interpolation/timed_curves.h"
 
 #include <cmath>
+#include <type_traits>
 
 #include "vexa/interpolation/XTLinearInterpolation.h"
 #include "vexa/interpolation/XTOneMinusSquareInterpolation.h"
@@ -17,68 +18,73 @@ namespace {
 constexpr double kPi = 3.141592653589793;
 constexpr double kMinusHalfPi = -1.5707963267948966;
 
-// The texts of a curve's four faults.
-struct sTexts {
+// The texts of a class's four faults.
+struct Texts {
   const char* interval;
   const char* startTime;
   const char* endTime;
   const char* time;
 };
-template <class Cache>
-constexpr sTexts kTexts{};
-template <class V>
-constexpr sTexts kTexts<XTLinearCoefficient<V>> = {
+
+constexpr Texts kLinearTexts = {
     "XTLinearInterpolation::XTLinearInterpolation - startTime superior to endtime",
     "XTLinearInterpolation::setStartTime - inStartTime superior at end Time",
     "XTLinearInterpolation::setEndTime - inEndTime inferior at start Time",
     "XTLinearInterpolation::valueAt - inTime is out of range"};
-template <class V>
-constexpr sTexts kTexts<XTCosineDifference<sSinusShape, V>> = {
+
+constexpr Texts kSinusTexts = {
     "XTSinusInterpolation::XTSinusInterpolation - startTime superior to endtime",
     "XTSinusInterpolation::setStartTime - inStartTime superior at end Time",
     "XTSinusInterpolation::setEndTime - inEndTime inferior at start Time",
     "XTSinusInterpolation::valueAt - inTime is out of range"};
-template <class V>
-constexpr sTexts kTexts<XTCosineDifference<sSquareShape, V>> = {
+
+constexpr Texts kSquareTexts = {
     "XTSquareInterpolation::XTSquareInterpolation - startTime superior to endtime",
     "XTSquareInterpolation::setStartTime - inStartTime superior at end Time",
     "XTSquareInterpolation::setEndTime - inEndTime inferior at start Time",
     "XTSquareInterpolation::valueAt - inTime is out of range"};
-template <class V>
-constexpr sTexts kTexts<XTCosineDifference<sOneMinusSquareShape, V>> = {
+
+constexpr Texts kOneMinusSquareTexts = {
     "XTOneMinusSquareInterpolation::XTOneMinusSquareInterpolation - startTime superior to endtime",
     "XTOneMinusSquareInterpolation::setStartTime - inStartTime superior at end Time",
     "XTOneMinusSquareInterpolation::setEndTime - inEndTime inferior at start Time",
     "XTOneMinusSquareInterpolation::valueAt - inTime is out of range"};
 
 // A time strictly inside an interval.
-struct sInstant {
+struct Instant {
   double start, end, inverseDuration, time;
 
+  // r
   double linearFraction() const { return (time - start) / (end - start); }
 
+  // q, as (sin(pi r - pi/2) + 1) / 2
   double cosineFraction() const {
     const double angle = (time - start) * inverseDuration * kPi + kMinusHalfPi;
     return (std::sin(angle) + 1.0) * 0.5;  // order: exact floats
   }
 
+  // A duration. Required behaviour: it is compared with the time itself.
   double halfDuration() const { return (end - start) * 0.5; }
 };
 
+// Required behaviour: the sinus alone truncates an integer's product, not its factor.
 template <class V>
 V scaledByCosine(const V& difference, double q) {
-  return scaled(difference, q);
+  if constexpr (std::is_same_v<V, int>) {
+    return truncToInt(double(difference) * q);
+  } else {
+    return scaled(difference, q);
+  }
 }
-int scaledByCosine(int difference, double q) { return truncToInt(double(difference) * q); }
 
-double squareFactor(const sInstant& at) {
+double squareFactor(const Instant& at) {
   const double r = at.linearFraction();
   if (!(at.halfDuration() > at.time)) return r;
   const double q = at.cosineFraction();
   return r > q ? q : r;
 }
 
-double oneMinusSquareFactor(const sInstant& at) {
+double oneMinusSquareFactor(const Instant& at) {
   const double r = at.linearFraction();
   if (!(at.time > at.halfDuration())) return r;
   const double q = at.cosineFraction();
@@ -87,161 +93,205 @@ double oneMinusSquareFactor(const sInstant& at) {
 
 }  // namespace
 
-// What a curve adds to its start value.
+// Each shape gives the factor f for values of type V, times the difference; and the texts of its
+// class's four faults.
 
-struct sSinusShape {
+struct SinusShape {
+  static constexpr const Texts& kTexts = kSinusTexts;
+
   template <class V>
-  static V offset(const V& difference, const sInstant& at) {
+  static V offset(const V& difference, const Instant& at) {
     return scaledByCosine(difference, at.cosineFraction());
   }
 };
 
-struct sSquareShape {
+struct SquareShape {
+  static constexpr const Texts& kTexts = kSquareTexts;
+
   template <class V>
-  static V offset(const V& difference, const sInstant& at) {
+  static V offset(const V& difference, const Instant& at) {
     return scaled(difference, squareFactor(at));
   }
 };
 
-struct sOneMinusSquareShape {
+struct OneMinusSquareShape {
+  static constexpr const Texts& kTexts = kOneMinusSquareTexts;
+
   template <class V>
-  static V offset(const V& difference, const sInstant& at) {
+  static V offset(const V& difference, const Instant& at) {
     return scaled(difference, oneMinusSquareFactor(at));
   }
 };
 
-template <class V>
-V XTEndValues<V>::getStartValue() const {
+template <class V, class W, class S>
+XTLinearInterpolation<V, W, S>::XTLinearInterpolation(double startTime, double endTime,
+                                                      V startValue, V endValue)
+    : XCInterpolation(startTime, endTime), mStartValue(startValue), mEndValue(endValue) {
+  // XCInterpolation has made the same check, with its own text.
+  if (startTime >= endTime) this->fail(kLinearTexts.interval);
+  calculateCoeff();
+}
+
+template <class V, class W, class S>
+void XTLinearInterpolation<V, W, S>::calculateCoeff() {
+  const double inverseDuration = 1.0 / (this->mEndTime - this->mStartTime);
+  mCoeff = scaled(difference(mStartValue, mEndValue), inverseDuration);
+}
+
+template <class V, class W, class S>
+void XTLinearInterpolation<V, W, S>::setStartTime(double startTime) {
+  if (!(this->mEndTime > startTime)) this->fail(kLinearTexts.startTime);
+  this->mStartTime = startTime;
+  calculateCoeff();
+}
+
+template <class V, class W, class S>
+void XTLinearInterpolation<V, W, S>::setEndTime(double endTime) {
+  if (!(endTime > this->mStartTime)) this->fail(kLinearTexts.endTime);
+  this->mEndTime = endTime;
+  calculateCoeff();
+}
+
+template <class V, class W, class S>
+V XTLinearInterpolation<V, W, S>::getStartValue() const {
   return mStartValue;
 }
 
-template <class V>
-V XTEndValues<V>::getEndValue() const {
+template <class V, class W, class S>
+V XTLinearInterpolation<V, W, S>::getEndValue() const {
   return mEndValue;
 }
 
-template <class V>
-V XTLinearCoefficient<V>::getCoeff() const {
+template <class V, class W, class S>
+V XTLinearInterpolation<V, W, S>::getCoeff() const {
   return mCoeff;
 }
 
-template <class V>
-void XTLinearCoefficient<V>::calculateCoeff() {
-  const double inverseDuration = 1.0 / (this->mEndTime - this->mStartTime);
-  mCoeff = scaled(difference(this->mStartValue, this->mEndValue), inverseDuration);
+template <class V, class W, class S>
+void XTLinearInterpolation<V, W, S>::setStartValue(V value) {
+  mStartValue = value;
+  calculateCoeff();
 }
 
-template <class V>
-V XTLinearCoefficient<V>::valueInside(double inTime) const {
-  return sum(scaled(mCoeff, inTime - this->mStartTime), this->mStartValue);
+template <class V, class W, class S>
+void XTLinearInterpolation<V, W, S>::setEndValue(V value) {
+  mEndValue = value;
+  calculateCoeff();
 }
 
-template <class Shape, class V>
-void XTCosineDifference<Shape, V>::calculateCoeff() {
-  mInverseDuration = 1.0 / (this->mEndTime - this->mStartTime);
-  mDifference = difference(this->mStartValue, this->mEndValue);
-}
-
-template <class Shape, class V>
-V XTCosineDifference<Shape, V>::valueInside(double inTime) const {
-  const sInstant at{this->mStartTime, this->mEndTime, mInverseDuration, inTime};
-  return sum(Shape::offset(mDifference, at), this->mStartValue);
-}
-
-template <class Cache, class V>
-XTTimedInterpolation<Cache, V>::XTTimedInterpolation(double inStartTime, double inEndTime,
-                                                     const V& inStartValue, const V& inEndValue)
-    : Cache(inStartTime, inEndTime, inStartValue, inEndValue) {
-  // XCInterpolation has made the same check, with its own text.
-  if (inStartTime >= inEndTime) this->fail(kTexts<Cache>.interval);
-  this->calculateCoeff();
-}
-
-template <class Cache, class V>
-void XTTimedInterpolation<Cache, V>::setStartTime(double inStartTime) {
-  if (!(this->mEndTime > inStartTime)) this->fail(kTexts<Cache>.startTime);
-  this->mStartTime = inStartTime;
-  this->calculateCoeff();
-}
-
-template <class Cache, class V>
-void XTTimedInterpolation<Cache, V>::setEndTime(double inEndTime) {
-  if (!(inEndTime > this->mStartTime)) this->fail(kTexts<Cache>.endTime);
-  this->mEndTime = inEndTime;
-  this->calculateCoeff();
-}
-
-template <class Cache, class V>
-void XTTimedInterpolation<Cache, V>::setStartValue(V inStartValue) {
-  this->mStartValue = inStartValue;
-  this->calculateCoeff();
-}
-
-template <class Cache, class V>
-void XTTimedInterpolation<Cache, V>::setEndValue(V inEndValue) {
-  this->mEndValue = inEndValue;
-  this->calculateCoeff();
-}
-
-template <class Cache, class V>
-V XTTimedInterpolation<Cache, V>::valueAt(double inTime) const {
+template <class V, class W, class S>
+V XTLinearInterpolation<V, W, S>::valueAt(double time) const {
   const double start = this->mStartTime, end = this->mEndTime;
-  if (start < inTime && inTime < end) return this->valueInside(inTime);
-  if (inTime < start || inTime > end) this->fail(kTexts<Cache>.time);
-  return inTime == start ? this->mStartValue : this->mEndValue;
+  if (start < time && time < end) {
+    return sum(scaled(mCoeff, time - start), mStartValue);
+  }
+  if (time < start || time > end) this->fail(kLinearTexts.time);
+  return time == start ? mStartValue : mEndValue;
 }
 
-template <class V, class W, class S>
-XTLinearInterpolation<V, W, S>::XTLinearInterpolation(double inStartTime, double inEndTime,
-                                                      V inStartValue, V inEndValue)
-    : XTTimedInterpolation<XTLinearCoefficient<V>, V>(inStartTime, inEndTime, inStartValue,
-                                                      inEndValue) {}
+template <class Shape, class V>
+XTCosineInterpolation<Shape, V>::XTCosineInterpolation(double startTime, double endTime,
+                                                       V startValue, V endValue)
+    : XCInterpolation(startTime, endTime), mStartValue(startValue), mEndValue(endValue) {
+  // XCInterpolation has made the same check, with its own text.
+  if (startTime >= endTime) this->fail(Shape::kTexts.interval);
+  calculateCoeff();
+}
 
-template <class V, class W, class S>
-XTSinusInterpolation<V, W, S>::XTSinusInterpolation(double inStartTime, double inEndTime,
-                                                    V inStartValue, V inEndValue)
-    : XTTimedInterpolation<XTCosineDifference<sSinusShape, V>, V>(inStartTime, inEndTime,
-                                                                  inStartValue, inEndValue) {}
+template <class Shape, class V>
+void XTCosineInterpolation<Shape, V>::calculateCoeff() {
+  mInverseDuration = 1.0 / (this->mEndTime - this->mStartTime);
+  mDifference = difference(mStartValue, mEndValue);
+}
 
-template <class V, class W, class S>
-XTSquareInterpolation<V, W, S>::XTSquareInterpolation(double inStartTime, double inEndTime,
-                                                      V inStartValue, V inEndValue)
-    : XTTimedInterpolation<XTCosineDifference<sSquareShape, V>, V>(inStartTime, inEndTime,
-                                                                   inStartValue, inEndValue) {}
+template <class Shape, class V>
+void XTCosineInterpolation<Shape, V>::setStartTime(double startTime) {
+  if (!(this->mEndTime > startTime)) this->fail(Shape::kTexts.startTime);
+  this->mStartTime = startTime;
+  calculateCoeff();
+}
 
-template <class V, class W, class S>
-XTOneMinusSquareInterpolation<V, W, S>::XTOneMinusSquareInterpolation(double inStartTime,
-                                                                      double inEndTime,
-                                                                      V inStartValue, V inEndValue)
-    : XTTimedInterpolation<XTCosineDifference<sOneMinusSquareShape, V>, V>(
-          inStartTime, inEndTime, inStartValue, inEndValue) {}
+template <class Shape, class V>
+void XTCosineInterpolation<Shape, V>::setEndTime(double endTime) {
+  if (!(endTime > this->mStartTime)) this->fail(Shape::kTexts.endTime);
+  this->mEndTime = endTime;
+  calculateCoeff();
+}
+
+template <class Shape, class V>
+V XTCosineInterpolation<Shape, V>::getStartValue() const {
+  return mStartValue;
+}
+
+template <class Shape, class V>
+V XTCosineInterpolation<Shape, V>::getEndValue() const {
+  return mEndValue;
+}
+
+template <class Shape, class V>
+void XTCosineInterpolation<Shape, V>::setStartValue(V value) {
+  mStartValue = value;
+  calculateCoeff();
+}
+
+template <class Shape, class V>
+void XTCosineInterpolation<Shape, V>::setEndValue(V value) {
+  mEndValue = value;
+  calculateCoeff();
+}
+
+template <class Shape, class V>
+V XTCosineInterpolation<Shape, V>::valueAt(double time) const {
+  const double start = this->mStartTime, end = this->mEndTime;
+  if (start < time && time < end) {
+    const Instant at{start, end, mInverseDuration, time};
+    return sum(Shape::offset(mDifference, at), mStartValue);
+  }
+  if (time < start || time > end) this->fail(Shape::kTexts.time);
+  return time == start ? mStartValue : mEndValue;
+}
 
 using UXS::uxs_color;
-using Vec3 = UXS::uxs_generic_vec3<float>;
+using V3 = UXS::uxs_generic_vec3<float>;
 
 template class XTLinearInterpolation<double, double, double>;
 template class XTLinearInterpolation<float, float, float>;
 template class XTLinearInterpolation<int, int, int>;
-template class XTLinearInterpolation<long, long, long>;
-template class XTLinearInterpolation<Vec3, Vec3, float>;
+template class XTLinearInterpolation<Long, Long, Long>;
+template class XTLinearInterpolation<V3, V3, float>;
 template class XTLinearInterpolation<uxs_color, uxs_color, float>;
 
+template class XTCosineInterpolation<SinusShape, double>;
+template class XTCosineInterpolation<SinusShape, float>;
+template class XTCosineInterpolation<SinusShape, int>;
+template class XTCosineInterpolation<SinusShape, V3>;
+template class XTCosineInterpolation<SinusShape, uxs_color>;
 template class XTSinusInterpolation<double, double, double>;
 template class XTSinusInterpolation<float, float, float>;
 template class XTSinusInterpolation<int, int, int>;
-template class XTSinusInterpolation<Vec3, Vec3, float>;
+template class XTSinusInterpolation<V3, V3, float>;
 template class XTSinusInterpolation<uxs_color, uxs_color, float>;
 
+template class XTCosineInterpolation<SquareShape, double>;
+template class XTCosineInterpolation<SquareShape, float>;
+template class XTCosineInterpolation<SquareShape, int>;
+template class XTCosineInterpolation<SquareShape, V3>;
+template class XTCosineInterpolation<SquareShape, uxs_color>;
 template class XTSquareInterpolation<double, double, double>;
 template class XTSquareInterpolation<float, float, float>;
 template class XTSquareInterpolation<int, int, int>;
-template class XTSquareInterpolation<Vec3, Vec3, float>;
+template class XTSquareInterpolation<V3, V3, float>;
 template class XTSquareInterpolation<uxs_color, uxs_color, float>;
 
+template class XTCosineInterpolation<OneMinusSquareShape, double>;
+template class XTCosineInterpolation<OneMinusSquareShape, float>;
+template class XTCosineInterpolation<OneMinusSquareShape, int>;
+template class XTCosineInterpolation<OneMinusSquareShape, V3>;
+template class XTCosineInterpolation<OneMinusSquareShape, uxs_color>;
 template class XTOneMinusSquareInterpolation<double, double, double>;
 template class XTOneMinusSquareInterpolation<float, float, float>;
 template class XTOneMinusSquareInterpolation<int, int, int>;
-template class XTOneMinusSquareInterpolation<Vec3, Vec3, float>;
+template class XTOneMinusSquareInterpolation<V3, V3, float>;
 template class XTOneMinusSquareInterpolation<uxs_color, uxs_color, float>;
 
 namespace {
@@ -262,10 +312,10 @@ float Lerp(double t0, double t1, float a, float b, double t) {
 int Lerp(double t0, double t1, int a, int b, double t) {
   return valueOf<XTLinearInterpolation, int>(t0, t1, a, b, t);
 }
-long Lerp(double t0, double t1, long a, long b, double t) {
-  return valueOf<XTLinearInterpolation, long>(t0, t1, a, b, t);
+Long Lerp(double t0, double t1, Long a, Long b, double t) {
+  return valueOf<XTLinearInterpolation, Long>(t0, t1, a, b, t);
 }
-Vec3 Lerp(double t0, double t1, Vec3 a, Vec3 b, double t) {
+V3 Lerp(double t0, double t1, V3 a, V3 b, double t) {
   return valueOf<XTLinearInterpolation, float>(t0, t1, a, b, t);
 }
 uxs_color Lerp(double t0, double t1, uxs_color a, uxs_color b, double t) {
@@ -281,7 +331,7 @@ float Sinerp(double t0, double t1, float a, float b, double t) {
 int Sinerp(double t0, double t1, int a, int b, double t) {
   return valueOf<XTSinusInterpolation, int>(t0, t1, a, b, t);
 }
-Vec3 Sinerp(double t0, double t1, Vec3 a, Vec3 b, double t) {
+V3 Sinerp(double t0, double t1, V3 a, V3 b, double t) {
   return valueOf<XTSinusInterpolation, float>(t0, t1, a, b, t);
 }
 uxs_color Sinerp(double t0, double t1, uxs_color a, uxs_color b, double t) {
@@ -297,7 +347,7 @@ float Sqerp(double t0, double t1, float a, float b, double t) {
 int Sqerp(double t0, double t1, int a, int b, double t) {
   return valueOf<XTSquareInterpolation, int>(t0, t1, a, b, t);
 }
-Vec3 Sqerp(double t0, double t1, Vec3 a, Vec3 b, double t) {
+V3 Sqerp(double t0, double t1, V3 a, V3 b, double t) {
   return valueOf<XTSquareInterpolation, float>(t0, t1, a, b, t);
 }
 uxs_color Sqerp(double t0, double t1, uxs_color a, uxs_color b, double t) {
@@ -313,7 +363,7 @@ float OneMinSqerp(double t0, double t1, float a, float b, double t) {
 int OneMinSqerp(double t0, double t1, int a, int b, double t) {
   return valueOf<XTOneMinusSquareInterpolation, int>(t0, t1, a, b, t);
 }
-Vec3 OneMinSqerp(double t0, double t1, Vec3 a, Vec3 b, double t) {
+V3 OneMinSqerp(double t0, double t1, V3 a, V3 b, double t) {
   return valueOf<XTOneMinusSquareInterpolation, float>(t0, t1, a, b, t);
 }
 uxs_color OneMinSqerp(double t0, double t1, uxs_color a, uxs_color b, double t) {

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <climits>
+
 #include "vexa/Export.h"
+#include "vexa/math/conversion.h"
 #include "vexa/math/uxs_color.h"
 #include "vexa/math/uxs_generic_vec3.h"
 
@@ -10,14 +13,20 @@
 /// is not before the end, or the time is outside of the two. They allocate nothing.
 namespace Norvel::Vexa {
 
-/// A straight line; see XTLinearInterpolation.
+/// A straight line; see XTLinearInterpolation. Long is `long` where that has 64 bits.
 VEXA_EXPORT double Lerp(double t0, double t1, double a, double b, double t);
 VEXA_EXPORT float Lerp(double t0, double t1, float a, float b, double t);
 VEXA_EXPORT int Lerp(double t0, double t1, int a, int b, double t);
-VEXA_EXPORT long Lerp(double t0, double t1, long a, long b, double t);
+VEXA_EXPORT Long Lerp(double t0, double t1, Long a, Long b, double t);
 VEXA_EXPORT UXS::uxs_generic_vec3<float> Lerp(double t0, double t1, UXS::uxs_generic_vec3<float> a,
                                               UXS::uxs_generic_vec3<float> b, double t);
 VEXA_EXPORT UXS::uxs_color Lerp(double t0, double t1, UXS::uxs_color a, UXS::uxs_color b, double t);
+#if LONG_MAX == INT_MAX
+/// Computed in 64 bits, then cut to the low 32.
+inline long Lerp(double t0, double t1, long a, long b, double t) {
+  return long(wrapToInt(Lerp(t0, t1, Long(a), Long(b), t)));
+}
+#endif
 
 /// Slow at both ends; see XTSinusInterpolation.
 VEXA_EXPORT double Sinerp(double t0, double t1, double a, double b, double t);

@@ -12,27 +12,26 @@
 namespace Norvel {
 namespace {
 
-/// Hands on the result of a system call, with the error's text when it is not 0.
+// Hands on the result of a system call, with the error's text when it is not 0.
 int checked(int result, std::string* error) {
   if (result != 0) takeSystemError(error);
   return result;
 }
 
-/// Makes a directory that is open to all; 0, or what the failing call gave.
-int makeDirectory(const char* path) {
-  const int result = mkdir(path, 0700);
-  return result == 0 ? chmod(path, 0777) : result;
+// Makes a directory that is open to all; 0, or -1 with errno.
+int makeDirectory(std::string path) {
+  while (path.size() > 1 && path.back() == '/') path.pop_back();
+  const FileHandle folder = openFolderOf(path);
+  const char* const name = path.c_str() + (path.rfind('/') + 1);
+  // The root is its own name: it exists.
+  return folder.isOpen() && Norvel::makeDirectory(folder.get(), *name != '\0' ? name : path.c_str())
+             ? 0
+             : -1;
 }
 
 time_t modificationSecond(const std::string& path) {
   struct stat status;
   return stat(systemPath(path), &status) == 0 ? status.st_mtim.tv_sec : 0;
-}
-
-/// The folder of a path for the "at" calls; the current one when the path has no '/'.
-FileHandle openFolderOf(const std::string& path) {
-  const std::string folder = path.substr(0, path.rfind('/') + 1);
-  return FileHandle(open(folder.empty() ? "." : folder.c_str(), O_PATH | O_DIRECTORY | O_CLOEXEC));
 }
 
 }  // namespace
@@ -81,23 +80,22 @@ std::FILE* CChemin::OpenRegularFile(std::string* error) const {
 }
 
 int CChemin::CreerRepertoire(std::string* error) const {
-  return checked(makeDirectory(systemPath(mPath)), error);
+  return withoutThrowing(
+      -1, error, [&] { return checked(makeDirectory(std::string(systemPath(mPath))), error); });
 }
 
 int CChemin::CreerArborescenceDeRepertoire() const {
   return withoutThrowing(0, nullptr, [this] {
-    std::string path = systemPath(mPath);
+    const std::string path = systemPath(mPath);
     // Every part that ends before a '/' and has a named parent, from the top down; then the whole.
-    // Below a name that is too long there is nothing to make.
+    // Below a name that is too long nothing can be made.
     bool hasParent = false, goesOn = true;
     for (std::size_t i = 1; i < path.size() && goesOn; ++i) {
       if (path[i] != '/') continue;
-      path[i] = '\0';
-      if (hasParent) goesOn = makeDirectory(path.c_str()) == 0 || errno != ENAMETOOLONG;
-      path[i] = '/';
+      if (hasParent) goesOn = makeDirectory(path.substr(0, i)) == 0 || errno != ENAMETOOLONG;
       hasParent = true;
     }
-    if (hasParent && goesOn) makeDirectory(path.c_str());
+    if (hasParent && goesOn) makeDirectory(path);
     return 0;
   });
 }

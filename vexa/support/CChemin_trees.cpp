@@ -17,7 +17,7 @@ constexpr unsigned int kFailed = static_cast<unsigned int>(-1);
 constexpr std::size_t kLongestPath = 1023;
 constexpr int kOpenDirectory = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
 
-/// Faults of single entries: they do not stop the walk, and the first one is told.
+// Failures of single entries: the walk goes on, and the text of the first one is reported.
 class Faults {
  public:
   explicit Faults(std::string* error) : mError(error) {}
@@ -111,13 +111,6 @@ bool removeBelow(int root, const std::string& relative) {
          unlinkat(parent.get(), relative.c_str() + (slash + 1), AT_REMOVEDIR) == 0;
 }
 
-/// Makes a directory that is open to all; one that is there already stays as it is.
-bool makeDirectory(int parent, const char* name) {
-  if (mkdirat(parent, name, 0700) != 0) return errno == EEXIST;
-  const FileHandle made(openat(parent, name, kOpenDirectory | O_NOFOLLOW));
-  return made.isOpen() && fchmod(made.get(), 0777) == 0;
-}
-
 unsigned int copyTree(int from, const std::string& path, int to, Faults& faults) {
   struct stat target;
   struct stat source;
@@ -134,7 +127,7 @@ unsigned int copyTree(int from, const std::string& path, int to, Faults& faults)
   const auto visit = [&](int folder, const char* name, const struct stat& entry) {
     bool done = true;
     const bool isFolder = S_ISDIR(entry.st_mode) && !isSameFile(entry, target);
-    if (isFolder) done = makeDirectory(into.get(), name);
+    if (isFolder) done = makeDirectory(into.get(), name) || errno == EEXIST;
     if (S_ISREG(entry.st_mode)) done = copyRegularFile(folder, name, O_NOFOLLOW, into.get(), name);
     if (!done) faults.add();
     return isFolder && done;

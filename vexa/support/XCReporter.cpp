@@ -3,11 +3,11 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <cxxabi.h>
 #include <sys/time.h>
 #include <utility>
 
 #include "vexa/support/XCBenchmarkRecords.h"
+#include "vexa/support/forced_unwind_internal.h"
 #include "vexa/support/format_internal.h"
 
 namespace Norvel {
@@ -86,7 +86,8 @@ void XCReporter::Message(XIReporter::EMsgType type, const char* format, ...) {
   va_end(args);
 }
 
-// A cancellation has no object: its reference is null, which the sanitizer must not stop.
+// Thread cancellation is caught through a null reference; the undefined-behaviour sanitizer must
+// not stop on it.
 __attribute__((no_sanitize("null"))) void XCReporter::SendMsg2Reporter(XIReporter::EMsgType type,
                                                                        const char* text) {
   try {
@@ -95,10 +96,10 @@ __attribute__((no_sanitize("null"))) void XCReporter::SendMsg2Reporter(XIReporte
     } else {
       print(type, orEmpty(text));
     }
-  } catch (abi::__forced_unwind&) {
-    throw;  // the thread is being cancelled, which may not be stopped
+  } catch (ForcedUnwind&) {
+    throw;  // the thread is being cancelled: stopping that would end the process
   } catch (...) {
-    // The message is lost; there is nobody left to tell.
+    // The message is lost: there is no other reporter to send it to.
   }
 }
 

@@ -1,16 +1,18 @@
+#include "vexa/animation/entry_point_internal.h"
+
 #include <cstdio>
-#include <cxxabi.h>
 #include <exception>
 
-#include "vexa/animation/entry_point_internal.h"
+#include "vexa/support/forced_unwind_internal.h"
 
 namespace Norvel::Vexa {
 
-// The unwinding comes as a reference to nothing, which is not to be checked.
+// Thread cancellation is caught through a null reference; the undefined-behaviour sanitizer must
+// not stop on it.
 __attribute__((no_sanitize("null"))) void reportException(const char* operation) {
   try {
     throw;
-  } catch (const abi::__forced_unwind&) {
+  } catch (const ForcedUnwind&) {
     throw;
   } catch (const std::exception& e) {
     std::fprintf(stderr, "%s - Caught an exception \"%s\"\n", operation, e.what());

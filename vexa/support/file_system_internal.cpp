@@ -1,9 +1,11 @@
+#include <algorithm>
 #include <array>
-#include <cstdio>
 #include <cstring>
 #include <fcntl.h>
-#include <sys/xattr.h>
 #include <vector>
+#if defined(__linux__)
+#include <sys/xattr.h>
+#endif
 
 #include "vexa/support/XCReporter.h"
 #include "vexa/support/file_system_internal.h"
@@ -21,22 +23,33 @@ bool isRegular(const struct stat& status) {
   return fail(S_ISDIR(status.st_mode) ? EISDIR : EINVAL);
 }
 
-/// What the target's file system cannot hold, or this user may not set, is left out of a copy.
+// Whether a call succeeded, or failed because the target's file system cannot hold what the call
+// sets or this user may not set it. A copy goes on without that.
 bool doneOrNotPossible(int result) {
   return result == 0 || errno == ENOTSUP || errno == EPERM || errno == EACCES || errno == ENODATA;
 }
 
-/// A new file in an open directory, under a name of its own until it is complete.
+// 128 random bits as text: nobody can create, or plant a link at, a name that they cannot foresee.
+bool randomName(std::array<char, 48>& outName) {
+  unsigned char bits[16];
+  if (getentropy(bits, sizeof(bits)) != 0) return false;
+  constexpr char kPrefix[] = ".vexa-", kDigits[] = "0123456789abcdef";
+  char* to = std::copy_n(kPrefix, sizeof(kPrefix) - 1, outName.data());
+  for (const unsigned char byte : bits) {
+    *to++ = kDigits[byte >> 4];
+    *to++ = kDigits[byte & 15];
+  }
+  *to = '\0';
+  return true;
+}
+
+// A new file in an open directory, under a random name until it is complete.
 class TemporaryFile {
  public:
   explicit TemporaryFile(int folder) : mFolder(folder) {
-    for (int attempt = 0; attempt < 10000 && !mFile.isOpen(); ++attempt) {
-      std::snprintf(mName.data(), mName.size(), ".vexa-%ld-%d", static_cast<long>(getpid()),
-                    attempt);
-      mFile =
-          FileHandle(openat(folder, mName.data(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
-      if (!mFile.isOpen() && errno != EEXIST) return;
-    }
+    if (!randomName(mName)) return;
+    // Exclusive: an existing file or link of that name is an error.
+    mFile = FileHandle(openat(folder, mName.data(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
     mIsThere = mFile.isOpen();
   }
   ~TemporaryFile() {
@@ -50,7 +63,7 @@ class TemporaryFile {
   bool isOpen() const { return mFile.isOpen(); }
   int get() const { return mFile.get(); }
 
-  /// Closes the file, which may be when the system tells that it could not write, and renames it.
+  // Closes the file and renames it. Some systems report a failed write only when closing.
   bool becomes(const char* name) {
     if (::close(mFile.release()) != 0) return false;
     if (renameat(mFolder, mName.data(), mFolder, name) != 0) return false;
@@ -60,7 +73,7 @@ class TemporaryFile {
 
  private:
   int mFolder;
-  std::array<char, 64> mName{};
+  std::array<char, 48> mName{};
   FileHandle mFile;
   bool mIsThere = false;
 };
@@ -71,7 +84,7 @@ bool writeAll(int to, const char* data, std::size_t size) {
     if (count < 0 && errno == EINTR) continue;
     if (count <= 0) return count < 0 ? false : fail(EIO);
     data += count;
-    size -= static_cast<std::size_t>(count);
+    size -= std::size_t(count);
   }
   return true;
 }
@@ -82,20 +95,24 @@ bool copyData(int from, int to) {
     const ssize_t count = read(from, buffer.data(), buffer.size());
     if (count < 0 && errno == EINTR) continue;
     if (count <= 0) return count == 0;
-    if (!writeAll(to, buffer.data(), static_cast<std::size_t>(count))) return false;
+    if (!writeAll(to, buffer.data(), std::size_t(count))) return false;
   }
 }
 
+#if defined(__linux__)
+
+constexpr std::size_t kLargestAttribute = 1
+                                          << 16;  // the kernel's limit, also for the list of names
+
 bool copyAttribute(int from, int to, const char* name) {
-  std::vector<char> value(1 << 16);  // the system's largest
+  std::vector<char> value(kLargestAttribute);
   const ssize_t size = fgetxattr(from, name, value.data(), value.size());
   return doneOrNotPossible(size < 0 ? -1 : 0) &&
-         (size < 0 ||
-          doneOrNotPossible(fsetxattr(to, name, value.data(), static_cast<std::size_t>(size), 0)));
+         (size < 0 || doneOrNotPossible(fsetxattr(to, name, value.data(), std::size_t(size), 0)));
 }
 
 bool copyAttributes(int from, int to) {
-  std::vector<char> names(1 << 16);  // the system's largest
+  std::vector<char> names(kLargestAttribute);
   const ssize_t size = flistxattr(from, names.data(), names.size());
   if (size < 0) return doneOrNotPossible(-1);
   const char* const end = names.data() + size;
@@ -105,19 +122,26 @@ bool copyAttributes(int from, int to) {
   return true;
 }
 
+#else
+
+// Extended attributes are those of Linux; other systems' are left out of a copy.
+bool copyAttributes(int /*from*/, int /*to*/) { return true; }
+
+#endif
+
 bool setTimesAndMode(int to, const struct stat& source) {
   const timespec times[2] = {source.st_atim, source.st_mtim};
   return doneOrNotPossible(futimens(to, times)) && doneOrNotPossible(fchmod(to, 0777));
 }
 
-/// Whether a copy of that source may take the place of what stands there.
+// Whether a copy of `source` may replace the entry `name`.
 bool mayReplace(int folder, const char* name, const struct stat& source) {
   struct stat target;
   if (fstatat(folder, name, &target, AT_SYMLINK_NOFOLLOW) != 0) {
     return errno == ENOENT && *name != '\0';
   }
   if (!S_ISLNK(target.st_mode) && !isRegular(target)) return false;
-  // Seen through a link it may be the source itself.
+  // The entry may be a link to the source itself.
   const bool reachable = fstatat(folder, name, &target, 0) == 0;
   return reachable && isSameFile(source, target) ? fail(EINVAL) : true;
 }
@@ -131,6 +155,26 @@ void takeSystemError(std::string* error) noexcept {
   } catch (const std::exception&) {
     error->clear();
   }
+}
+
+FileHandle openFolderOf(const std::string& path) {
+#if defined(O_PATH)
+  constexpr int kMode = O_PATH;  // needs no permission to read the folder
+#else
+  constexpr int kMode = O_RDONLY;
+#endif
+  const std::string folder = path.substr(0, path.rfind('/') + 1);
+  return FileHandle(open(folder.empty() ? "." : folder.c_str(), kMode | O_DIRECTORY | O_CLOEXEC));
+}
+
+bool makeDirectory(int parent, const char* name) {
+  if (mkdirat(parent, name, 0700) != 0) return false;
+  // By its own descriptor: in a shared folder another user may have put something else at the name.
+  const FileHandle made(openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
+  struct stat status;
+  if (!made.isOpen() || fstat(made.get(), &status) != 0) return false;
+  if (status.st_uid != geteuid()) return fail(EPERM);
+  return fchmod(made.get(), 0777) == 0;
 }
 
 FileHandle openRegularFile(int folder, const char* name, int flags, struct stat& status) {
