@@ -60,6 +60,11 @@ void outAll(Recorder& r, const Curve& curve, double time) {
   r.outOf([&] { return V(curve.valueAt(time)); });
 }
 
+template <class Curve>
+constexpr bool kHasCoeff = false;
+template <class V, class W, class S>
+constexpr bool kHasCoeff<XTLinearInterpolation<V, W, S>> = true;
+
 template <class Curve, class V, class Function>
 void runCurve(Recorder& r, Function function) {
   Numbers& n = r.numbers();
@@ -76,7 +81,7 @@ void runCurve(Recorder& r, Function function) {
     r.outOf([&] {
       Curve curve(t.mStart, t.mEnd, a, b);
       outAll<Curve, V>(r, curve, t.mTime);
-      if constexpr (std::is_base_of_v<XTLinearCoefficient<V>, Curve>) r.out(curve.getCoeff());
+      if constexpr (kHasCoeff<Curve>) r.out(curve.getCoeff());
       curve.setStartValue(value);
       outAll<Curve, V>(r, curve, t.mTime);
       r.outOf([&] { curve.setEndTime(other.mEnd); });
@@ -97,7 +102,7 @@ void addOf(Groups& out, const std::string& type) {
   add("linear_", Kind::kArithmetic, [](Recorder& r) {
     runCurve<XTLinearInterpolation<V, V, S>, V>(r, [](auto... x) { return Lerp(x...); });
   });
-  if constexpr (!std::is_same_v<V, long>) {
+  if constexpr (!std::is_same_v<V, Long>) {
     add("sinus_", Kind::kLibm, [](Recorder& r) {
       runCurve<XTSinusInterpolation<V, V, S>, V>(r, [](auto... x) { return Sinerp(x...); });
     });
@@ -134,8 +139,7 @@ void addInterpolationGroups(Groups& out) {
   addOf<int, int>(out, "int");
   addOf<V3, float>(out, "vector");
   addOf<UXS::uxs_color, float>(out, "colour");
-  // A long of 32 bits gives other results.
-  if constexpr (sizeof(long) == 8) addOf<long, long>(out, "long");
+  addOf<Long, Long>(out, "long");
   out.push_back({"time_interval", Kind::kArithmetic, runInterval});
 }
 
