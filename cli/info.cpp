@@ -18,7 +18,7 @@ std::string asText(const scene::Description& value) {
 
 void printText(const scene::Description& description) {
   for (const auto& [name, value] : description.items()) {
-    if (name == "notes" || name == "faults") continue;
+    if (name == "notes" || name == "faults" || name == "formatVersion") continue;
     std::printf("%-26s %s\n", name.c_str(), asText(value).c_str());
   }
   for (const auto& note : description["notes"]) std::printf("note: %s\n", asText(note).c_str());

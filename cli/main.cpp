@@ -4,7 +4,7 @@
 #include <iostream>
 #include <string>
 
-#include "cli/commands.h"
+#include "cli/application.h"
 #include "formats/Descriptor.h"
 #include "formats/interruption.h"
 #include "formats/printable.h"
@@ -33,15 +33,8 @@ int complainOfUsage(const CLI::App& app, const CLI::ParseError& error) {
 int main(int argc, char** argv) {
   vexa::formats::openStandardStreams();
   vexa::formats::removeTemporariesOnSignals();
-  CLI::App app("Vexa: keyframes, paths and skinned animation at a frame", "vexa");
-  app.require_subcommand(1);
-  app.set_version_flag("--version", "vexa " VEXA_VERSION);
-  vexa::cli::addRun(app);
-  vexa::cli::addImport(app);
-  vexa::cli::addInfo(app);
-  vexa::cli::addSample(app);
-  vexa::cli::addSun(app);
-  vexa::cli::addPresets(app);
+  CLI::App app;
+  vexa::cli::setUp(app);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

@@ -1,20 +1,84 @@
-# The library as others consume it: headers, libraries, a CMake package and a pkg-config file.
+# The library as others consume it: headers, libraries, CMake packages and pkg-config files.
+#
+# Install components: runtime (what a linked program needs), development, command, python.
 include(CMakePackageConfigHelpers)
 
-install(TARGETS vexa refhost EXPORT vexaTargets
+set(package_dir "${CMAKE_INSTALL_LIBDIR}/cmake/vexa")
+
+# vexa_install_targets(<export set> <target>...): libraries of one component of find_package.
+function(vexa_install_targets export)
+  install(TARGETS ${ARGN} EXPORT ${export}
+          LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+                  COMPONENT runtime NAMELINK_COMPONENT development
+          ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development)
+  install(EXPORT ${export} NAMESPACE vexa:: DESTINATION "${package_dir}" COMPONENT development)
+endfunction()
+
+# vexa_install_room(<name> <target>...): the libraries and public headers of a folder.
+function(vexa_install_room name)
+  vexa_install_targets(vexa-${name}Targets ${ARGN})
+  install(DIRECTORY "${PROJECT_SOURCE_DIR}/${name}" DESTINATION "${VEXA_ROOM_HEADERS}"
+          COMPONENT development
+          FILES_MATCHING PATTERN "*.h" PATTERN "*_internal.h" EXCLUDE PATTERN fixtures EXCLUDE)
+endfunction()
+
+install(TARGETS vexa EXPORT vexaTargets
         LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
-        ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}"
-        FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}")
-install(EXPORT vexaTargets NAMESPACE vexa::
-        DESTINATION "${CMAKE_INSTALL_LIBDIR}/cmake/vexa")
+                COMPONENT runtime NAMELINK_COMPONENT development
+        ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development
+        FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT development)
+install(TARGETS refhost EXPORT vexaTargets
+        ARCHIVE DESTINATION "${CMAKE_INSTALL_LIBDIR}" COMPONENT development
+        FILE_SET HEADERS DESTINATION "${VEXA_ROOM_HEADERS}" COMPONENT development)
+install(EXPORT vexaTargets NAMESPACE vexa:: DESTINATION "${package_dir}" COMPONENT development)
+
+if(TARGET vexa_formats)
+  vexa_install_room(formats vexa_scene_formats vexa_formats)
+endif()
+if(TARGET vexa_importer)
+  vexa_install_room(importer vexa_importer)
+endif()
+if(TARGET vexa_plot)
+  vexa_install_room(plot vexa_plot)
+endif()
+if(TARGET vexa_scene)
+  vexa_install_room(scene vexa_scene_player vexa_scene)
+endif()
 
 configure_package_config_file(
   "${PROJECT_SOURCE_DIR}/cmake/vexaConfig.cmake.in" "${PROJECT_BINARY_DIR}/vexaConfig.cmake"
-  INSTALL_DESTINATION "${CMAKE_INSTALL_LIBDIR}/cmake/vexa")
+  INSTALL_DESTINATION "${package_dir}")
 write_basic_package_version_file("${PROJECT_BINARY_DIR}/vexaConfigVersion.cmake"
                                  COMPATIBILITY SameMinorVersion)
 install(FILES "${PROJECT_BINARY_DIR}/vexaConfig.cmake" "${PROJECT_BINARY_DIR}/vexaConfigVersion.cmake"
-        DESTINATION "${CMAKE_INSTALL_LIBDIR}/cmake/vexa")
+        DESTINATION "${package_dir}" COMPONENT development)
 
-configure_file("${PROJECT_SOURCE_DIR}/cmake/vexa.pc.in" "${PROJECT_BINARY_DIR}/vexa.pc" @ONLY)
-install(FILES "${PROJECT_BINARY_DIR}/vexa.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig")
+# A pkg-config file finds its prefix from its own place, so an installed tree may be moved.
+set(pkgconfig_dir "${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig")
+file(RELATIVE_PATH VEXA_PC_PREFIX "${pkgconfig_dir}" "${CMAKE_INSTALL_PREFIX}")
+file(RELATIVE_PATH VEXA_PC_LIBDIR "${CMAKE_INSTALL_PREFIX}" "${CMAKE_INSTALL_FULL_LIBDIR}")
+file(RELATIVE_PATH VEXA_PC_INCLUDEDIR "${CMAKE_INSTALL_PREFIX}" "${CMAKE_INSTALL_FULL_INCLUDEDIR}")
+set(pc_files vexa vexa-refhost)
+foreach(name ${pc_files})
+  configure_file("${PROJECT_SOURCE_DIR}/cmake/${name}.pc.in" "${PROJECT_BINARY_DIR}/${name}.pc" @ONLY)
+  install(FILES "${PROJECT_BINARY_DIR}/${name}.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig"
+          COMPONENT development)
+endforeach()
+
+install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${CMAKE_INSTALL_DOCDIR}"
+        COMPONENT development)
+install(FILES "${PROJECT_SOURCE_DIR}/docs/scene.schema.json"
+              "${PROJECT_SOURCE_DIR}/docs/info.schema.json"
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/vexa" COMPONENT command)
+
+# The libraries are found relative to the program, so the tree may be moved.
+if(TARGET vexa_command)
+  file(RELATIVE_PATH bin_to_lib "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
+  set_target_properties(vexa_command PROPERTIES INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
+  install(TARGETS vexa_command
+          RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT command)
+  install(FILES "${PROJECT_BINARY_DIR}/cli/vexa.1"
+          DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT command)
+  install(FILES "${PROJECT_BINARY_DIR}/cli/vexa.bash" RENAME vexa
+          DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" COMPONENT command)
+endif()

@@ -120,6 +120,7 @@ formats::AnimationFile readAnimation(const std::string& file) {
 
 Description newDescription(const char* kind) {
   Description description;
+  description["formatVersion"] = 1;  // docs/info.schema.json
   description["kind"] = kind;
   description["notes"] = Description::array();
   description["faults"] = Description::array();

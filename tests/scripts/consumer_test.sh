@@ -1,41 +1,67 @@
 #!/usr/bin/env bash
-# Installs to a scratch prefix, then builds and runs one client against it with find_package (as
-# C++17) and with pkg-config (as C++20), and looks at what the library shows.
-# usage: consumer_test.sh BUILD_DIR CXX
+# Installs a build, moves the tree to another prefix, and builds clients against it: by find_package
+# (as C++17) and by pkg-config (as C++20), with gcc and clang. Nothing is told where the tree went
+# beyond CMAKE_PREFIX_PATH and PKG_CONFIG_PATH. Then looks at what the library exports.
+# usage: consumer_test.sh BUILD_DIR
 set -euo pipefail
 build=$1
-cxx=$2
 here=$(cd "$(dirname "$0")" && pwd)
 scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
-prefix=$scratch/prefix
+unset LD_LIBRARY_PATH
+prefix=$scratch/moved/tree
 
-cmake --install "$build" --prefix "$prefix" >/dev/null
+cmake --install "$build" --prefix "$scratch/prefix" >/dev/null
+mkdir "$scratch/moved"
+mv "$scratch/prefix" "$prefix"
+pkgconfig=$(dirname "$(find "$prefix" -name vexa.pc)")
+export PKG_CONFIG_PATH=$pkgconfig
 
-cmake -G Ninja -S "$here/consumer" -B "$scratch/client" -DCMAKE_PREFIX_PATH="$prefix" \
-      -DCMAKE_CXX_COMPILER="$cxx" -DREADME="$here/../../README.md" >/dev/null
-cmake --build "$scratch/client" >/dev/null
-"$scratch/client/client"
-"$scratch/client/first" | grep -q '^ 50 0.5000$'
-
-libdir=$(dirname "$(find "$prefix" -name vexa.pc)")
-export PKG_CONFIG_PATH=$libdir
-# The scratch prefix is not the one that was configured.
-flags=$(pkg-config --define-variable=prefix="$prefix" --cflags --libs vexa)
-# shellcheck disable=SC2086
-"$cxx" -std=c++20 "$here/consumer/client.cpp" -o "$scratch/client20" $flags
-LD_LIBRARY_PATH=$(dirname "$libdir") "$scratch/client20"
-
-library=$(dirname "$libdir")/libvexa.so.0
-foreign=$(nm -DC --defined-only "$library" | cut -d' ' -f3- |
-  grep -vE '^VEXA_0|^((non-)?virtual thunk to |vtable for |typeinfo (name )?for |guard variable for )?(Norvel|UXS|UxZel|Oru)::' || true)
-if [ -n "$foreign" ]; then
-  echo "symbols that the library should not show:"
-  echo "$foreign" | head
-  exit 1
+components=()
+if [ -x "$prefix/bin/vexa" ]; then
+  components=(importer scene)
+  "$prefix/bin/vexa" --version | grep -q '^vexa [0-9]'
+  man=$(find "$prefix" -name vexa.1)
+  grep -q 'vexa run SCENE' "$man"
+  bash -c '. "$1"; COMP_WORDS=(vexa run --pl); COMP_CWORD=2; _vexa; test "${COMPREPLY[*]}" = --plot' \
+    bash "$(find "$prefix" -path '*completions/vexa')"
 fi
-if nm -D --defined-only "$library" | grep ' u '; then
-  echo "unique symbols keep the library from being unloaded"
-  exit 1
+
+for cxx in g++ clang++; do
+  command -v "$cxx" >/dev/null || continue
+  client=$scratch/client_$cxx
+  list=$(IFS=';'; echo "${components[*]}")
+  cmake -G Ninja -S "$here/consumer" -B "$client" -DCMAKE_PREFIX_PATH="$prefix" \
+        -DCMAKE_CXX_COMPILER="$cxx" -DREADME="$here/../../README.md" -DCOMPONENTS="$list" >/dev/null
+  cmake --build "$client" >"$client.log" || { cat "$client.log"; exit 1; }
+  "$client/client"
+  "$client/first" | grep -q '^ 50 0.5000$'
+  if [ ${#components[@]} -gt 0 ]; then
+    "$client/importing" /usr/share/assimp/models/glTF2/simple_skin/simple_skin.gltf "$client/skin"
+  fi
+
+  # shellcheck disable=SC2046
+  "$cxx" -std=c++20 "$here/consumer/client.cpp" -o "$client/client20" \
+         $(pkg-config --cflags --libs --static vexa) -Wl,-rpath,"$(pkg-config --variable=libdir vexa)"
+  "$client/client20"
+  # shellcheck disable=SC2046
+  "$cxx" -std=c++17 "$client/first.cpp" -o "$client/first17" $(pkg-config --cflags --libs vexa-refhost) \
+         -Wl,-rpath,"$(pkg-config --variable=libdir vexa)"
+  "$client/first17" | grep -q '^ 50 0.5000$'
+done
+
+library=$(dirname "$pkgconfig")/libvexa.so.0
+if [ -e "$library" ]; then
+  foreign=$(nm -DC --defined-only "$library" | cut -d' ' -f3- |
+    grep -vE '^VEXA_0|^((non-)?virtual thunk to |vtable for |typeinfo (name )?for |guard variable for )?(Norvel|UXS|UxZel|Oru)::' || true)
+  if [ -n "$foreign" ]; then
+    echo "symbols that the library should not export:"
+    echo "$foreign" | head
+    exit 1
+  fi
+  if nm -D --defined-only "$library" | grep ' u '; then
+    echo "unique symbols keep the library from being unloaded"
+    exit 1
+  fi
 fi
-echo "consumer: both clients run, no foreign symbol"
+echo "consumer: all clients run, no foreign symbol"

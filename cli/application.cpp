@@ -1,0 +1,20 @@
+#include "cli/application.h"
+
+#include "cli/commands.h"
+
+namespace vexa::cli {
+
+void setUp(CLI::App& app) {
+  app.name("vexa");
+  app.description("Vexa: keyframes, paths and skinned animation at a frame");
+  app.require_subcommand(1);
+  app.set_version_flag("--version", "vexa " VEXA_VERSION);
+  addRun(app);
+  addImport(app);
+  addInfo(app);
+  addSample(app);
+  addSun(app);
+  addPresets(app);
+}
+
+}  // namespace vexa::cli
