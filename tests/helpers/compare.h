@@ -17,6 +17,13 @@ bool sameBits(const T& a, const T& b) {
   return std::memcmp(&a, &b, sizeof(T)) == 0;
 }
 
+/// The same for two numbers, but every NaN counts as the same: which of two operands' NaN survives
+/// is the compiler's choice.
+template <class T>
+bool sameOrNaN(T a, T b) {
+  return sameBits(a, b) || (std::isnan(a) && std::isnan(b));
+}
+
 /// Steps between two doubles on the line of all doubles; the largest number when either is NaN.
 inline std::int64_t ulpDistance(double a, double b) {
   if (std::isnan(a) || std::isnan(b)) return std::numeric_limits<std::int64_t>::max();

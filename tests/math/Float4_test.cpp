@@ -10,7 +10,7 @@
 #include "vexa/math/matrix_inverse_internal.h"
 
 using namespace Norvel::Vexa;
-using vexa::tests::sameBits;
+using vexa::tests::sameOrNaN;
 
 #if defined(__SSE2__)
 
@@ -28,12 +28,6 @@ struct WideForm<double> {
 template <class T>
 class Float4Forms : public testing::Test {};
 TYPED_TEST_SUITE(Float4Forms, vexa::tests::Precisions, vexa::tests::PrecisionName);
-
-// Every NaN counts as the same: which of two operands' NaN survives is the compiler's choice.
-template <class T>
-bool sameOrNaN(T a, T b) {
-  return sameBits(a, b) || (std::isnan(a) && std::isnan(b));
-}
 
 // Elements that hold ordinary values, zeros of both signs, huge, tiny and infinite ones.
 TYPED_TEST(Float4Forms, PlainAndWideInverseHaveTheSameBits) {

@@ -1,11 +1,13 @@
 #include "vexa/framecollector/XCFrameCollector.h"
 
 #include <cstdint>
-#include <exception>
+#include <new>
 #include <utility>
 
-#include "vexa/math/column_matrix.h"
+#include "vexa/framecollector/NodePose_internal.h"
+#include "vexa/framecollector/VertexLinks_internal.h"
 #include "vexa/mesh/MeshEditor.h"
+#include "vexa/mesh/MeshImpl.h"
 #include "vexa/mesh/uxs_autoptr.h"
 #include "vexa/support/UxThrow.h"
 #include "vexa/support/XCReporter.h"
@@ -16,131 +18,127 @@ namespace {
 using Matrix = UXS::uxs_generic_mat4<float>;
 using Point = Oru::TVector3D<float>;
 
-constexpr Matrix kZeroMatrix = {{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}};
-
-// ioSum = weight * inMatrix + ioSum, element by element.
-void addWeighted(Matrix& ioSum, const Matrix& inMatrix, float inWeight) {
-  for (int k = 0; k < 16; ++k) {
-    ioSum.e[k] = inMatrix.e[k] * inWeight + ioSum.e[k];  // order: exact floats
-  }
-}
-
-// Required behaviour: the frame that was held stays in force for the links visited afterwards; a
-// take without frames makes it 0xFFFFFFFF, which the next node holds at its own last frame.
-const Matrix& heldTransformation(const XCTransformationNode& inNode, unsigned int inTake,
-                                 unsigned int& ioFrame) {
-  const unsigned int frames = inNode.GetTransformationsNbr(inTake);
-  if (ioFrame >= frames) ioFrame = frames - 1;
-  return inNode.GetTransformation(inTake, ioFrame);
-}
-
-// The vertex under a blended matrix that is still to be divided by the sum of its weights.
-// Required behaviour: y from the third row, z from the second; a sum of 0 gives infinities or NaN.
-Point deformed(const Point& p, const Matrix& inBlend, double inWeightSum) {
-  const float s = 1.0f / float(inWeightSum);
-  return {s * rowTimesPoint(inBlend.e, 0, p), s * rowTimesPoint(inBlend.e, 2, p),
-          s * rowTimesPoint(inBlend.e, 1, p)};
-}
-
-// A mesh with one reference, for a pointer that releases it.
+// Makes a mesh with one reference, for a pointer that releases it.
 UXS::Mesh* newMesh() {
   auto* mesh = new UXS::Mesh;
   mesh->increment();
   return mesh;
 }
 
-void reportLink(const char* inText) {
-  XCReporter::Message(XIReporter::kMsgWarning, "XCFrameCollector::FillMatrix : %s", inText);
-}
+// An editor that gives the vertices as an array.
+class VertexEditor : public UXS::Mesh::Editor {
+ public:
+  using Editor::Editor;
+  Point* vertices() { return data().mVertices.data(); }
+};
+
+// Reports that a link can not be followed. The text is whole: a rig may have many such links.
+void reportLink(const char* text) { XCReporter::SendMsg2Reporter(XIReporter::kMsgWarning, text); }
 
 }  // namespace
 
 // The mesh as it is deformed for one definition.
 struct XCFrameCollector::sCloneDefinitions {
-  sCloneDefinitions(unsigned int inFrame, unsigned int inTake)
-      : mFrame(inFrame), mTake(inTake), mMesh(newMesh()) {}
+  sCloneDefinitions(unsigned int frame, unsigned int take)
+      : mFrame(frame), mTake(take), mMesh(newMesh()) {}
 
   unsigned int mFrame;
   unsigned int mTake;
   UXS::uxs_autoptr<UXS::Mesh> mMesh;
 };
 
-XCFrameCollector::XCFrameCollector(UXS::Mesh* inMesh) : mMesh(inMesh) {}
+// The weighted sum of the matrices of a vertex's nodes, before the global transformation.
+struct XCFrameCollector::Blend {
+  Matrix mMatrix;
+  double mWeightSum;
+};
+
+XCFrameCollector::XCFrameCollector(UXS::Mesh* mesh)
+    : mLinks(std::make_unique<VertexLinks>()), mMesh(mesh) {}
 
 XCFrameCollector::~XCFrameCollector() {
   mTakes.clear();
   mClones.clear();
 }
 
-unsigned int XCFrameCollector::AddTransformation(const Matrix& inMatrix, unsigned int inTake,
-                                                 int inNode) {
+// Required behaviour: a call that is refused has added to the size already, and a new node stays.
+// Where memory runs out, nothing has changed.
+unsigned int XCFrameCollector::AddTransformation(const Matrix& matrix, unsigned int take,
+                                                 int node) {
+  const unsigned int size = mSize;
+  const std::size_t nodes = mNodes.size();
+  const Matrix copy = matrix;  // it may lie in a node that is about to move
   mSize += 64;
-  if (inNode < 0) {
-    mNodes.emplace_back(GetNbrTakes());
-    inNode = int(mNodes.size()) - 1;
-    mSize += 32 + 48 * GetNbrTakes();
+  try {
+    if (node < 0) {
+      mNodes.emplace_back(GetNbrTakes());
+      node = int(nodes);
+      mSize += 32 + 48 * GetNbrTakes();
+    }
+    UxThrow::IfFalse(node < int(mNodes.size()),
+                     "XCFrameCollector::AddTransformation : bad node index");
+    mNodes[std::size_t(node)].AddTransformation(copy, take);
+  } catch (const std::bad_alloc&) {
+    if (mNodes.size() > nodes) mNodes.pop_back();
+    mSize = size;
+    throw;
   }
-  UxThrow::IfFalse(inNode < int(mNodes.size()),
-                   "XCFrameCollector::AddTransformation : bad node index");
-  mNodes[std::size_t(inNode)].AddTransformation(inMatrix, inTake);
-  return static_cast<unsigned int>(inNode);
+  return static_cast<unsigned int>(node);
 }
 
-void XCFrameCollector::SetGlobalTransformation(const Matrix& inMatrix) {
-  mGlobalTransformation = inMatrix;
+void XCFrameCollector::SetGlobalTransformation(const Matrix& matrix) {
+  mGlobalTransformation = matrix;
 }
 
 const Matrix& XCFrameCollector::GetGlobalTransformation() const { return mGlobalTransformation; }
 
-const Matrix& XCFrameCollector::GetTransformation(unsigned int inTake, unsigned int inFrame,
-                                                  int inNode) const {
-  return nodeAt(static_cast<unsigned int>(inNode)).GetTransformation(inTake, inFrame);
+const Matrix& XCFrameCollector::GetTransformation(unsigned int take, unsigned int frame,
+                                                  int node) const {
+  const auto index = static_cast<unsigned int>(node);
+  UxThrow::IfFalse(index < mNodes.size(), "XCFrameCollector::GetTransformation : bad node index");
+  return mNodes[index].GetTransformation(take, frame);
 }
 
-void XCFrameCollector::AddLink(int inNode, const UxZel::CZelUUID& inDefinition,
-                               unsigned int inVertex, double inWeight) {
-  UxThrow::IfFalse(inVertex < restVertices().size(),
-                   "XCFrameCollector::AddLink : bad vertex index");
-  if (inVertex >= mLastLinks.size()) mLastLinks.resize(restVertices().size(), kNoLink);
-  unsigned int& last = mLastLinks[inVertex];
-  mLinks.push_back({static_cast<unsigned int>(inNode), last, inWeight, inDefinition});
-  mSize += last == kNoLink ? 72 + 28 : 28;
-  last = static_cast<unsigned int>(mLinks.size() - 1);
+// The definition counts in the size, but nothing reads it, so it is not kept.
+void XCFrameCollector::AddLink(int node, const UxZel::CZelUUID& /*definition*/, unsigned int vertex,
+                               double weight) {
+  const std::size_t vertices = restVertices().size();
+  UxThrow::IfFalse(vertex < vertices, "XCFrameCollector::AddLink : bad vertex index");
+  const bool isFirst = mLinks->add(vertex, static_cast<std::uint32_t>(node), weight, vertices);
+  mSize += isFirst ? 72 + 28 : 28;
 }
 
-Matrix XCFrameCollector::GetVertexTransformation(const Point* inVertex, unsigned int inTake,
-                                                 unsigned int inFrame, double& outWeightSum) const {
-  Matrix matrix;
-  FillMatrix(inVertex, inTake, inFrame, outWeightSum, matrix);
-  return matrix;
+Matrix XCFrameCollector::GetVertexTransformation(const Point* vertex, unsigned int take,
+                                                 unsigned int frame, double& outWeightSum) const {
+  Blend blend;
+  if (!FillMatrix(indexOf(vertex), take, frame, blend)) return Matrix();
+  outWeightSum = blend.mWeightSum;
+  return mGlobalTransformation * blend.mMatrix;
 }
 
-Point XCFrameCollector::TransformPoint(const Point* inVertex, unsigned int inTake,
-                                       unsigned int inFrame) const {
-  UxThrow::IfNULL(inVertex, "XCFrameCollector::TransformPoint : bad vertex");
-  Matrix matrix;
-  double weightSum = 0;
-  FillMatrix(inVertex, inTake, inFrame, weightSum, matrix);
-  return deformed(*inVertex, matrix, weightSum);
+Point XCFrameCollector::TransformPoint(const Point* vertex, unsigned int take,
+                                       unsigned int frame) const {
+  UxThrow::IfNULL(vertex, "XCFrameCollector::TransformPoint : bad vertex");
+  return deformed(indexOf(vertex), *vertex, take, frame);
 }
 
 Point XCFrameCollector::TransformPoint(unsigned int, unsigned int, unsigned int) const {
   return Point();
 }
 
-UXS::Mesh* XCFrameCollector::GetCurrentDefinition(unsigned int inTake, unsigned int inFrame,
-                                                  const UxZel::CZelUUID& inDefinition) {
-  const auto found = mClones.find(inDefinition);
+UXS::Mesh* XCFrameCollector::GetCurrentDefinition(unsigned int take, unsigned int frame,
+                                                  const UxZel::CZelUUID& definition) {
+  const auto found = mClones.find(definition);
   if (found != mClones.end()) {
     const sCloneDefinitions& clone = *found->second;
-    if (clone.mTake == inTake && clone.mFrame == inFrame) return clone.mMesh.get();
+    if (clone.mTake == take && clone.mFrame == frame) return clone.mMesh.get();
     mClones.erase(found);
   }
   // Stored only when it is complete: after a failure the next call computes afresh.
-  auto clone = std::make_unique<sCloneDefinitions>(inFrame, inTake);
-  deformInto(*clone->mMesh, inTake, inFrame);
+  auto clone = std::make_unique<sCloneDefinitions>(frame, take);
+  deformInto(*clone->mMesh, take, frame);
   UXS::Mesh* mesh = clone->mMesh.get();
-  mClones.insert_or_assign(inDefinition, std::move(clone));
+  mClones.insert_or_assign(definition, std::move(clone));
   return mesh;
 }
 
@@ -152,9 +150,9 @@ unsigned int XCFrameCollector::GetNbrTakes() const {
   return static_cast<unsigned int>(mTakes.size());
 }
 
-XCTMPTake* XCFrameCollector::GetTake(unsigned int inIndex) const {
-  UxThrow::IfFalse(inIndex < mTakes.size(), "XCFrameCollector::GetTake : bad take index");
-  return mTakes[inIndex].get();
+XCTMPTake* XCFrameCollector::GetTake(unsigned int index) const {
+  UxThrow::IfFalse(index < mTakes.size(), "XCFrameCollector::GetTake : bad take index");
+  return mTakes[index].get();
 }
 
 const std::vector<Point>& XCFrameCollector::restVertices() const {
@@ -162,59 +160,113 @@ const std::vector<Point>& XCFrameCollector::restVertices() const {
   return mMesh ? mMesh->GetVerticesArray() : kNone;
 }
 
-// A vertex is known by its address in the rest mesh; any other address has no links.
-unsigned int XCFrameCollector::lastLinkOf(const Point* inVertex) const {
-  const auto address = reinterpret_cast<std::uintptr_t>(inVertex);
+// A vertex is identified by its address in the rest mesh; any other address gives an index that is
+// too large.
+std::size_t XCFrameCollector::indexOf(const Point* vertex) const {
+  const auto address = reinterpret_cast<std::uintptr_t>(vertex);
   const auto offset = address - reinterpret_cast<std::uintptr_t>(restVertices().data());
-  const auto vertex = offset / sizeof(Point);
-  return vertex < mLastLinks.size() && offset % sizeof(Point) == 0 ? mLastLinks[vertex] : kNoLink;
+  const std::size_t index = offset / sizeof(Point);
+  return offset % sizeof(Point) == 0 && index < restVertices().size() ? index : SIZE_MAX;
 }
 
-const XCTransformationNode& XCFrameCollector::nodeAt(unsigned int inNode) const {
-  UxThrow::IfFalse(inNode < mNodes.size(), "XCFrameCollector::GetTransformation : bad node index");
-  return mNodes[inNode];
+// The matrix of a node at a frame; null when it can not be followed, which is reported.
+// Required behaviour: a frame past the end becomes the last one and stays so for the links visited
+// afterwards; a take without frames makes it 0xFFFFFFFF.
+const Matrix* XCFrameCollector::follow(unsigned int node, unsigned int take,
+                                       unsigned int& ioFrame) const {
+  if (node >= mNodes.size()) {
+    reportLink(
+        "XCFrameCollector::FillMatrix : XCFrameCollector::GetTransformation : bad node index "
+        "(assertion failed)");
+    return nullptr;
+  }
+  if (take >= mNodes[node].mTakeCount) {
+    reportLink(
+        "XCFrameCollector::FillMatrix : XCTransformationNode::GetTransformationsNbr : bad take "
+        "index (assertion failed)");
+    return nullptr;
+  }
+  const XCTransformationNode::Frames frames = mNodes[node].frames(take);
+  if (ioFrame >= frames.mCount) ioFrame = frames.mCount - 1;
+  if (ioFrame >= frames.mCount) {
+    reportLink(
+        "XCFrameCollector::FillMatrix : XCTransformationNode::GetTransformation : bad "
+        "transformation index (assertion failed)");
+    return nullptr;
+  }
+  return frames.mFirst + ioFrame;
 }
 
-// The sum of weight * matrix over the links, the last added first, under the global transformation.
-// A link that cannot be followed is reported and left out, weight and all.
-void XCFrameCollector::FillMatrix(const Point* inVertex, unsigned int inTake, unsigned int inFrame,
-                                  double& outWeightSum, Matrix& outMatrix) const {
-  unsigned int link = lastLinkOf(inVertex);
-  if (link == kNoLink) {
+// The sum of weight * matrix over the links, the last added first. A link that can not be followed
+// is left out, weight and all. False for a vertex without links.
+bool XCFrameCollector::FillMatrix(std::size_t vertex, unsigned int take, unsigned int frame,
+                                  Blend& outBlend) const {
+  if (!mLinks->has(vertex)) {
     // Required behaviour: a check that never fires.
     UxThrow::IfFalse(true, "XCFrameCollector::FillMatrix : Bad vertex index");
-    return;
+    return false;
   }
-  UxThrow::IfFalse(link < mLinks.size(), "XCFrameCollector::FillMatrix : vertex not linked...");
-  Matrix blend = kZeroMatrix;
+  Matrix sum = {{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}};
   double weightSum = 0;
-  unsigned int frame = inFrame;
-  for (; link != kNoLink; link = mLinks[link].mPrevious) {
-    try {
-      const Matrix& matrix = heldTransformation(nodeAt(mLinks[link].mNode), inTake, frame);
-      addWeighted(blend, matrix, float(mLinks[link].mWeight));
-      weightSum += mLinks[link].mWeight;  // order: exact floats
-    } catch (const std::exception& e) {
-      reportLink(e.what());
-    } catch (...) {
-      reportLink("unknown exception");
+  mLinks->visit(vertex, [&](std::uint32_t node, double weight) {
+    const Matrix* const matrix = follow(node, take, frame);
+    if (matrix == nullptr) return;
+    const float w = float(weight);
+    for (int k = 0; k < 16; ++k) sum.e[k] = matrix->e[k] * w + sum.e[k];  // order: exact floats
+    weightSum += weight;                                                  // order: exact floats
+  });
+  outBlend = {sum, weightSum};
+  return true;
+}
+
+// Required behaviour: y from the third row, z from the second. A vertex without links is divided by
+// 0, which gives infinities or NaN.
+Point XCFrameCollector::deformed(std::size_t vertex, const Point& rest, unsigned int take,
+                                 unsigned int frame) const {
+  Blend blend;
+  Matrix matrix;
+  double weightSum = 0;
+  if (FillMatrix(vertex, take, frame, blend)) {
+    weightSum = blend.mWeightSum;
+    matrix = mGlobalTransformation * blend.mMatrix;
+  }
+  const float s = 1.0f / float(weightSum);
+  return {s * rowTimesPoint(matrix.e, 0, rest), s * rowTimesPoint(matrix.e, 2, rest),
+          s * rowTimesPoint(matrix.e, 1, rest)};
+}
+
+// Deforms all vertices by blocks. What a kernel leaves is done one by one, in the order of the
+// vertices, in which links that can not be followed are reported.
+void XCFrameCollector::deformVertices(unsigned int take, unsigned int frame, Point* out) {
+  const std::vector<Point>& rest = restVertices();
+  mLinks->layOut(rest.size(), nodeCount());
+  NodePose pose(nodeCount(), frame, mGlobalTransformation);
+  for (unsigned int n = 0; n < nodeCount(); ++n) {
+    const XCTransformationNode::Frames frames = mNodes[n].frames(take);
+    if (mLinks->isUsed(n)) pose.set(n, frames.mFirst, frames.mCount);
+  }
+  pose.gather(mLinks->largestWeight());
+  const skinning::DeformBlock deformBlock = pose.kernel(skinning::kernels());
+  for (std::size_t b = 0; b < mLinks->blocks(); ++b) {
+    const std::size_t first = b * skinning::kBlock;
+    skinning::Block block = mLinks->block(b);
+    block.mPoints = &rest[first].x;
+    block.mOut = &out[first].x;
+    bool left[skinning::kBlock] = {};
+    if (!deformBlock(pose.pose(), block, left)) continue;
+    for (std::size_t i = 0; i < std::size_t(block.mVertices); ++i) {
+      if (left[i]) out[first + i] = deformed(first + i, rest[first + i], take, frame);
     }
   }
-  outWeightSum = weightSum;
-  outMatrix = mGlobalTransformation * blend;
 }
 
 // Commits within its own scope: where memory runs out the caller gets to know.
-void XCFrameCollector::deformInto(UXS::Mesh& outMesh, unsigned int inTake,
-                                  unsigned int inFrame) const {
-  const std::vector<Point>& vertices = restVertices();
-  if (vertices.empty()) return;
-  UXS::Mesh::Editor editor(outMesh, false);
+void XCFrameCollector::deformInto(UXS::Mesh& outMesh, unsigned int take, unsigned int frame) {
+  if (restVertices().empty()) return;
+  VertexEditor editor(outMesh, false);
   try {
     editor.Copy(*mMesh, true);
-    for (unsigned int i = 0; i < vertices.size(); ++i) {
-      editor.SetVertex(i, TransformPoint(&vertices[i], inTake, inFrame));
-    }
+    deformVertices(take, frame, editor.vertices());
     editor.Commit();
   } catch (...) {
     editor.Abandon();

@@ -11,65 +11,62 @@
 
 namespace Norvel::Vexa {
 
+class VertexLinks;
+
 /// The frame collector: blends the matrices of linked nodes and deforms copies of a rest mesh.
 ///
-/// Vertices are known by their address in the rest mesh's vertex array, so that mesh must neither
-/// go nor be edited while the collector lives.
+/// A vertex is identified by its address in the rest mesh's vertex array, so that mesh must neither
+/// be destroyed nor edited while the collector lives.
 class VEXA_EXPORT XCFrameCollector : public XIFrameCollector {
  public:
-  /// An empty collector on a rest mesh, which is borrowed: no reference is taken. A null mesh
+  /// Makes an empty collector on a rest mesh, which is borrowed: no reference is taken. A null mesh
   /// counts as one without vertices.
-  explicit XCFrameCollector(UXS::Mesh* inMesh);
+  explicit XCFrameCollector(UXS::Mesh* mesh);
   ~XCFrameCollector() override;
   XCFrameCollector(const XCFrameCollector&) = delete;
   XCFrameCollector& operator=(const XCFrameCollector&) = delete;
 
-  unsigned int AddTransformation(const UXS::uxs_generic_mat4<float>& inMatrix, unsigned int inTake,
-                                 int inNode) override;
-  void SetGlobalTransformation(const UXS::uxs_generic_mat4<float>& inMatrix) override;
+  unsigned int AddTransformation(const UXS::uxs_generic_mat4<float>& matrix, unsigned int take,
+                                 int node) override;
+  void SetGlobalTransformation(const UXS::uxs_generic_mat4<float>& matrix) override;
   const UXS::uxs_generic_mat4<float>& GetGlobalTransformation() const override;
-  const UXS::uxs_generic_mat4<float>& GetTransformation(unsigned int inTake, unsigned int inFrame,
-                                                        int inNode) const override;
-  void AddLink(int inNode, const UxZel::CZelUUID& inDefinition, unsigned int inVertex,
-               double inWeight) override;
-  UXS::uxs_generic_mat4<float> GetVertexTransformation(const Oru::TVector3D<float>* inVertex,
-                                                       unsigned int inTake, unsigned int inFrame,
+  const UXS::uxs_generic_mat4<float>& GetTransformation(unsigned int take, unsigned int frame,
+                                                        int node) const override;
+  void AddLink(int node, const UxZel::CZelUUID& definition, unsigned int vertex,
+               double weight) override;
+  UXS::uxs_generic_mat4<float> GetVertexTransformation(const Oru::TVector3D<float>* vertex,
+                                                       unsigned int take, unsigned int frame,
                                                        double& outWeightSum) const override;
-  Oru::TVector3D<float> TransformPoint(const Oru::TVector3D<float>* inVertex, unsigned int inTake,
-                                       unsigned int inFrame) const override;
+  Oru::TVector3D<float> TransformPoint(const Oru::TVector3D<float>* vertex, unsigned int take,
+                                       unsigned int frame) const override;
   Oru::TVector3D<float> TransformPoint(unsigned int, unsigned int, unsigned int) const override;
-  UXS::Mesh* GetCurrentDefinition(unsigned int inTake, unsigned int inFrame,
-                                  const UxZel::CZelUUID& inDefinition) override;
+  UXS::Mesh* GetCurrentDefinition(unsigned int take, unsigned int frame,
+                                  const UxZel::CZelUUID& definition) override;
   unsigned int GetSize() const override;
   void CreateTake() override;
 
   unsigned int GetNbrTakes() const;
-  /// A take, owned by the collector.
-  XCTMPTake* GetTake(unsigned int inIndex) const;
+  /// Returns a take, which the collector owns.
+  XCTMPTake* GetTake(unsigned int index) const;
 
  private:
-  /// One link of a vertex; those of one vertex form a chain from the last added to the first, which
-  /// is the order in which they are visited.
-  struct sLink {
-    unsigned int mNode;
-    unsigned int mPrevious;  // index of the link added before, or kNoLink
-    double mWeight;
-    UxZel::CZelUUID mDefinition;
-  };
-  static constexpr unsigned int kNoLink = 0xFFFFFFFF;
   struct sCloneDefinitions;
+  struct Blend;
 
   const std::vector<Oru::TVector3D<float>>& restVertices() const;
-  unsigned int lastLinkOf(const Oru::TVector3D<float>* inVertex) const;
-  const XCTransformationNode& nodeAt(unsigned int inNode) const;
-  void FillMatrix(const Oru::TVector3D<float>* inVertex, unsigned int inTake, unsigned int inFrame,
-                  double& outWeightSum, UXS::uxs_generic_mat4<float>& outMatrix) const;
-  void deformInto(UXS::Mesh& outMesh, unsigned int inTake, unsigned int inFrame) const;
+  std::size_t indexOf(const Oru::TVector3D<float>* vertex) const;
+  const UXS::uxs_generic_mat4<float>* follow(unsigned int node, unsigned int take,
+                                             unsigned int& ioFrame) const;
+  bool FillMatrix(std::size_t vertex, unsigned int take, unsigned int frame, Blend& outBlend) const;
+  Oru::TVector3D<float> deformed(std::size_t vertex, const Oru::TVector3D<float>& rest,
+                                 unsigned int take, unsigned int frame) const;
+  void deformVertices(unsigned int take, unsigned int frame, Oru::TVector3D<float>* out);
+  void deformInto(UXS::Mesh& outMesh, unsigned int take, unsigned int frame);
+  unsigned int nodeCount() const { return static_cast<unsigned int>(mNodes.size()); }
 
   std::vector<XCTransformationNode> mNodes;
   UXS::uxs_generic_mat4<float> mGlobalTransformation;
-  std::vector<sLink> mLinks;
-  std::vector<unsigned int> mLastLinks;  // per vertex: index of its last link, or kNoLink
+  std::unique_ptr<VertexLinks> mLinks;
   UXS::Mesh* mMesh;
   std::vector<std::unique_ptr<XCTMPTake>> mTakes;
   std::map<UxZel::CZelUUID, std::unique_ptr<sCloneDefinitions>> mClones;

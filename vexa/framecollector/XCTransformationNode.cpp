@@ -1,5 +1,6 @@
 #include "vexa/framecollector/XCTransformationNode.h"
 
+#include <algorithm>
 #include <new>
 #include <utility>
 
@@ -7,43 +8,96 @@
 
 namespace Norvel::Vexa {
 
-XCTransformationNode::XCTransformationNode(unsigned int inTakeCount) : mTakes(inTakeCount) {}
+XCTransformationNode::XCTransformationNode(unsigned int takeCount) : mTakeCount(takeCount) {}
 
-XCTransformationNode::XCTransformationNode(const XCTransformationNode& inOther)
-    : mTakes(inOther.mTakes.size()) {
-  for (std::size_t i = 0; i < mTakes.size(); ++i) {
-    if (!mTakes[i].copy(inOther.mTakes[i])) throw std::bad_alloc();
-  }
-}
+XCTransformationNode::XCTransformationNode(const std::vector<std::uint32_t>& starts,
+                                           const Matrix* slab)
+    : mTakeCount(static_cast<unsigned int>(starts.size() - 1)), mStarts(&starts), mSlab(slab) {}
 
-XCTransformationNode& XCTransformationNode::operator=(XCTransformationNode inOther) noexcept {
-  mTakes.swap(inOther.mTakes);
+XCTransformationNode::XCTransformationNode(const XCTransformationNode& other)
+    : mTakeCount(other.mTakeCount), mTakes(other.ownTakes()) {}
+
+XCTransformationNode& XCTransformationNode::operator=(XCTransformationNode other) noexcept {
+  std::swap(mTakeCount, other.mTakeCount);
+  std::swap(mStarts, other.mStarts);
+  std::swap(mSlab, other.mSlab);
+  mTakes.swap(other.mTakes);
   return *this;
 }
 
 XCTransformationNode::~XCTransformationNode() = default;
 
-void XCTransformationNode::AddTransformation(const UXS::uxs_generic_mat4<float>& inMatrix,
-                                             unsigned int inTake) {
-  UxThrow::IfFalse(inTake < mTakes.size(),
-                   "XCTransformationNode::AddTransformation : bad take index");
-  if (mTakes[inTake].push_back(inMatrix) == nullptr) throw std::bad_alloc();
+void XCTransformationNode::AddTransformation(const Matrix& matrix, unsigned int take) {
+  UxThrow::IfFalse(take < mTakeCount, "XCTransformationNode::AddTransformation : bad take index");
+  const Matrix copy = matrix;  // it may lie in what is about to move
+  if (mStarts != nullptr) {
+    mTakes = ownTakes();
+    mStarts = nullptr;
+    mSlab = nullptr;
+  }
+  if (arrayOf(take).push_back(copy) == nullptr) throw std::bad_alloc();
 }
 
 const UXS::uxs_generic_mat4<float>& XCTransformationNode::GetTransformation(
-    unsigned int inTake, unsigned int inFrame) const {
-  UxThrow::IfFalse(inTake < mTakes.size(),
-                   "XCTransformationNode::GetTransformation : bad take index");
-  const MatrixArray& frames = mTakes[inTake];
-  UxThrow::IfFalse(inFrame < frames.size(),
+    unsigned int take, unsigned int frame) const {
+  UxThrow::IfFalse(take < mTakeCount, "XCTransformationNode::GetTransformation : bad take index");
+  const Frames found = frames(take);
+  UxThrow::IfFalse(frame < found.mCount,
                    "XCTransformationNode::GetTransformation : bad transformation index");
-  return frames[inFrame];
+  return found.mFirst[frame];
 }
 
-unsigned int XCTransformationNode::GetTransformationsNbr(unsigned int inTake) const {
-  UxThrow::IfFalse(inTake < mTakes.size(),
+unsigned int XCTransformationNode::GetTransformationsNbr(unsigned int take) const {
+  UxThrow::IfFalse(take < mTakeCount,
                    "XCTransformationNode::GetTransformationsNbr : bad take index");
-  return mTakes[inTake].size();
+  return frames(take).mCount;
+}
+
+XCTransformationNode::Frames XCTransformationNode::frames(unsigned int take) const {
+  if (take >= mTakeCount) return {nullptr, 0};
+  if (mStarts != nullptr) {
+    const std::uint32_t start = (*mStarts)[take];
+    return {mSlab + start, (*mStarts)[take + 1] - start};
+  }
+  const Take* const found = find(take);
+  return found == nullptr ? Frames{nullptr, 0}
+                          : Frames{found->mFrames.begin(), found->mFrames.size()};
+}
+
+// Where every take has frames, a take is at its own index.
+const XCTransformationNode::Take* XCTransformationNode::find(unsigned int take) const {
+  if (take < mTakes.size() && mTakes[take].mIndex == take) return &mTakes[take];
+  const auto found =
+      std::lower_bound(mTakes.begin(), mTakes.end(), take,
+                       [](const Take& a, unsigned int index) { return a.mIndex < index; });
+  return found != mTakes.end() && found->mIndex == take ? &*found : nullptr;
+}
+
+// Copies of the takes that have frames.
+std::vector<XCTransformationNode::Take> XCTransformationNode::ownTakes() const {
+  std::vector<Take> takes;
+  const auto add = [&](unsigned int take) {
+    const Frames from = frames(take);
+    if (from.mCount == 0) return;
+    takes.push_back({take, MatrixArray()});
+    MatrixArray& to = takes.back().mFrames;
+    if (!to.reserve(from.mCount)) throw std::bad_alloc();
+    for (unsigned int f = 0; f < from.mCount; ++f) to.push_back(from.mFirst[f]);
+  };
+  if (mStarts != nullptr) {
+    for (unsigned int take = 0; take < mTakeCount; ++take) add(take);
+  } else {
+    for (const Take& take : mTakes) add(take.mIndex);
+  }
+  return takes;
+}
+
+XCTransformationNode::MatrixArray& XCTransformationNode::arrayOf(unsigned int take) {
+  const auto place =
+      std::lower_bound(mTakes.begin(), mTakes.end(), take,
+                       [](const Take& a, unsigned int index) { return a.mIndex < index; });
+  if (place != mTakes.end() && place->mIndex == take) return place->mFrames;
+  return mTakes.insert(place, Take{take, MatrixArray()})->mFrames;
 }
 
 }  // namespace Norvel::Vexa

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <vector>
 
 #include "vexa/Export.h"
@@ -10,31 +11,56 @@ namespace Norvel::Vexa {
 
 /// The baked matrices of one node: for every take one array, indexed by frame.
 ///
-/// A value: copies share nothing. Failed checks throw std::runtime_error.
+/// Takes without frames cost no memory. A value: copies share nothing. Failed checks throw
+/// std::runtime_error.
 class VEXA_EXPORT XCTransformationNode {
  public:
-  /// inTakeCount takes without frames.
-  explicit XCTransformationNode(unsigned int inTakeCount);
-  XCTransformationNode(const XCTransformationNode& inOther);
+  /// Makes takeCount takes without frames.
+  explicit XCTransformationNode(unsigned int takeCount);
+  XCTransformationNode(const XCTransformationNode& other);
   XCTransformationNode(XCTransformationNode&&) noexcept = default;
-  XCTransformationNode& operator=(XCTransformationNode inOther) noexcept;
+  XCTransformationNode& operator=(XCTransformationNode other) noexcept;
   virtual ~XCTransformationNode();
 
   /// Appends a matrix to a take; it may be one that this node holds. Throws std::bad_alloc, with
   /// nothing changed, when the take cannot grow.
-  void AddTransformation(const UXS::uxs_generic_mat4<float>& inMatrix, unsigned int inTake);
+  void AddTransformation(const UXS::uxs_generic_mat4<float>& matrix, unsigned int take);
 
-  /// The matrix of a frame; the reference holds until the take grows.
-  const UXS::uxs_generic_mat4<float>& GetTransformation(unsigned int inTake,
-                                                        unsigned int inFrame) const;
+  /// The matrix of a frame; the reference holds until the node grows.
+  const UXS::uxs_generic_mat4<float>& GetTransformation(unsigned int take,
+                                                        unsigned int frame) const;
 
   /// Number of frames of a take.
-  unsigned int GetTransformationsNbr(unsigned int inTake) const;
+  unsigned int GetTransformationsNbr(unsigned int take) const;
 
  private:
-  using MatrixArray = UXS::uxs_array<UXS::uxs_generic_mat4<float>, unsigned int>;
+  friend class XCFrameCollector;
+  using Matrix = UXS::uxs_generic_mat4<float>;
+  using MatrixArray = UXS::uxs_array<Matrix, unsigned int>;
 
-  std::vector<MatrixArray> mTakes;
+  struct Take {
+    unsigned int mIndex;
+    MatrixArray mFrames;
+  };
+  // The matrices of one take.
+  struct Frames {
+    const Matrix* mFirst;
+    unsigned int mCount;
+  };
+
+  // A node of a file: its matrices lie in a slab that the collector owns. `starts` says for each
+  // take, and for the end, which of them is the first; it is shared by all nodes of the file.
+  XCTransformationNode(const std::vector<std::uint32_t>& starts, const Matrix* slab);
+
+  Frames frames(unsigned int take) const;  // empty for an unknown take
+  const Take* find(unsigned int take) const;
+  std::vector<Take> ownTakes() const;
+  MatrixArray& arrayOf(unsigned int take);
+
+  unsigned int mTakeCount;
+  const std::vector<std::uint32_t>* mStarts = nullptr;  // null when the matrices are in mTakes
+  const Matrix* mSlab = nullptr;
+  std::vector<Take> mTakes;  // those with frames, by ascending index
 };
 
 }  // namespace Norvel::Vexa
