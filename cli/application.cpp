@@ -15,6 +15,7 @@ void setUp(CLI::App& app) {
   addSample(app);
   addSun(app);
   addPresets(app);
+  addView(app);
 }
 
 }  // namespace vexa::cli

@@ -11,5 +11,6 @@ void addInfo(CLI::App& app);
 void addSample(CLI::App& app);
 void addSun(CLI::App& app);
 void addPresets(CLI::App& app);
+void addView(CLI::App& app);
 
 }  // namespace vexa::cli

@@ -33,7 +33,7 @@ std::optional<std::int64_t> secondsOfDate(const std::string& text) {
 }
 
 std::string dateOfSeconds(std::int64_t seconds) {
-  const std::time_t time = seconds;
+  const auto time = static_cast<std::time_t>(seconds);
   std::tm fields{};
   if (gmtime_r(&time, &fields) == nullptr) return std::to_string(seconds);
   char text[64];

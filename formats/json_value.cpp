@@ -81,16 +81,24 @@ std::vector<double> JsonValue::numbers(std::size_t count) const {
   return values;
 }
 
-nlohmann::json readJsonFile(const std::string& file) {
-  const std::string bytes = readFile(file);
+nlohmann::json parseJson(const std::string& text) {
   try {
-    return nlohmann::json::parse(bytes);
+    return nlohmann::json::parse(text);
   } catch (const nlohmann::json::exception& error) {
     // "[json.exception.parse_error.101] parse error at line 3, column 5: ..."; a number beyond
     // the range of double comes as out_of_range
-    const std::string text = error.what();
-    const std::size_t start = text.find("] ");
-    throw std::runtime_error(file + ": " + text.substr(start == std::string::npos ? 0 : start + 2));
+    const std::string what = error.what();
+    const std::size_t start = what.find("] ");
+    throw std::runtime_error(what.substr(start == std::string::npos ? 0 : start + 2));
+  }
+}
+
+nlohmann::json readJsonFile(const std::string& file) {
+  const std::string text = readFile(file);
+  try {
+    return parseJson(text);
+  } catch (const std::runtime_error& error) {
+    throw std::runtime_error(file + ": " + error.what());
   }
 }
 

@@ -49,6 +49,8 @@ class JsonValue {
   std::string mPath;
 };
 
+/// Parses a whole JSON document; throws std::runtime_error with line and column of a syntax fault.
+nlohmann::json parseJson(const std::string& text);
 /// Reads a whole JSON document; throws std::runtime_error "FILE: what is wrong", with line
 /// and column of a syntax fault.
 nlohmann::json readJsonFile(const std::string& file);

@@ -12,6 +12,7 @@
 #include <system_error>
 #include <tiny_obj_loader.h>
 
+#include "formats/number_text.h"
 #include "formats/read_file.h"
 #include "formats/write_file.h"
 
@@ -34,9 +35,7 @@ std::string_view takeWord(std::string_view& ioText) {
   return word;
 }
 
-/// The whole text as a number; false when it is none.
-template <class T>
-bool parseNumber(std::string_view text, T& outValue) {
+bool parseId(std::string_view text, unsigned int& outValue) {
   const char* const end = text.data() + text.size();
   const auto [stop, error] = std::from_chars(text.data(), end, outValue);
   return error == std::errc() && stop == end;
@@ -182,7 +181,7 @@ class Gatherer {
     std::vector<unsigned int> ids;
     for (const std::string& name : mModel.materials) {
       unsigned int id = 0;
-      if (!name.empty() && !parseNumber(name, id)) return;
+      if (!name.empty() && !parseId(name, id)) return;
       ids.push_back(id);
     }
     for (ObjTriangle& triangle : mModel.triangles) triangle.material = ids[triangle.material];
@@ -198,11 +197,7 @@ class Gatherer {
 };
 
 /// The shortest text that reads back as the same float.
-void append(std::string& ioText, float value) {
-  char digits[32];
-  ioText.push_back(' ');
-  ioText.append(digits, std::to_chars(digits, std::end(digits), value).ptr);
-}
+void append(std::string& ioText, float value) { ioText += ' ' + shortestText(value); }
 
 void append(std::string& ioText, const ObjCorner& corner, std::size_t uv) {
   ioText += ' ' + std::to_string(std::size_t{corner.point} + 1);

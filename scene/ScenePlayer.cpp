@@ -157,8 +157,12 @@ ScenePlayer::ScenePlayer(refhost::Scene scene)
                                      [i](const auto& each) { return each.mDefinition == i; });
     if (isShown && mScene.mDefinitions[i].mAnimatedObject) checkTakes(mScene.mDefinitions[i]);
   }
+  orderValues();
+}
+
+void ScenePlayer::orderValues() {
   const auto& values = mScene.mProperties;
-  mSamples.resize(values.size());
+  mSamples.assign(values.size(), Sample());
   mOrder.resize(values.size());
   std::iota(mOrder.begin(), mOrder.end(), std::size_t{0});
   std::stable_sort(mOrder.begin(), mOrder.end(), [&values](std::size_t a, std::size_t b) {
@@ -176,12 +180,12 @@ void ScenePlayer::registerInstance(Instance& instance) {
   } catch (const std::exception& error) {
     refuse("instance", instance.mName, object->mAnimationFile + ": " + error.what());
   }
-  if (currentMesh(instance) == nullptr) {
+  if (mesh(instance) == nullptr) {
     refuse("instance", instance.mName, object->mAnimationFile + ": no such animation file");
   }
 }
 
-UXS::Mesh* ScenePlayer::currentMesh(const Instance& instance) const {
+const UXS::Mesh* ScenePlayer::mesh(const Instance& instance) const {
   const auto frame = static_cast<unsigned int>(instance.mState.mCurrentFrame);
   return mManager->GetCurrentDefinition(instance.mState.mTakeIndex, frame,
                                         instance.mIdentity.mUUID);
@@ -205,6 +209,30 @@ void ScenePlayer::setFrame(int frame) {
   }
 }
 
+void ScenePlayer::edit(refhost::Scene edited) {
+  auto& instances = mScene.mInstances.mElements;
+  auto& wanted = edited.mInstances.mElements;
+  const auto isSame = [](const Instance& a, const Instance& b) {
+    return a.mName == b.mName && a.mDefinition == b.mDefinition;
+  };
+  if (!std::equal(instances.begin(), instances.end(), wanted.begin(), wanted.end(), isSame)) {
+    throw std::runtime_error("the instances are not those of the scene that is played");
+  }
+  edited.mDefinitions.swap(mScene.mDefinitions);
+  try {
+    for (const Property& value : edited.mProperties) checkValue(edited, value);
+  } catch (...) {
+    edited.mDefinitions.swap(mScene.mDefinitions);
+    throw;
+  }
+  mScene = std::move(edited);
+  orderValues();
+}
+
+Matrix ScenePlayer::toWorld(const Instance& instance) const {
+  return placementOf(mScene, instance).mToWorld;
+}
+
 UxZel::CZelPoint ScenePlayer::worldPosition(const Instance& instance) const {
   const auto p =
       placementOf(mScene, instance).mToWorld * Norvel::Vexa::ux_point3<double>(0.0, 0.0, 0.0);
@@ -214,14 +242,14 @@ UxZel::CZelPoint ScenePlayer::worldPosition(const Instance& instance) const {
 std::vector<formats::MovingMesh> ScenePlayer::meshes() const {
   std::vector<formats::MovingMesh> meshes;
   for (const Instance& instance : mScene.mInstances.mElements) {
-    const UXS::Mesh* mesh = currentMesh(instance);
-    if (mesh == nullptr) continue;
+    const UXS::Mesh* shown = mesh(instance);
+    if (shown == nullptr) continue;
     formats::MovingMesh moving;
     moving.mName = instance.mName;
-    moving.mTriangles = mesh->GetTrianglesArray();
+    moving.mTriangles = shown->GetTrianglesArray();
     for (unsigned int t = 0; t < moving.mTriangles.size(); ++t) {
-      moving.mMaterials.push_back(mesh->GetTriangleMaterialID(t));
-      if (mesh->HasUVCoords()) moving.mUvs.push_back(mesh->GetTriangleUVCoords(t));
+      moving.mMaterials.push_back(shown->GetTriangleMaterialID(t));
+      if (shown->HasUVCoords()) moving.mUvs.push_back(shown->GetTriangleUVCoords(t));
     }
     meshes.push_back(std::move(moving));
   }
@@ -231,10 +259,10 @@ std::vector<formats::MovingMesh> ScenePlayer::meshes() const {
 void ScenePlayer::appendPoses(std::vector<formats::MovingMesh>& ioMeshes) const {
   std::size_t next = 0;
   for (const Instance& instance : mScene.mInstances.mElements) {
-    const UXS::Mesh* mesh = currentMesh(instance);
-    if (mesh == nullptr) continue;
+    const UXS::Mesh* shown = mesh(instance);
+    if (shown == nullptr) continue;
     const Matrix toWorld = placementOf(mScene, instance).mToWorld;
-    formats::MovingMesh::Points points = mesh->GetVerticesArray();
+    formats::MovingMesh::Points points = shown->GetVerticesArray();
     for (auto& p : points) {
       p = transformed(toWorld, p);
       if (!formats::isFinite(p)) refuseUnposed(mScene, instance);

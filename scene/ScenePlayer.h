@@ -7,6 +7,7 @@
 #include "formats/MovingMesh.h"
 #include "refhost/Scene.h"
 #include "vexa/animation/XIAnimationMgr.h"
+#include "vexa/math/ux_matrix44.h"
 
 namespace vexa::scene {
 
@@ -27,6 +28,12 @@ class ScenePlayer {
 
   const refhost::Scene& scene() const { return mScene; }
 
+  /// Takes over the settings, paths and values of an edited scene and how its instances are placed
+  /// and animated. The objects stay as they were registered: `edited` needs none. Throws as the
+  /// constructor, and when an instance was added, removed, renamed or given another object; the
+  /// player then goes on with its former scene.
+  void edit(refhost::Scene edited);
+
   /// Computes every value of the scene at a frame, 0 or more, and drives the instances.
   void setFrame(int frame);
 
@@ -35,6 +42,12 @@ class ScenePlayer {
 
   /// Where the origin of an instance of the scene lies in the world, through all that enclose it.
   UxZel::CZelPoint worldPosition(const refhost::Instance& instance) const;
+
+  /// The deformed mesh of an instance in its own space, at the frame that it shows; null for an
+  /// instance without animated object. Depends on the object, the take and the take's frame only.
+  const UXS::Mesh* mesh(const refhost::Instance& instance) const;
+  /// From an instance's own space into the world.
+  Norvel::Vexa::ux_matrix44<double> toWorld(const refhost::Instance& instance) const;
 
   /// The meshes of all animated instances without a pose, in the order of the instances.
   std::vector<formats::MovingMesh> meshes() const;
@@ -46,8 +59,9 @@ class ScenePlayer {
     void operator()(Norvel::Vexa::XIAnimationMgr* manager) const { manager->Delete(); }
   };
 
-  UXS::Mesh* currentMesh(const refhost::Instance& instance) const;
   void registerInstance(refhost::Instance& instance);
+
+  void orderValues();
 
   refhost::Scene mScene;
   std::unique_ptr<Norvel::Vexa::XIAnimationMgr, Deleter> mManager;

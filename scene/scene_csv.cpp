@@ -1,9 +1,9 @@
 #include "scene/scene_csv.h"
 
-#include <charconv>
 #include <initializer_list>
 
 #include "formats/calendar.h"
+#include "formats/number_text.h"
 #include "scene/value_parts.h"
 
 namespace vexa::scene {
@@ -19,11 +19,7 @@ std::string field(const std::string& text) {
 
 }  // namespace
 
-std::string shortestNumber(double value) {
-  char text[32];
-  const auto end = std::to_chars(text, text + sizeof(text), value);
-  return std::string(text, end.ptr);
-}
+std::string shortestNumber(double value) { return formats::shortestText(value); }
 
 std::string valuesHeader(const refhost::Scene& scene) {
   std::string line = "frame";

@@ -89,8 +89,10 @@ std::size_t indexOf(const formats::JsonValue& reference, const Names& names, con
 /// Builds a scene from a document, list by list; names are known to all that comes later.
 class SceneReader {
  public:
-  SceneReader(const formats::JsonValue& document, std::filesystem::path folder)
-      : mDocument(document), mFolder(std::move(folder)) {}
+  enum class Meshes { kRead, kSkip };
+
+  SceneReader(const formats::JsonValue& document, std::filesystem::path folder, Meshes meshes)
+      : mDocument(document), mFolder(std::move(folder)), mMeshes(meshes) {}
 
   Scene read() {
     mDocument.allowOnly({"$schema", "settings", "paths", "objects", "instances", "values"});
@@ -148,10 +150,12 @@ class SceneReader {
     definition.mSizes.mElevation = numberOr(value, "elevation", 0);
     definition.mAnimatedObject = std::make_unique<refhost::AnimatedObject>();
     refhost::AnimatedObject& object = *definition.mAnimatedObject;
-    readMesh(value.member("mesh"), object);
+    if (mMeshes == Meshes::kRead) readMesh(value.member("mesh"), object);
     object.mAnimationFile = fileName(value.member("animation"));
     for (const formats::JsonValue& take : value.member("takes").list()) readTake(take, object);
-    const auto last = static_cast<std::int64_t>(object.mPoints.mElements.size()) - 1;
+    const std::int64_t last = mMeshes == Meshes::kRead
+                                  ? static_cast<std::int64_t>(object.mPoints.mElements.size()) - 1
+                                  : kMaxInt;
     if (const auto anchor = value.find("anchorVertex")) {
       object.mAnchorVertex = static_cast<unsigned int>(anchor->integer(0, last));
     }
@@ -322,6 +326,7 @@ class SceneReader {
 
   const formats::JsonValue mDocument;
   const std::filesystem::path mFolder;
+  const Meshes mMeshes;
   Scene mScene;
   Names mPaths, mObjects, mInstances, mValues;
 };
@@ -331,11 +336,17 @@ class SceneReader {
 Scene readSceneFile(const std::string& file) {
   const nlohmann::json document = formats::readJsonFile(file);
   try {
-    return SceneReader(formats::JsonValue(document), std::filesystem::path(file).parent_path())
+    return SceneReader(formats::JsonValue(document), std::filesystem::path(file).parent_path(),
+                       SceneReader::Meshes::kRead)
         .read();
   } catch (const std::runtime_error& error) {
     throw std::runtime_error(file + ": " + error.what());
   }
+}
+
+Scene readEditedScene(const std::string& text) {
+  const nlohmann::json document = formats::parseJson(text);
+  return SceneReader(formats::JsonValue(document), {}, SceneReader::Meshes::kSkip).read();
 }
 
 }  // namespace vexa::scene

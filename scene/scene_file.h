@@ -13,4 +13,8 @@ namespace vexa::scene {
 /// std::runtime_error "FILE: JSON PATH: what was expected".
 refhost::Scene readSceneFile(const std::string& file);
 
+/// Reads an edited scene for ScenePlayer::edit from a text: as readSceneFile, except that the
+/// meshes of the objects are not read. Throws std::runtime_error "JSON PATH: what was expected".
+refhost::Scene readEditedScene(const std::string& text);
+
 }  // namespace vexa::scene

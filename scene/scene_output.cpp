@@ -10,11 +10,10 @@
 #include "formats/write_file.h"
 #include "plot/contact_sheet.h"
 #include "plot/path_plot.h"
+#include "scene/path_curve.h"
 #include "scene/scene_csv.h"
 #include "scene/value_parts.h"
 #include "scene/value_plots.h"
-#include "vexa/paths/XC3DPath.h"
-#include "vexa/paths/XCZELPathInfo.h"
 
 namespace vexa::scene {
 namespace {
@@ -33,14 +32,7 @@ plot::PathDrawing drawingOf(const refhost::Path& path) {
     drawing.mControls.push_back(point.mPassage);
     drawing.mControls.push_back(sum(point.mPassage, point.mAfter));
   }
-  if (path.mPoints.mElements.size() < 2) return drawing;
-  Norvel::Vexa::XCZELPathInfo info(&path);
-  Norvel::Vexa::XC3DPath curve(&info);
-  const int steps = 40 * path.mPoints.GetCount();
-  for (int i = 0; i <= steps; ++i) {
-    const auto p = curve.valueAt(static_cast<float>(i) / static_cast<float>(steps));
-    drawing.mCurve.push_back({double(p.x), double(p.y), double(p.z)});
-  }
+  drawing.mCurve = curveOf(path);
   return drawing;
 }
 

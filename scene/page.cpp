@@ -1,0 +1,119 @@
+#include "scene/page.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <stdexcept>
+
+#include "formats/base64.h"
+#include "formats/json_value.h"
+#include "formats/mtl.h"
+#include "formats/obj.h"
+#include "formats/read_file.h"
+#include "scene/recorded_results.h"
+#include "scene/value_parts.h"
+
+namespace vexa::scene {
+namespace {
+
+using Path = std::filesystem::path;
+using nlohmann::json;
+
+/// Numbers that a page keeps for the comparison; 100,000 are about two megabytes of text.
+constexpr std::size_t kMostNumbers = 100'000;
+
+/// A picture as an address of its own; empty when a browser would not show it.
+std::string dataAddress(const Path& file) {
+  const std::string ending = file.extension().string();
+  const char* type = nullptr;
+  if (ending == ".png" || ending == ".PNG") type = "image/png";
+  if (ending == ".jpg" || ending == ".JPG" || ending == ".jpeg") type = "image/jpeg";
+  std::error_code ignored;
+  if (type == nullptr || !std::filesystem::is_regular_file(file, ignored)) return "";
+  return "data:" + std::string(type) + ";base64," +
+         formats::base64Of(formats::readFile(file.string()));
+}
+
+/// The materials of a mesh in the order of their ids; none where no material file names a colour.
+json materialsOf(const std::string& objText, const Path& objFile) {
+  const Path folder = objFile.parent_path();
+  const auto known = formats::readMaterialsOf(objText, folder.string());
+  json list = json::array();
+  if (known.empty()) return list;
+  const formats::ObjModel model = formats::parseObj(objText, objFile.string());
+  unsigned int count = 0;
+  for (const auto& triangle : model.triangles) count = std::max(count, triangle.material + 1);
+  for (unsigned int id = 0; id < std::min(count, 1000u); ++id) {
+    const std::string name = id < model.materials.size() ? model.materials[id] : std::to_string(id);
+    const auto found = std::find_if(known.begin(), known.end(),
+                                    [&name](const auto& each) { return each.name == name; });
+    if (found == known.end()) {
+      list.push_back(nullptr);
+      continue;
+    }
+    const std::string texture = found->texture.empty() ? "" : dataAddress(folder / found->texture);
+    list.push_back({{"color", found->color}, {"texture", texture}});
+  }
+  return list;
+}
+
+std::size_t numbersPerFrame(const refhost::Scene& scene) {
+  std::size_t count = 16 * scene.mInstances.mElements.size();
+  for (const refhost::Property& value : scene.mProperties) count += partNames(value).size();
+  return count;
+}
+
+json resultsOf(ScenePlayer& player, int first, int last) {
+  const std::size_t frames = std::size_t(last - first) + 1;
+  const std::size_t numbers = frames * numbersPerFrame(player.scene());
+  const auto step = int(numbers / kMostNumbers + 1);
+  ResultRecorder recorder(player);
+  for (int frame = first; frame <= last - step; frame += step) recorder.add(frame);
+  recorder.add(last);
+  return recorder.results();
+}
+
+void addFile(const std::string& name, const std::string& bytes, json& ioFiles) {
+  if (!ioFiles.contains(name)) ioFiles[name] = formats::base64Of(bytes);
+}
+
+}  // namespace
+
+int lastKeyFrame(const refhost::Scene& scene) {
+  int last = 0;
+  for (const refhost::Property& value : scene.mProperties) {
+    for (const refhost::Key& key : value.mKeys.mElements) last = std::max(last, key.mFrame);
+  }
+  return last;
+}
+
+std::string pageData(const std::string& sceneFile, ScenePlayer& player, int first, int last) {
+  const Path folder = Path(sceneFile).parent_path();
+  const json document = formats::readJsonFile(sceneFile);
+  json files = json::object(), materials = json::object();
+  for (const json& object : document.value("objects", json::array())) {
+    const std::string mesh = object.at("mesh"), animation = object.at("animation");
+    const std::string text = formats::readFile((folder / mesh).string());
+    addFile(mesh, text, files);
+    addFile(animation, formats::readFile((folder / animation).string()), files);
+    materials[mesh] = materialsOf(text, folder / mesh);
+  }
+  const json data = {{"name", Path(sceneFile).filename().string()},
+                     {"scene", document},
+                     {"first", first},
+                     {"last", last},
+                     {"results", resultsOf(player, first, last)},
+                     {"files", files},
+                     {"materials", materials}};
+  std::string safe;
+  for (const char c : data.dump(-1, ' ', true)) {
+    // Only texts can hold this character, and "</script" would end the element.
+    if (c == '<') {
+      safe += "\\u003c";
+    } else {
+      safe += c;
+    }
+  }
+  return safe;
+}
+
+}  // namespace vexa::scene

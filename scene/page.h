@@ -1,0 +1,22 @@
+#pragma once
+
+#include <string>
+
+#include "scene/ScenePlayer.h"
+
+namespace vexa::scene {
+
+/// The last frame at which a value of the scene has a key; 0 without keys.
+int lastKeyFrame(const refhost::Scene& scene);
+
+/// All that a page needs to play the scene without any other file, as JSON that can stand in a
+/// script element:
+///
+///   {"name": FILE NAME, "scene": DOCUMENT, "first": FRAME, "last": FRAME, "results": RESULTS,
+///    "files": {NAME IN THE SCENE: BASE64}, "materials": {MESH NAME: [{"color", "texture"}]}}
+///
+/// RESULTS are those of ResultRecorder for the frames, or for every n-th where there are very many
+/// numbers. Throws std::runtime_error that names the file which cannot be read.
+std::string pageData(const std::string& sceneFile, ScenePlayer& player, int first, int last);
+
+}  // namespace vexa::scene

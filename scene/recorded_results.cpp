@@ -1,0 +1,124 @@
+#include "scene/recorded_results.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+
+#include "scene/value_parts.h"
+#include "vexa/mesh/Mesh.h"
+
+namespace vexa::scene {
+namespace {
+
+constexpr std::uint64_t kEmptyDigest = 14695981039346656037u;
+
+void addBytes(std::uint64_t& ioDigest, std::uint64_t word, int count) {
+  for (int i = 0; i < count; ++i) {
+    ioDigest = (ioDigest ^ (word >> (8 * i) & 0xff)) * 1099511628211u;
+  }
+}
+
+std::uint64_t digestOf(const std::vector<Oru::TVector3D<float>>& points) {
+  std::uint64_t digest = kEmptyDigest;
+  for (const auto& point : points) {
+    for (const float number : {point.x, point.y, point.z}) {
+      std::uint32_t bits;
+      std::memcpy(&bits, &number, sizeof(bits));
+      addBytes(digest, bits, 4);
+    }
+  }
+  return digest;
+}
+
+std::string hexadecimal(std::uint64_t digest) {
+  char text[17];
+  std::snprintf(text, sizeof(text), "%016llx", static_cast<unsigned long long>(digest));
+  return text;
+}
+
+bool isOnClosedPath(const refhost::Scene& scene, const refhost::Property& value) {
+  const auto& paths = scene.mPaths.mElements;
+  return std::any_of(paths.begin(), paths.end(), [&value](const auto& path) {
+    return path.mIdentity.mUUID == value.mPath && path.mClosed;
+  });
+}
+
+}  // namespace
+
+bool isArithmeticOnly(const refhost::Scene& scene, const refhost::Property& value) {
+  const auto& keys = value.mKeys.mElements;
+  const auto isCurved = [](const refhost::Key& key) {
+    return key.mInterpolationType == UxZel::kInterpolationSquare ||
+           key.mInterpolationType == UxZel::kInterpolationOneMinusSquare ||
+           key.mInterpolationType == UxZel::kInterpolationSinus;
+  };
+  const auto isLinear = [](const refhost::Key& key) {
+    return key.mInterpolationType == UxZel::kInterpolationLinear;
+  };
+  switch (value.mPropertyType) {
+    case UxZel::kPropertyPosition:
+    case UxZel::kPropertyPositionTarget:
+    case UxZel::kPropertyPositionObject:
+      // An open path eases in and out unless all its keys are linear.
+      return isOnClosedPath(scene, value) || std::all_of(keys.begin(), keys.end(), isLinear);
+    case UxZel::kPropertyAnimatedFrame:
+    case UxZel::kPropertyAnimatedWalk:
+    case UxZel::kPropertyAnimatedFrameRate:
+      return true;
+    default:
+      return std::none_of(keys.begin(), keys.end(), isCurved);
+  }
+}
+
+ResultRecorder::ResultRecorder(ScenePlayer& player)
+    : mPlayer(player),
+      mValues(player.scene().mProperties.size()),
+      mInstances(player.scene().mInstances.mElements.size(), {{}, kEmptyDigest}) {}
+
+void ResultRecorder::add(int frame) {
+  mPlayer.setFrame(frame);
+  mFrames.push_back(frame);
+  const refhost::Scene& scene = mPlayer.scene();
+  for (std::size_t i = 0; i < mValues.size(); ++i) {
+    const std::vector<double> numbers = parts(scene.mProperties[i], mPlayer.samples()[i]);
+    mValues[i].insert(mValues[i].end(), numbers.begin(), numbers.end());
+  }
+  for (std::size_t i = 0; i < mInstances.size(); ++i) {
+    const refhost::Instance& instance = scene.mInstances.mElements[i];
+    const auto matrix = mPlayer.toWorld(instance);
+    auto& numbers = mInstances[i].mNumbers;
+    numbers.insert(numbers.end(), std::begin(matrix.e), std::end(matrix.e));
+    addBytes(mInstances[i].mDigest, meshDigest(instance), 8);
+  }
+}
+
+std::uint64_t ResultRecorder::meshDigest(const refhost::Instance& instance) {
+  const std::tuple key(instance.mDefinition, instance.mState.mTakeIndex,
+                       instance.mState.mCurrentFrame);
+  const auto known = mMeshDigests.find(key);
+  if (known != mMeshDigests.end()) return known->second;
+  const UXS::Mesh* mesh = mPlayer.mesh(instance);
+  const std::uint64_t digest = mesh == nullptr ? 0 : digestOf(mesh->GetVerticesArray());
+  return mMeshDigests.emplace(key, digest).first->second;
+}
+
+nlohmann::json ResultRecorder::results() const {
+  const refhost::Scene& scene = mPlayer.scene();
+  nlohmann::json values = nlohmann::json::array(), instances = nlohmann::json::array();
+  for (std::size_t i = 0; i < mValues.size(); ++i) {
+    const refhost::Property& value = scene.mProperties[i];
+    values.push_back({{"name", value.mName},
+                      {"arithmeticOnly", isArithmeticOnly(scene, value)},
+                      {"numbers", mValues[i]}});
+  }
+  for (std::size_t i = 0; i < mInstances.size(); ++i) {
+    const refhost::Instance& instance = scene.mInstances.mElements[i];
+    const bool hasMesh = mPlayer.mesh(instance) != nullptr;
+    instances.push_back({{"name", instance.mName},
+                         {"meshes", hasMesh ? hexadecimal(mInstances[i].mDigest) : ""},
+                         {"placement", mInstances[i].mNumbers}});
+  }
+  return {{"frames", mFrames}, {"values", values}, {"instances", instances}};
+}
+
+}  // namespace vexa::scene
