@@ -1,8 +1,8 @@
 #include "vexa/animation/CKeyFrameTool.h"
 
 #include <cstring>
-#include <ctime>
 
+#include "vexa/animation/civil_time_internal.h"
 #include "vexa/math/conversion.h"
 
 using Norvel::Vexa::wrapAdd;
@@ -20,28 +20,24 @@ bool CKeyFrameTool::AreValueDifferents(const IZelKeyFrame::uValue& inA,
 }
 
 void CKeyFrameTool::GetTime(const IZelKeyFrame::uValue& inValue, IZelTime* outTime) {
-  const std::time_t seconds = inValue.mDate;
-  std::tm fields{};
-  if (gmtime_r(&seconds, &fields) == nullptr) return;
-  const int hour = fields.tm_hour - fields.tm_isdst;  // the flag is 0 in UTC
-  const bool borrow = hour < 0;
-  // Required behaviour: the borrowed day does not carry into the month.
-  outTime->setDay(borrow ? fields.tm_mday - 1 : fields.tm_mday);
-  outTime->setHour(borrow ? hour + 24 : hour);
-  outTime->setMinute(fields.tm_min);
-  outTime->setMonth(fields.tm_mon + 1);
-  outTime->setYear(wrapAdd(fields.tm_year, 1900));
+  Norvel::Vexa::CivilTime time;
+  if (!Norvel::Vexa::civilTimeOf(inValue.mDate, time)) return;
+  outTime->setDay(time.mDay);
+  outTime->setHour(time.mHour);
+  outTime->setMinute(time.mMinute);
+  outTime->setMonth(time.mMonth + 1);
+  outTime->setYear(wrapAdd(time.mYear, 1900));
 }
 
 IZelKeyFrame::uValue CKeyFrameTool::ComputeValue(const IZelTime& inTime) {
-  std::tm fields{};
-  fields.tm_min = inTime.getMinute();
-  fields.tm_hour = inTime.getHour();
-  fields.tm_mday = inTime.getDay();
-  fields.tm_mon = wrapSub(inTime.getMonth(), 1);
-  fields.tm_year = wrapSub(inTime.getYear(), 1900);
+  Norvel::Vexa::CivilTime time;
+  time.mMinute = inTime.getMinute();
+  time.mHour = inTime.getHour();
+  time.mDay = inTime.getDay();
+  time.mMonth = wrapSub(inTime.getMonth(), 1);
+  time.mYear = wrapSub(inTime.getYear(), 1900);
   IZelKeyFrame::uValue value{};
-  value.mDate = timegm(&fields);
+  value.mDate = Norvel::Vexa::secondsOf(time);
   return value;
 }
 

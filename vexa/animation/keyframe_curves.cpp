@@ -1,11 +1,11 @@
 #include "vexa/animation/keyframe_curves.h"
 
-#include <cxxabi.h>
 #include <stdexcept>
 
 #include "vexa/animation/XCDateInterpolation.h"
 #include "vexa/interpolation/timed_curves.h"
 #include "vexa/math/conversion.h"
+#include "vexa/support/forced_unwind_internal.h"
 
 using UxZel::IZelKeyFrame;
 using uValue = IZelKeyFrame::uValue;
@@ -177,7 +177,7 @@ __attribute__((no_sanitize("null"))) void uxInterpolate(IZelKeyFrame* first, IZe
       default:
         out = *first->GetValue();
     }
-  } catch (const abi::__forced_unwind&) {
+  } catch (const ForcedUnwind&) {
     throw;
   } catch (...) {
     throw std::runtime_error("XCInterpolation - uxInterpolate an error was detected");
