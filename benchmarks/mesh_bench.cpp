@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <benchmark/benchmark.h>
 #include <cstdint>
 #include <numeric>
@@ -66,6 +67,23 @@ void laterCommit(benchmark::State& state) {
   }
 }
 
+/// A deformed copy as the frame collector makes it, without the deformation.
+void copyCommit(benchmark::State& state) {
+  const auto materials = state.range(1) == kBands ? Materials::kBands : Materials::kRandom;
+  const auto rest = makeTorus(torusSize(state.range(0)), materials);
+  const auto& positions = rest->GetVerticesArray();
+  float z = 0;
+  for (auto _ : state) {
+    UXS::Mesh copy;
+    UXS::Mesh::Editor editor(copy, false);
+    UXS::Mesh::Position* const to = editor.CopyWithoutPositions(*rest);
+    std::copy(positions.begin(), positions.end(), to);
+    to[0].z = z += 0.001f;
+    editor.Commit();
+    benchmark::DoNotOptimize(copy.GetEdgesArray().data());
+  }
+}
+
 void adjacency(benchmark::State& state) {
   UXS::Mesh::Impl inputs;
   fillUncommitted(inputs, state);
@@ -118,6 +136,7 @@ void remap(benchmark::State& state) {
 const std::vector<std::vector<std::int64_t>> kMeshes{{50000, 200000}, {kBands, kRandom}};
 BENCHMARK(firstCommit)->ArgsProduct(kMeshes);
 BENCHMARK(laterCommit)->ArgsProduct(kMeshes);
+BENCHMARK(copyCommit)->ArgsProduct({{10000, 50000, 200000}, {kBands, kRandom}});
 BENCHMARK(adjacency)->ArgsProduct(kMeshes);
 BENCHMARK(merging);
 BENCHMARK(remap);

@@ -247,7 +247,7 @@ TEST(MeshEditor, MergingFindsWhatTheHashTableFinds) {
   { Mesh::Editor(mesh, false).MergeTriangleVertices(3u); }
   uxs_hashtable<Position, unsigned int> table(1024);
   for (unsigned int t = 0; t < 9000; ++t) InternalMergeTriangleVertices(t, expected, table);
-  EXPECT_TRUE(same(mesh.GetTrianglesArray(), expected.mTriangles));
+  EXPECT_TRUE(same(expected.mTriangles, mesh.GetTrianglesArray()));
 }
 
 // A fold of 30 degrees along the edge 0-1, the second face turned over. At vertex 0 the corners

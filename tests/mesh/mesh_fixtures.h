@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "vexa/mesh/MeshEditor.h"
+#include "vexa/mesh/SharedVector.h"
 
 namespace vexa::tests {
 
@@ -29,6 +30,11 @@ template <class T>
 bool same(const std::vector<T>& a, const std::vector<T>& b) {
   return std::equal(a.begin(), a.end(), b.begin(), b.end(),
                     [](const T& x, const T& y) { return same(x, y); });
+}
+
+template <class T>
+bool same(const UXS::SharedVector<T>& a, const std::vector<T>& b) {
+  return same(a.get(), b);
 }
 
 /// A source of small numbers: the same sequence for the same seed, everywhere.

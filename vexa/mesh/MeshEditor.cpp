@@ -16,20 +16,33 @@ namespace {
 using PositionTable = uxs_hashtable<Oru::TVector3D<float>, unsigned int>;
 
 template <class T>
-void append(std::vector<T>& ioValues, std::size_t triangle, const T& value) {
-  ioValues.resize(triangle);  // zeros for the triangles before, if they had no value
-  ioValues.push_back(value);
+std::vector<T>& writable(std::vector<T>& values) {
+  return values;
+}
+template <class T>
+std::vector<T>& writable(SharedVector<T>& values) {
+  return values.edit();
 }
 
-template <class T>
-void overwrite(std::vector<T>& ioValues, std::size_t triangles, unsigned int i, const T& value) {
-  ioValues.resize(triangles);
-  entry(ioValues, i) = value;
+template <class Values, class T>
+void append(Values& ioValues, std::size_t triangle, const T& value) {
+  auto& values = writable(ioValues);
+  values.resize(triangle);  // zeros for the triangles before, if they had no value
+  values.push_back(value);
 }
 
-template <class T>
-void erase(std::vector<T>& ioValues, unsigned int i) {
-  if (i < ioValues.size()) ioValues.erase(ioValues.begin() + static_cast<std::ptrdiff_t>(i));
+template <class Values, class T>
+void overwrite(Values& ioValues, std::size_t triangles, unsigned int i, const T& value) {
+  auto& values = writable(ioValues);
+  values.resize(triangles);
+  entry(values, i) = value;
+}
+
+template <class Values>
+void erase(Values& ioValues, unsigned int i) {
+  if (i >= ioValues.size()) return;
+  auto& values = writable(ioValues);
+  values.erase(values.begin() + std::ptrdiff_t(i));
 }
 
 }  // namespace
@@ -48,15 +61,15 @@ void Mesh::EditorBase::SetVerticesCount(unsigned int n) { data().mVertices.reser
 
 void Mesh::EditorBase::SetTrianglesCount(unsigned int n) {
   data().mVertices.reserve(std::size_t{3} * n);
-  data().mTriangles.reserve(n);
+  data().mTriangles.edit().reserve(n);
   data().mSmoothNormals.reserve(n);
-  data().mUVCoords.reserve(n);
-  data().mMaterialIDs.reserve(n);
+  data().mUVCoords.edit().reserve(n);
+  data().mMaterialIDs.edit().reserve(n);
 }
 
 unsigned int Mesh::EditorBase::AddVertex(const Position& position) {
   data().mVertices.push_back(position);
-  return static_cast<unsigned int>(data().mVertices.size() - 1);
+  return unsigned(data().mVertices.size() - 1);
 }
 
 unsigned int Mesh::EditorBase::AddTriangle(const Corners& corners, unsigned int material) {
@@ -65,7 +78,7 @@ unsigned int Mesh::EditorBase::AddTriangle(const Corners& corners, unsigned int 
   append(data().mUVCoords, triangle, CornerUVs());
   append(data().mSmoothNormals, triangle, CornerPositions());
   data().mTriangles.push_back(corners);
-  return static_cast<unsigned int>(triangle);
+  return unsigned(triangle);
 }
 
 void Mesh::EditorBase::SetVertex(unsigned int vertex, const Position& position) {
@@ -100,38 +113,25 @@ void Mesh::EditorBase::RemoveAllTriangles() {
 }
 
 void Mesh::EditorBase::Copy(const Mesh& source, bool skipNormals) {
-  if (source.mImpl == mMesh->mImpl) return;
-  const Impl& from = *source.mImpl;
-  Impl& to = data();
-  // All memory first: what follows cannot fail half-way.
-  to.mVertices.reserve(from.mVertices.size());
-  to.mTriangles.reserve(from.mTriangles.size());
-  to.mMaterialIDs.reserve(from.mTriangles.size());
-  to.mUVCoords.reserve(from.mUVCoords.size());
-  to.mSmoothNormals.reserve(from.mTriangles.size());
-
-  to.mVertices = from.mVertices;
-  to.mTriangles = from.mTriangles;
-  to.mMaterialIDs = from.mMaterialIDs;
-  to.mUVCoords = from.mUVCoords;
-  if (!skipNormals) to.mSmoothNormals = from.mSmoothNormals;
-  to.FitTriangleArrays();
+  if (source.mImpl != mMesh->mImpl) data().Copy(*source.mImpl, skipNormals);
 }
 
 Mesh::Position* Mesh::EditorBase::CopyWithoutPositions(const Mesh& source) {
-  Copy(source, true);
+  if (source.mImpl != mMesh->mImpl) data().CopyWithoutPositions(*source.mImpl);
   return data().mVertices.data();
 }
 
 void Mesh::EditorBase::MergeTriangleVertices(const std::vector<unsigned int>& triangles) try {
   VertexFinder finder(data().mVertices, 3 * triangles.size());
-  for (const unsigned int t : triangles) finder.merge(entry(data().mTriangles, t));
+  std::vector<Corners>& all = data().mTriangles.edit();
+  for (const unsigned int t : triangles) finder.merge(entry(all, t));
 } catch (const std::bad_alloc&) {  // what is left keeps its vertices
 }
 
 void Mesh::EditorBase::MergeTriangleVertices(unsigned int material) try {
   Impl& mesh = data();
-  const std::size_t count = mesh.mTriangles.size();
+  std::vector<Corners>& all = mesh.mTriangles.edit();
+  const std::size_t count = all.size();
   for (std::size_t s = 0; s < mesh.mSections.size(); ++s) {
     const unsigned int begin = mesh.mSections[s];
     if (begin >= count || entry(mesh.mMaterialIDs, begin) != material) continue;
@@ -139,7 +139,7 @@ void Mesh::EditorBase::MergeTriangleVertices(unsigned int material) try {
     const std::size_t end =
         s + 1 < mesh.mSections.size() ? std::min<std::size_t>(mesh.mSections[s + 1], count) : count;
     VertexFinder finder(mesh.mVertices, 3 * (end - begin));
-    for (std::size_t t = begin; t < end; ++t) finder.merge(mesh.mTriangles[t]);
+    for (std::size_t t = begin; t < end; ++t) finder.merge(all[t]);
   }
 } catch (const std::bad_alloc&) {
 }
@@ -162,7 +162,7 @@ Mesh::LightWeightEditor::~LightWeightEditor() {
 }
 
 void InternalMergeTriangleVertices(unsigned int triangle, Mesh::Impl& mesh, PositionTable& table) {
-  Mesh::Corners& corners = entry(mesh.mTriangles, triangle);
+  Mesh::Corners& corners = entry(mesh.mTriangles.edit(), triangle);
   for (unsigned int* const corner : {&corners.x, &corners.y, &corners.z}) {
     const Mesh::Position& position = entry(mesh.mVertices, *corner);
     try {

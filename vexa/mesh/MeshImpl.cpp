@@ -1,15 +1,15 @@
 #include "vexa/mesh/MeshImpl.h"
 
-#include <algorithm>
-#include <array>
 #include <cmath>
 #include <new>
-#include <numeric>
+#include <utility>
 
 #include "vexa/mesh/MeshSmoothData.h"
 #include "vexa/mesh/MeshSmoothList.h"
+#include "vexa/mesh/MeshTopology_internal.h"
+#include "vexa/mesh/mesh_extent_internal.h"
 #include "vexa/mesh/mesh_geometry_internal.h"
-#include "vexa/mesh/mesh_topology_internal.h"
+#include "vexa/mesh/mesh_sorting_internal.h"
 #include "vexa/support/clock.h"
 
 namespace UXS {
@@ -18,41 +18,8 @@ namespace {
 
 using Position = Mesh::Position;
 
-/// Zeros of either sign; a NaN is not zero.
-template <class T>
-bool isAllZero(const std::vector<T>& values) {
-  return std::all_of(values.begin(), values.end(), [](const T& value) { return value == T(); });
-}
-
-/// The positions of the keys in ascending order, equal ones as they stand: a radix sort, from the
-/// lowest byte to the highest that any key has.
-std::vector<unsigned int> ascendingOrder(const std::vector<unsigned int>& keys) {
-  std::vector<unsigned int> order(keys.size()), next(keys.size());
-  std::iota(order.begin(), order.end(), 0U);
-  const unsigned int highest = *std::max_element(keys.begin(), keys.end());
-  for (unsigned int shift = 0; shift < 32 && highest >> shift != 0; shift += 8) {
-    std::array<std::size_t, 257> starts{};
-    const auto digit = [&](unsigned int i) { return keys[i] >> shift & 0xFF; };
-    for (const unsigned int i : order) ++starts[digit(i) + 1];
-    std::partial_sum(starts.begin(), starts.end(), starts.begin());
-    for (const unsigned int i : order) next[starts[digit(i)]++] = i;
-    order.swap(next);
-  }
-  return order;
-}
-
-/// Entry k becomes the one that stood at order[k].
-template <class T>
-void reorder(std::vector<T>& ioValues, const std::vector<unsigned int>& order) {
-  if (ioValues.empty()) return;
-  std::vector<T> sorted;
-  sorted.reserve(order.size());
-  for (const unsigned int i : order) sorted.push_back(ioValues[i]);
-  ioValues.swap(sorted);
-}
-
-/// The angle of a triangle at a vertex. A vertex at several corners counts as corner 1 before 2
-/// before 0.
+// The angle of a triangle at a vertex. A vertex at several corners counts as corner 1 before 2
+// before 0.
 float angleAt(unsigned int vertex, const Mesh::Corners& corners, const MeshSmoothData::Data& data) {
   if (corners.y == vertex) return data.mAngles[1];
   if (corners.z == vertex) return data.mAngles[2];
@@ -66,25 +33,18 @@ bool hasCorner(const Mesh::Corners& c, unsigned int vertex) {
 // Whether two faces lie in different planes; opposite normals belong to one plane.
 bool isCrease(const Position& a, const Position& b) { return 1 - std::fabs(dotZYX(a, b)) >= 1e-5f; }
 
-/// A NaN never lowers the minimum, and as a maximum it gives way to the next point.
-void extend(float& ioMin, float& ioMax, float p) {
-  ioMin = p <= ioMin ? p : ioMin;
-  ioMax = p <= ioMax ? ioMax : p;
-}
-
-void extend(Oru::TBox3D<float>& ioBox, const Position& p) {
-  if (!ioBox.mIsValid) {
-    ioBox = {p, p, true};
-    return;
-  }
-  extend(ioBox.mMin.x, ioBox.mMax.x, p.x);
-  extend(ioBox.mMin.y, ioBox.mMax.y, p.y);
-  extend(ioBox.mMin.z, ioBox.mMax.z, p.z);
-}
-
 }  // namespace
 
 Mesh::Impl::Impl() : mDate(get_time()) {}
+
+// The arrays go to the next copy.
+Mesh::Impl::~Impl() {
+  if (!mFrameMemory) return;
+  mFrameMemory->mVertices.swap(mVertices);
+  mFrameMemory->mSmoothNormals.swap(mSmoothNormals);
+  mFrameMemory->mEdges.swap(mEdges);
+  mTopology->mFrameMemory.keep(std::move(mFrameMemory));
+}
 
 unsigned int Mesh::Impl::GetSectionMaterialID(unsigned int section) const {
   return entry(mMaterialIDs, entry(mSections, section));
@@ -93,7 +53,7 @@ unsigned int Mesh::Impl::GetSectionMaterialID(unsigned int section) const {
 unsigned int Mesh::Impl::GetSectionTrianglesCount(unsigned int section) const {
   const std::size_t end =
       std::size_t{section} + 1 < mSections.size() ? mSections[section + 1] : mTriangles.size();
-  return static_cast<unsigned int>(end) - entry(mSections, section);
+  return unsigned(end) - entry(mSections, section);
 }
 
 unsigned int Mesh::Impl::GetTriangleIDFromSectionTriangleID(unsigned int section,
@@ -111,75 +71,22 @@ Position Mesh::Impl::ProcessTriangleNormal(unsigned int triangle) const {
   return squaredLength > 0 ? scaledToUnit(n, squaredLength) : Position::ZeroVector;
 }
 
-void Mesh::Impl::Process() {
-  ProcessTrianglesSort();
-  ProcessSections();
-  const MeshSmoothData data = MeshSmoothData::OfNormals(*this);
-  const VertexTriangles around(mTriangles, mVertices.size());
-  fillFlatNormals(data);
-  ProcessAABB();
-  fillEdges(data, around, around);
-  mGroupIDs = labelGroups(mTriangles, mSections, around);
-}
+void Mesh::Impl::FitTriangleArrays() { adopt(fittedTriangles(*this)); }
 
-void Mesh::Impl::ProcessLightWeight() {
-  FitTriangleArrays();
-  const MeshSmoothData data = MeshSmoothData::OfNormals(*this);
-  const VertexTriangles around(mTriangles, mVertices.size());
-  fillFlatNormals(data);
-  fillEdges(data, around, around);
-  mGroupIDs.resize(mTriangles.size(), kNoGroup);
-}
+void Mesh::Impl::ProcessTrianglesSort() { adopt(sortedTriangles(*this)); }
 
-void Mesh::Impl::FitTriangleArrays() {
-  const std::size_t count = mTriangles.size();
-  mMaterialIDs.resize(count);
-  if (!mUVCoords.empty()) mUVCoords.resize(count);
-  if (!mSmoothNormals.empty()) mSmoothNormals.resize(count);
-}
-
-void Mesh::Impl::ProcessTrianglesSort() {
-  FitTriangleArrays();
-  if (isAllZero(mUVCoords)) mUVCoords.clear();
-  if (isAllZero(mSmoothNormals)) mSmoothNormals.clear();
-
-  if (std::is_sorted(mMaterialIDs.begin(), mMaterialIDs.end())) return;
-  const std::vector<unsigned int> order = ascendingOrder(mMaterialIDs);
-  reorder(mTriangles, order);
-  reorder(mMaterialIDs, order);
-  reorder(mUVCoords, order);
-  reorder(mSmoothNormals, order);
-}
-
-void Mesh::Impl::ProcessSections() {
-  mSections.clear();
-  mSections.reserve(200);
-  for (std::size_t i = 0; i < mMaterialIDs.size(); ++i) {
-    if (i == 0 || mMaterialIDs[i] != mMaterialIDs[i - 1]) {
-      mSections.push_back(static_cast<unsigned int>(i));
-    }
-  }
-}
+void Mesh::Impl::ProcessSections() { mSections = findSections(mMaterialIDs); }
 
 void Mesh::Impl::ProcessTrianglesNormals(const MeshSmoothData& data, const MeshSmoothList& list,
                                          float angle) {
-  if (angle <= 0) return fillFlatNormals(data);
   if (!mSmoothNormals.empty()) return;
   mSmoothNormals.reserve(mTriangles.size());
   for (unsigned int t = 0; t < mTriangles.size(); ++t) {
     const auto at = [&](unsigned int corner) {
-      return ProcessTriangleSmoothNormal(t, corner, angle, data, list);
+      return angle <= 0 ? data[t].mNormal
+                        : ProcessTriangleSmoothNormal(t, corner, angle, data, list);
     };
     mSmoothNormals.emplace_back(at(0), at(1), at(2));
-  }
-}
-
-void Mesh::Impl::fillFlatNormals(const MeshSmoothData& data) {
-  if (!mSmoothNormals.empty()) return;
-  mSmoothNormals.reserve(mTriangles.size());
-  for (std::size_t t = 0; t < mTriangles.size(); ++t) {
-    const Position& n = data[t].mNormal;
-    mSmoothNormals.emplace_back(n, n, n);
   }
 }
 
@@ -209,19 +116,19 @@ Position Mesh::Impl::ProcessTriangleSmoothNormal(unsigned int triangle, unsigned
 }
 
 void Mesh::Impl::ProcessAABB() {
-  mAABB = {};
+  MeshExtent extent;
+  extent.mSections.resize(mSections.size());
+  if (!mMaterialAABBs.reserve(unsigned(mSections.size()))) throw std::bad_alloc();
+  measureCorners(mVertices, mTriangles, mSections, extent);
+  storeBoxes(extent);
+}
+
+// The cells must have room.
+void Mesh::Impl::storeBoxes(const MeshExtent& extent) {
+  mAABB = extent.mAll;
   mMaterialAABBs.clear();
   for (unsigned int s = 0; s < mSections.size(); ++s) {
-    auto* const cell = mMaterialAABBs.link_cell(GetSectionMaterialID(s), nullptr);
-    if (cell == nullptr) throw std::bad_alloc();
-    const unsigned int begin = mSections[s], end = begin + GetSectionTrianglesCount(s);
-    for (unsigned int t = begin; t < end; ++t) {
-      const Corners& c = entry(mTriangles, t);
-      for (const unsigned int vertex : {c.x, c.y, c.z}) {
-        extend(cell->value, entry(mVertices, vertex));
-        extend(mAABB, entry(mVertices, vertex));
-      }
-    }
+    mMaterialAABBs.link_cell(GetSectionMaterialID(s), &extent.mSections[s]);
   }
 }
 
@@ -246,19 +153,38 @@ void Mesh::Impl::ProcessEdges(const MeshSmoothData& data, const MeshSmoothList& 
   mEdges.swap(edges);
 }
 
-void Mesh::Impl::fillEdges(const MeshSmoothData& data, const VertexTriangles& around,
-                           const VertexTriangles& sharing) {
-  mEdges.clear();
-  for (const sEdgeCandidate& edge : findEdgeCandidates(mTriangles, around, sharing)) {
-    if (edge.mNeighbour == kNoNeighbour ||
-        isCrease(data[edge.mTriangle].mNormal, data[edge.mNeighbour].mNormal)) {
-      mEdges.emplace_back(edge.mFrom, edge.mTo);
+// A vertex is left for good once its triangles are labelled, and a triangle is labelled when it
+// enters the work list, so that each is visited once.
+void Mesh::Impl::ProcessGroupID(const MeshSmoothList& list) {
+  std::vector<unsigned int> labels(mTriangles.size(), kNoGroup), work;
+  std::vector<bool> isVertexDone(list.size(), false);
+  unsigned int label = 0;
+  const auto add = [&](unsigned int t) {
+    if (labels[t] != kNoGroup) return;
+    labels[t] = label;
+    work.push_back(t);
+  };
+  const auto flood = [&](unsigned int seed) {
+    work.clear();
+    add(seed);
+    for (std::size_t i = 0; i < work.size(); ++i) {
+      const auto& [a, b, c] = mTriangles[work[i]];
+      for (const unsigned int vertex : {a, b, c}) {
+        if (isVertexDone[vertex]) continue;
+        isVertexDone[vertex] = true;
+        for (const unsigned int t : list[vertex]) add(t);
+      }
+    }
+    ++label;
+  };
+  for (unsigned int s = 0; s < mSections.size(); ++s) {
+    const unsigned int first = mSections[s], end = first + GetSectionTrianglesCount(s);
+    flood(first);
+    for (unsigned int t = first; t < end; ++t) {
+      if (labels[t] == kNoGroup) flood(t);
     }
   }
-}
-
-void Mesh::Impl::ProcessGroupID(const MeshSmoothList& list) {
-  mGroupIDs = labelGroups(mTriangles, mSections, VertexTriangles(list));
+  mGroupIDs = std::move(labels);
 }
 
 }  // namespace UXS

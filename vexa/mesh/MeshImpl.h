@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <vector>
 
 #include "vexa/Export.h"
@@ -7,40 +8,45 @@
 #include "vexa/math/TVector2D.h"
 #include "vexa/math/TVector3D.h"
 #include "vexa/mesh/Mesh.h"
+#include "vexa/mesh/SharedVector.h"
 #include "vexa/mesh/uxs_hashtable.h"
 
 namespace UXS {
 
 class MeshSmoothData;
 class MeshSmoothList;
-class VertexTriangles;
+struct MeshExtent;
+struct TriangleArrays;
 
 /// The data of a mesh and the steps that derive one part of it from another.
 ///
 /// Editors write the first arrays and call Process() or ProcessLightWeight(). The steps can be run
-/// one by one; each relies on what stands before it in Process(), and on data and list having been
-/// made from the triangles as they now are. Arrays with one entry per triangle are empty or as long
+/// one by one; each relies on those before it, and on data and list having been made from the
+/// triangles as they now are. Arrays with one entry per triangle are empty or as long
 /// as mTriangles whenever a step ends.
 struct VEXA_EXPORT Mesh::Impl {
   /// The group id of a triangle that has not been reached.
   static constexpr unsigned int kNoGroup = 0xFFFFFFFF;
 
   std::vector<Position> mVertices;
-  std::vector<Corners> mTriangles;
-  std::vector<unsigned int> mMaterialIDs;       // one per triangle
-  std::vector<CornerUVs> mUVCoords;             // one per triangle, or none
+  SharedVector<Corners> mTriangles;
+  SharedVector<unsigned int> mMaterialIDs;      // one per triangle
+  SharedVector<CornerUVs> mUVCoords;            // one per triangle, or none
   std::vector<CornerPositions> mSmoothNormals;  // one per triangle, or none
   bool mIsStatic = false;
   const Mesh* mMainMesh = nullptr;
-  std::vector<unsigned int> mSections;  // the first triangle of each
+  SharedVector<unsigned int> mSections;  // the first triangle of each
   double mDate;
   Oru::TBox3D<float> mAABB{};
   uxs_hashtable<unsigned int, Oru::TBox3D<float>> mMaterialAABBs{1024};
   std::vector<Oru::TVector2D<unsigned int>> mEdges;
-  std::vector<unsigned int> mGroupIDs;  // one per triangle
+  SharedVector<unsigned int> mGroupIDs;  // one per triangle
 
   /// Empty and dated now.
   Impl();
+  Impl(const Impl&) = delete;
+  Impl& operator=(const Impl&) = delete;
+  ~Impl();
 
   unsigned int GetSectionMaterialID(unsigned int section) const;
   unsigned int GetSectionTrianglesCount(unsigned int section) const;
@@ -48,10 +54,19 @@ struct VEXA_EXPORT Mesh::Impl {
   /// The unit face normal: n = (p2 - p1) x (p0 - p1) over its length; zero when n.n is not above 0.
   Position ProcessTriangleNormal(unsigned int triangle) const;
 
-  /// Derives everything from vertices, triangles and what is given per triangle.
+  /// Takes over what Mesh::EditorBase::Copy() says.
+  void Copy(const Impl& source, bool skipNormals);
+  /// Takes over what Mesh::EditorBase::CopyWithoutPositions() says; mVertices has the right length.
+  void CopyWithoutPositions(const Impl& source);
+
+  /// Derives everything from vertices, triangles and what is given per triangle. Throws
+  /// std::bad_alloc, with nothing changed.
+  ///
+  /// Gives what the steps below give one after the other, in that order. What follows from the
+  /// triangles alone is derived once and shared by copies.
   void Process();
   /// Derives the edges, and the normals if there are none; leaves the rest as it was. Triangles
-  /// added since the groups were made have kNoGroup.
+  /// added since the groups were made have kNoGroup. Throws as Process().
   void ProcessLightWeight();
 
   /// Makes the arrays that have an entry per triangle as long as the triangles: short ones are
@@ -84,9 +99,16 @@ struct VEXA_EXPORT Mesh::Impl {
   void ProcessGroupID(const MeshSmoothList& list);
 
  private:
-  void fillFlatNormals(const MeshSmoothData& data);
-  void fillEdges(const MeshSmoothData& data, const VertexTriangles& around,
-                 const VertexTriangles& sharing);
+  struct FrameMemory;
+  struct Topology;
+  struct Frame;
+
+  void copyTriangles(const Impl& source, std::vector<CornerPositions> normals);
+  void adopt(TriangleArrays arrays);
+  void storeBoxes(const MeshExtent& extent);
+
+  std::shared_ptr<const Topology> mTopology;  // null until there is a full commit
+  std::unique_ptr<FrameMemory> mFrameMemory;  // of a copy; comes from and goes to mTopology
 };
 
 }  // namespace UXS

@@ -9,7 +9,7 @@ namespace UXS {
 
 namespace {
 
-/// The angle between two edges: acos(a.b * (1 / sqrt(|b|^2 |a|^2))), each operation rounded.
+// The angle between two edges: acos(a.b * (1 / sqrt(|b|^2 |a|^2))), each operation rounded.
 float angleBetween(const Oru::TVector3D<float>& a, const Oru::TVector3D<float>& b,
                    float squaredLengths) {
   const float root = std::sqrt(squaredLengths);
@@ -37,15 +37,6 @@ MeshSmoothData::MeshSmoothData(const Mesh::Impl& mesh) : mData(mesh.mTriangles.s
 MeshSmoothData::MeshSmoothData(const Mesh::Impl& mesh, const std::vector<unsigned int>& triangles)
     : mData(mesh.mTriangles.size()) {
   for (const unsigned int t : triangles) entry(mData, t).Initialize(mesh, t);
-}
-
-MeshSmoothData MeshSmoothData::OfNormals(const Mesh::Impl& mesh) {
-  MeshSmoothData result;
-  result.mData.resize(mesh.mTriangles.size());
-  for (unsigned int t = 0; t < result.mData.size(); ++t) {
-    result.mData[t].mNormal = mesh.ProcessTriangleNormal(t);
-  }
-  return result;
 }
 
 }  // namespace UXS

@@ -27,9 +27,6 @@ class VEXA_EXPORT MeshSmoothData {
   /// Of the listed triangles; the records of the others are zero.
   MeshSmoothData(const Mesh::Impl& mesh, const std::vector<unsigned int>& triangles);
 
-  /// The face normals of every triangle, which is all that a commit reads; angles are 0.
-  static MeshSmoothData OfNormals(const Mesh::Impl& mesh);
-
   std::size_t size() const { return mData.size(); }
   const Data& operator[](std::size_t triangle) const {
     assert(triangle < mData.size());
@@ -37,8 +34,6 @@ class VEXA_EXPORT MeshSmoothData {
   }
 
  private:
-  MeshSmoothData() = default;
-
   std::vector<Data> mData;
 };
 

@@ -6,7 +6,7 @@
 
 #include "vexa/math/TVector3D.h"
 
-/// The float arithmetic of the mesh, each in the one order that its results are pinned to.
+// The float arithmetic of the mesh, each in the one order that its results are pinned to.
 namespace UXS {
 
 inline float dotXYZ(const Oru::TVector3D<float>& a, const Oru::TVector3D<float>& b) {
@@ -21,15 +21,15 @@ inline Oru::TVector3D<float> cross(const Oru::TVector3D<float>& a, const Oru::TV
   return {a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
 }
 
-/// n over its length, given n.n: as it is when that is 1. The root and the reciprocal are rounded
-/// one after the other.
+// n over its length, given n.n: as it is when that is 1. The root and the reciprocal are rounded
+// one after the other.
 inline Oru::TVector3D<float> scaledToUnit(const Oru::TVector3D<float>& n, float squaredLength) {
   if (squaredLength == 1) return n;
   const float length = std::sqrt(squaredLength);
   return n * (1 / length);
 }
 
-/// An element whose index the caller keeps in range; asserted in debug builds.
+// An element whose index the caller keeps in range; asserted in debug builds.
 template <class Values>
 auto& entry(Values& values, std::size_t i) {
   assert(i < values.size());

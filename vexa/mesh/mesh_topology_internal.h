@@ -1,34 +1,71 @@
 #pragma once
 
+#include <cstddef>
 #include <vector>
 
 #include "vexa/mesh/Mesh.h"
-#include "vexa/mesh/VertexTriangles_internal.h"
 
-/// What follows from the triangles alone, wherever their vertices are.
+// What follows from the triangles alone, wherever their vertices are.
+//
+//        3 ------- 2      Triangles A = (0, 1, 2) and B = (0, 2, 3). The edge 0-2 is shared: A, the
+//        | B    /  |      earlier one, draws it when the faces A and B do not lie in one plane. The
+//        |   /     |      other four edges are boundary edges and always drawn. Both triangles are
+//        | /    A  |      one connected component.
+//        0 ------- 1
 namespace UXS {
 
-constexpr unsigned int kNoNeighbour = 0xFFFFFFFF;
+using Edge = Oru::TVector2D<unsigned int>;
 
-/// A directed edge of a triangle that may be drawn: always when it has no neighbour, else if the
-/// triangle and the neighbour do not lie in one plane.
-struct sEdgeCandidate {
-  unsigned int mFrom, mTo;
-  unsigned int mTriangle;
-  unsigned int mNeighbour;
+// Vertex-triangle adjacency: the triangles around each vertex in one array, in ascending order. A
+// triangle stands there once for each corner that has the vertex.
+class VertexTriangleAdjacency {
+ public:
+  struct Range {
+    const unsigned int* mBegin;
+    const unsigned int* mEnd;
+    const unsigned int* begin() const { return mBegin; }
+    const unsigned int* end() const { return mEnd; }
+    std::size_t size() const { return std::size_t(mEnd - mBegin); }
+  };
+
+  VertexTriangleAdjacency(const std::vector<Mesh::Corners>& triangles, std::size_t vertices);
+
+  // The number of vertices.
+  std::size_t size() const { return mOffsets.size() - 1; }
+  Range operator[](std::size_t vertex) const {
+    return {mTriangles.data() + mOffsets[vertex], mTriangles.data() + mOffsets[vertex + 1]};
+  }
+
+ private:
+  std::vector<unsigned int> mTriangles;
+  std::vector<std::size_t> mOffsets;  // where the triangles of each vertex begin, and the end
 };
 
-/// The edges that may be drawn, in order of their triangles and around each. An edge shared by
-/// several triangles is compared with the last of them and belongs to each one before that.
-/// `around` has all triangles; `sharing` those that count as neighbours, in ascending order.
-std::vector<sEdgeCandidate> findEdgeCandidates(const std::vector<Mesh::Corners>& triangles,
-                                               const VertexTriangles& around,
-                                               const VertexTriangles& sharing);
+// The directed edges that may be drawn, in the order of their triangles and around each; and for
+// each the two triangles whose planes are compared. An edge of several triangles belongs to each
+// but the last and is compared with the last.
+//
+// Invariant: both arrays have the same length. A boundary edge, which is always drawn, names twice
+// the triangle past the last one, whose normal counts as zero.
+struct EdgeCandidates {
+  struct Faces {
+    unsigned int mOwn, mOther;
+  };
+  std::vector<Edge> mEdges;
+  std::vector<Faces> mFaces;
+};
 
-/// The number of each triangle's connected piece. Pieces are numbered as they are met, section by
-/// section; the first triangle of a section always uses up a number.
-std::vector<unsigned int> labelGroups(const std::vector<Mesh::Corners>& triangles,
-                                      const std::vector<unsigned int>& sections,
-                                      const VertexTriangles& around);
+EdgeCandidates findEdgeCandidates(const std::vector<Mesh::Corners>& triangles,
+                                  const VertexTriangleAdjacency& adjacency);
+
+// The triangles that use the highest vertex index of all, in ascending order: wide code, which
+// reads one float past a position, leaves them to plain code.
+std::vector<unsigned int> trianglesAtHighestVertex(const std::vector<Mesh::Corners>& triangles);
+
+// The number of each triangle's connected component. Components are numbered as they are met,
+// section by section; the first triangle of a section always uses up a number.
+std::vector<unsigned int> labelComponents(const std::vector<Mesh::Corners>& triangles,
+                                          const std::vector<unsigned int>& sections,
+                                          std::size_t vertices);
 
 }  // namespace UXS

@@ -53,6 +53,11 @@ class VEXA_EXPORT uxs_hashtable {
   /// Throws std::bad_alloc when growing failed.
   V& operator[](const K& key);
 
+  /// Makes room for n entries in all, so that no insertion up to there fails. False, with nothing
+  /// done, when it cannot be had.
+  bool reserve(unsigned int n) {
+    return mBuckets.size() != 0 && (n <= mCells.capacity() || mCells.reserve(n));
+  }
   /// Forgets all entries; the buckets stay.
   void clear();
   /// Insertions performed, failed ones included.

@@ -56,6 +56,17 @@ struct PlainLanes {
   PlainLanes operator*(const PlainLanes& b) const {
     return {{lane[0] * b.lane[0], lane[1] * b.lane[1], lane[2] * b.lane[2], lane[3] * b.lane[3]}};
   }
+  /// The lower, and the higher, of each lane; b's where they are equal or one is NaN.
+  static PlainLanes min(const PlainLanes& a, const PlainLanes& b) {
+    PlainLanes lower = b;
+    for (int i = 0; i < 4; ++i) lower.lane[i] = a.lane[i] < b.lane[i] ? a.lane[i] : b.lane[i];
+    return lower;
+  }
+  static PlainLanes max(const PlainLanes& a, const PlainLanes& b) {
+    PlainLanes higher = b;
+    for (int i = 0; i < 4; ++i) higher.lane[i] = a.lane[i] > b.lane[i] ? a.lane[i] : b.lane[i];
+    return higher;
+  }
   PlainLanes timesCrossed(Halves h) const {
     return {{lane[0] * h.high, lane[1] * h.high, lane[2] * h.low, lane[3] * h.low}};
   }
@@ -100,6 +111,8 @@ struct SseFloat4 {
   SseFloat4 operator+(SseFloat4 b) const { return {_mm_add_ps(r, b.r)}; }
   SseFloat4 operator-(SseFloat4 b) const { return {_mm_sub_ps(r, b.r)}; }
   SseFloat4 operator*(SseFloat4 b) const { return {_mm_mul_ps(r, b.r)}; }
+  static SseFloat4 min(SseFloat4 a, SseFloat4 b) { return {_mm_min_ps(a.r, b.r)}; }
+  static SseFloat4 max(SseFloat4 a, SseFloat4 b) { return {_mm_max_ps(a.r, b.r)}; }
   SseFloat4 timesCrossed(Halves h) const { return {_mm_mul_ps(r, h.r)}; }
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cmath>
+#include <cstddef>
 
 #if defined(__AVX2__)
 #include <immintrin.h>
@@ -21,6 +22,18 @@ struct PlainDouble1 {
   struct PlainFloat1 narrowed() const;
 };
 
+/// One point per lane, as rows (x, y, z, 0).
+struct PlainPoint1 {
+  float x, y, z;
+
+  void store(float* to) const { to[0] = x, to[1] = y, to[2] = z, to[3] = 0; }
+  /// Each point three times without a gap: nine floats per lane. The wide form writes one float
+  /// past the last.
+  void storeTripled(float* to) const {
+    for (int i = 0; i < 3; ++i) to[3 * i] = x, to[3 * i + 1] = y, to[3 * i + 2] = z;
+  }
+};
+
 struct PlainFloat1 {
   using Wide = PlainDouble1;
   static constexpr int kLanes = 1;
@@ -33,7 +46,39 @@ struct PlainFloat1 {
   PlainFloat1 operator+(PlainFloat1 b) const { return {value + b.value}; }
   PlainFloat1 operator-(PlainFloat1 b) const { return {value - b.value}; }
   PlainFloat1 operator*(PlainFloat1 b) const { return {value * b.value}; }
+  PlainFloat1 operator/(PlainFloat1 b) const { return {value / b.value}; }
   PlainFloat1 squareRoot() const { return {std::sqrt(value)}; }
+  PlainFloat1 absolute() const { return {std::fabs(value)}; }
+  /// This where the condition lane is above 0, else 0; also where it is NaN.
+  PlainFloat1 whereAboveZero(PlainFloat1 condition) const {
+    return {condition.value > 0 ? value : 0};
+  }
+  /// Bit i: lane i is at least that of b; false where one is NaN.
+  unsigned int maskOfAtLeast(PlainFloat1 b) const { return value >= b.value ? 1 : 0; }
+
+  /// Lane i gets point indices[3 * i] of an array of x, y, z without gaps. The wide form reads one
+  /// float past each point.
+  static void gatherPoints(const float* points, const unsigned int* indices, PlainFloat1& outX,
+                           PlainFloat1& outY, PlainFloat1& outZ) {
+    const float* const p = points + 3 * std::size_t(indices[0]);
+    outX.value = p[0], outY.value = p[1], outZ.value = p[2];
+  }
+  static PlainPoint1 points(PlainFloat1 x, PlainFloat1 y, PlainFloat1 z) {
+    return {x.value, y.value, z.value};
+  }
+  /// Lane i: the dot product of the rows pairs[2 * i] and pairs[2 * i + 1], from z to x.
+  static PlainFloat1 dotRowsZYX(const float* rows, const unsigned int* pairs) {
+    const float* const a = rows + 4 * std::size_t(pairs[0]);
+    const float* const b = rows + 4 * std::size_t(pairs[1]);
+    return {a[2] * b[2] + a[1] * b[1] + a[0] * b[0]};  // order: exact floats
+  }
+  /// Copies the pairs whose bit is set to the front of `to`, and gives how many they are. The wide
+  /// form writes to all of its lanes' room.
+  static unsigned int storeSelected(const unsigned int* pairs, unsigned int mask,
+                                    unsigned int* to) {
+    to[0] = pairs[0], to[1] = pairs[1];
+    return mask;
+  }
   PlainDouble1 widened() const { return {double(value)}; }
 };
 
@@ -54,6 +99,47 @@ struct AvxDouble8 {
   struct AvxFloat8 narrowed() const;
 };
 
+struct AvxPoint8 {
+  __m256 rows[4];  // points i and i + 4
+
+  void store(float* to) const {
+    for (int i = 0; i < 4; ++i) {
+      _mm_storeu_ps(to + 4 * i, _mm256_castps256_ps128(rows[i]));
+      _mm_storeu_ps(to + 4 * i + 16, _mm256_extractf128_ps(rows[i], 1));
+    }
+  }
+  // In ascending order, as each store writes over the float past the one before.
+  void storeTripled(float* to) const {
+    for (int i = 0; i < 4; ++i) storeThrice(to + 9 * i, _mm256_castps256_ps128(rows[i]));
+    for (int i = 0; i < 4; ++i) storeThrice(to + 9 * i + 36, _mm256_extractf128_ps(rows[i], 1));
+  }
+
+ private:
+  static void storeThrice(float* to, __m128 row) {
+    _mm_storeu_ps(to, row), _mm_storeu_ps(to + 3, row), _mm_storeu_ps(to + 6, row);
+  }
+};
+
+/// For each mask of four bits: the places of the 32-bit halves of the selected pairs, in order.
+alignas(32) constexpr int kSelectedPairs[16][8] = {
+    {},
+    {0, 1},
+    {2, 3},
+    {0, 1, 2, 3},
+    {4, 5},
+    {0, 1, 4, 5},
+    {2, 3, 4, 5},
+    {0, 1, 2, 3, 4, 5},
+    {6, 7},
+    {0, 1, 6, 7},
+    {2, 3, 6, 7},
+    {0, 1, 2, 3, 6, 7},
+    {4, 5, 6, 7},
+    {0, 1, 4, 5, 6, 7},
+    {2, 3, 4, 5, 6, 7},
+    {0, 1, 2, 3, 4, 5, 6, 7},
+};
+
 struct AvxFloat8 {
   using Wide = AvxDouble8;
   static constexpr int kLanes = 8;
@@ -66,10 +152,75 @@ struct AvxFloat8 {
   AvxFloat8 operator+(AvxFloat8 b) const { return {_mm256_add_ps(lanes, b.lanes)}; }
   AvxFloat8 operator-(AvxFloat8 b) const { return {_mm256_sub_ps(lanes, b.lanes)}; }
   AvxFloat8 operator*(AvxFloat8 b) const { return {_mm256_mul_ps(lanes, b.lanes)}; }
+  AvxFloat8 operator/(AvxFloat8 b) const { return {_mm256_div_ps(lanes, b.lanes)}; }
   AvxFloat8 squareRoot() const { return {_mm256_sqrt_ps(lanes)}; }
+  AvxFloat8 absolute() const { return {_mm256_andnot_ps(_mm256_set1_ps(-0.0f), lanes)}; }
+  AvxFloat8 whereAboveZero(AvxFloat8 condition) const {
+    return {_mm256_and_ps(lanes, _mm256_cmp_ps(condition.lanes, _mm256_setzero_ps(), _CMP_GT_OQ))};
+  }
+  unsigned int maskOfAtLeast(AvxFloat8 b) const {
+    return static_cast<unsigned int>(_mm256_movemask_ps(_mm256_cmp_ps(lanes, b.lanes, _CMP_GE_OQ)));
+  }
+
+  static void gatherPoints(const float* points, const unsigned int* indices, AvxFloat8& outX,
+                           AvxFloat8& outY, AvxFloat8& outZ) {
+    __m256 r[4];  // lane by lane x, y, z and what follows, of points i and i + 4
+    for (int i = 0; i < 4; ++i) {
+      r[i] = rowPair(points + 3 * std::size_t(indices[3 * i]),
+                     points + 3 * std::size_t(indices[3 * i + 12]));
+    }
+    const __m256 xy01 = _mm256_unpacklo_ps(r[0], r[1]), xy23 = _mm256_unpacklo_ps(r[2], r[3]);
+    const __m256 z01 = _mm256_unpackhi_ps(r[0], r[1]), z23 = _mm256_unpackhi_ps(r[2], r[3]);
+    outX.lanes = _mm256_shuffle_ps(xy01, xy23, _MM_SHUFFLE(1, 0, 1, 0));
+    outY.lanes = _mm256_shuffle_ps(xy01, xy23, _MM_SHUFFLE(3, 2, 3, 2));
+    outZ.lanes = _mm256_shuffle_ps(z01, z23, _MM_SHUFFLE(1, 0, 1, 0));
+  }
+  static AvxPoint8 points(AvxFloat8 x, AvxFloat8 y, AvxFloat8 z) {
+    const __m256 zero = _mm256_setzero_ps();
+    const __m256 xy01 = _mm256_unpacklo_ps(x.lanes, y.lanes),
+                 xy23 = _mm256_unpackhi_ps(x.lanes, y.lanes);
+    const __m256 z01 = _mm256_unpacklo_ps(z.lanes, zero), z23 = _mm256_unpackhi_ps(z.lanes, zero);
+    return {{_mm256_shuffle_ps(xy01, z01, _MM_SHUFFLE(1, 0, 1, 0)),
+             _mm256_shuffle_ps(xy01, z01, _MM_SHUFFLE(3, 2, 3, 2)),
+             _mm256_shuffle_ps(xy23, z23, _MM_SHUFFLE(1, 0, 1, 0)),
+             _mm256_shuffle_ps(xy23, z23, _MM_SHUFFLE(3, 2, 3, 2))}};
+  }
+  static AvxFloat8 dotRowsZYX(const float* rows, const unsigned int* pairs) {
+    __m256 p[4];  // the products of pairs i and i + 4
+    for (int i = 0; i < 4; ++i) {
+      const auto row = [&](int k) { return rows + 4 * std::size_t(pairs[k]); };
+      p[i] = _mm256_mul_ps(rowPair(row(2 * i), row(2 * i + 8)),
+                           rowPair(row(2 * i + 1), row(2 * i + 9)));
+    }
+    const __m256 xy01 = _mm256_unpacklo_ps(p[0], p[1]), xy23 = _mm256_unpacklo_ps(p[2], p[3]);
+    const __m256 z01 = _mm256_unpackhi_ps(p[0], p[1]), z23 = _mm256_unpackhi_ps(p[2], p[3]);
+    const __m256 x = _mm256_shuffle_ps(xy01, xy23, _MM_SHUFFLE(1, 0, 1, 0));
+    const __m256 y = _mm256_shuffle_ps(xy01, xy23, _MM_SHUFFLE(3, 2, 3, 2));
+    const __m256 z = _mm256_shuffle_ps(z01, z23, _MM_SHUFFLE(1, 0, 1, 0));
+    return {_mm256_add_ps(_mm256_add_ps(z, y), x)};
+  }
+  static unsigned int storeSelected(const unsigned int* pairs, unsigned int mask,
+                                    unsigned int* to) {
+    const unsigned int front = mask & 15, back = mask >> 4;
+    const auto count = static_cast<unsigned int>(__builtin_popcount(front));
+    storeFour(pairs, front, to);
+    storeFour(pairs + 8, back, to + 2 * count);
+    return count + static_cast<unsigned int>(__builtin_popcount(back));
+  }
   AvxDouble8 widened() const {
     return {_mm256_cvtps_pd(_mm256_castps256_ps128(lanes)),
             _mm256_cvtps_pd(_mm256_extractf128_ps(lanes, 1))};
+  }
+
+ private:
+  static __m256 rowPair(const float* low, const float* high) {
+    return _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_loadu_ps(low)), _mm_loadu_ps(high), 1);
+  }
+  static void storeFour(const unsigned int* pairs, unsigned int mask, unsigned int* to) {
+    const __m256i all = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(pairs));
+    const __m256i places =
+        _mm256_load_si256(reinterpret_cast<const __m256i*>(kSelectedPairs[mask]));
+    _mm256_storeu_si256(reinterpret_cast<__m256i*>(to), _mm256_permutevar8x32_epi32(all, places));
   }
 };
 

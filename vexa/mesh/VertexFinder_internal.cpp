@@ -1,7 +1,8 @@
+#include "vexa/mesh/VertexFinder_internal.h"
+
 #include <cstdint>
 #include <cstring>
 
-#include "vexa/mesh/VertexFinder_internal.h"
 #include "vexa/mesh/mesh_geometry_internal.h"
 
 namespace UXS {
@@ -15,7 +16,7 @@ std::uint32_t bitsOf(float value) {
   return bits;
 }
 
-/// Any spreading will do: which vertex is found does not depend on it.
+// Any spreading will do: which vertex is found does not depend on it.
 std::uint32_t hashOf(const Mesh::Position& p) {
   const std::uint32_t x = bitsOf(p.x) * 0x9E3779B1u, y = bitsOf(p.y) * 0x85EBCA77u;
   const std::uint32_t h = x ^ y ^ bitsOf(p.z) * 0xC2B2AE3Du;
@@ -36,7 +37,7 @@ void VertexFinder::merge(Mesh::Corners& ioCorners) {
   ioCorners = {firstAt(ioCorners.x), firstAt(ioCorners.y), firstAt(ioCorners.z)};
 }
 
-/// Where the vertex at this position stands, or is to stand.
+// Where the vertex at this position stands, or is to stand.
 unsigned int& VertexFinder::slotOf(const Mesh::Position& p) {
   const std::size_t mask = mSlots.size() - 1;
   std::size_t i = hashOf(p) & mask;

@@ -1,0 +1,170 @@
+// What an editor's commit runs: the steps of MeshImpl.cpp at speed. All memory first, then the
+// change, so that a commit without memory leaves the mesh as it was.
+#include <cstddef>
+#include <memory>
+#include <new>
+#include <utility>
+
+#include "vexa/mesh/MeshTopology_internal.h"
+#include "vexa/mesh/mesh_frame_internal.h"
+#include "vexa/mesh/mesh_sorting_internal.h"
+
+namespace UXS {
+
+Mesh::Impl::Topology::Topology(const SharedVector<Corners>& triangles,
+                               const SharedVector<unsigned int>& materials, std::size_t vertices)
+    : mTriangles(triangles),
+      mMaterialIDs(materials),
+      mSections(findSections(materials)),
+      mGroupIDs(labelComponents(triangles, mSections, vertices)),
+      mEdges(findEdgeCandidates(triangles, VertexTriangleAdjacency(triangles, vertices))),
+      mAtHighestVertex(trianglesAtHighestVertex(triangles)),
+      mVertexGroups(triangles, mSections, vertices) {}
+
+// The arrays that a commit fills: those of the mesh, or, where these have no room, those of a copy
+// that is gone. Making it takes the memory; filling it cannot fail.
+struct Mesh::Impl::Frame {
+  Frame(Impl& mesh, const TriangleArrays& arrays, const EdgeCandidates& candidates,
+        Spare<FaceNormalRows>* spareRows);
+  ~Frame() {
+    if (mSpareRows) mSpareRows->keep(std::move(mRows));
+  }
+
+  // Fills in the edges, and the normals where there are none.
+  void fill(const std::vector<unsigned int>& atHighestVertex, const EdgeCandidates& candidates);
+
+  Impl& mMesh;
+  bool mIsWithoutNormals;
+  std::vector<CornerPositions>* mNormals;
+  std::vector<Edge>* mEdges;
+  Spare<FaceNormalRows>* mSpareRows;  // where mRows come from and go to, or null
+  std::unique_ptr<FaceNormalRows> mRows;
+};
+
+Mesh::Impl::Frame::Frame(Impl& mesh, const TriangleArrays& arrays, const EdgeCandidates& candidates,
+                         Spare<FaceNormalRows>* spareRows)
+    : mMesh(mesh),
+      mIsWithoutNormals(
+          (arrays.mHasNewNormals ? arrays.mSmoothNormals : mesh.mSmoothNormals).empty()),
+      mNormals(&mesh.mSmoothNormals),
+      mEdges(&mesh.mEdges),
+      mSpareRows(spareRows),
+      mRows(spareRows ? spareRows->take() : nullptr) {
+  const std::size_t triangles = arrays.mTriangles.size(), edges = candidates.mEdges.size();
+  FrameMemory* const memory = mesh.mFrameMemory.get();
+  if (memory && mNormals->capacity() < triangles) mNormals = &memory->mSmoothNormals;
+  if (memory && mEdges->capacity() < edges) mEdges = &memory->mEdges;
+  if (mIsWithoutNormals) mNormals->reserve(triangles);
+  mEdges->reserve(edges);
+  if (!mRows) mRows = std::make_unique<FaceNormalRows>();
+  if (mRows->size() <= triangles) mRows->resize(triangles + 1);
+}
+
+void Mesh::Impl::Frame::fill(const std::vector<unsigned int>& atHighestVertex,
+                             const EdgeCandidates& candidates) {
+  const std::vector<Corners>& triangles = mMesh.mTriangles;
+  if (mIsWithoutNormals) {
+    mNormals->resize(triangles.size());
+    if (mNormals != &mMesh.mSmoothNormals) mNormals->swap(mMesh.mSmoothNormals);
+  }
+  mesh_frame::fillFaceNormals(mMesh.mVertices, triangles, atHighestVertex, *mRows,
+                              mIsWithoutNormals ? mMesh.mSmoothNormals.data() : nullptr);
+  if (mEdges != &mMesh.mEdges) mEdges->swap(mMesh.mEdges);
+  mesh_frame::fillEdges(*mRows, candidates, mMesh.mEdges);
+}
+
+// What is in step already is shared.
+void Mesh::Impl::copyTriangles(const Impl& source, std::vector<CornerPositions> normals) {
+  const std::size_t count = source.mTriangles.size();
+  SharedVector<unsigned int> materials = source.mMaterialIDs;
+  SharedVector<CornerUVs> uv = source.mUVCoords;
+  materials.resize(count);
+  if (!uv.empty()) uv.resize(count);
+  if (!normals.empty()) normals.resize(count);
+
+  mTriangles = source.mTriangles;
+  mMaterialIDs = std::move(materials);
+  mUVCoords = std::move(uv);
+  mSmoothNormals = std::move(normals);
+  mTopology = source.mTopology;
+}
+
+void Mesh::Impl::Copy(const Impl& source, bool skipNormals) {
+  mVertices.reserve(source.mVertices.size());
+  copyTriangles(source, skipNormals ? mSmoothNormals : source.mSmoothNormals);
+  mVertices = source.mVertices;
+}
+
+void Mesh::Impl::CopyWithoutPositions(const Impl& source) {
+  if (!mFrameMemory && source.mTopology) mFrameMemory = source.mTopology->mFrameMemory.take();
+  if (!mFrameMemory) mFrameMemory = std::make_unique<FrameMemory>();
+  const std::size_t count = source.mVertices.size();
+  if (mVertices.capacity() < count) {
+    mFrameMemory->mVertices.resize(count);
+    copyTriangles(source, mSmoothNormals);
+    mVertices.swap(mFrameMemory->mVertices);
+  } else {
+    copyTriangles(source, mSmoothNormals);
+    mVertices.resize(count);
+  }
+}
+
+// Keeps the memory of normals that go, as new ones will follow.
+void Mesh::Impl::adopt(TriangleArrays arrays) {
+  mTriangles = std::move(arrays.mTriangles);
+  mMaterialIDs = std::move(arrays.mMaterialIDs);
+  mUVCoords = std::move(arrays.mUVCoords);
+  if (!arrays.mHasNewNormals) return;
+  if (arrays.mSmoothNormals.empty()) {
+    mSmoothNormals.clear();
+  } else {
+    mSmoothNormals = std::move(arrays.mSmoothNormals);
+  }
+}
+
+void Mesh::Impl::Process() {
+  const bool isKnown = mTopology && mTriangles.shares(mTopology->mTriangles) &&
+                       mMaterialIDs.shares(mTopology->mMaterialIDs);
+  TriangleArrays arrays = isKnown ? trimmedTriangles(*this) : sortedTriangles(*this);
+  std::shared_ptr<const Topology> topology = mTopology;
+  if (!isKnown) {
+    topology = std::make_shared<Topology>(arrays.mTriangles, arrays.mMaterialIDs, mVertices.size());
+  }
+  Frame frame(*this, arrays, topology->mEdges, &topology->mFaceNormals);
+  std::vector<Oru::TBox3D<float>> groupBoxes(topology->mVertexGroups.size());
+  MeshExtent extent{{}, std::vector<Oru::TBox3D<float>>(topology->mSections.size())};
+  if (!mMaterialAABBs.reserve(unsigned(extent.mSections.size()))) throw std::bad_alloc();
+
+  // From here on nothing fails.
+  adopt(std::move(arrays));
+  mSections = topology->mSections;
+  mGroupIDs = topology->mGroupIDs;
+  mTopology = topology;
+  if (!topology->mVertexGroups.measure(mVertices, groupBoxes, extent)) {
+    measureCorners(mVertices, mTriangles, mSections, extent);
+  }
+  storeBoxes(extent);
+  frame.fill(topology->mAtHighestVertex, topology->mEdges);
+}
+
+void Mesh::Impl::ProcessLightWeight() {
+  TriangleArrays arrays = fittedTriangles(*this);
+  SharedVector<unsigned int> groups = mGroupIDs;
+  if (groups.size() != mTriangles.size()) groups.edit().resize(mTriangles.size(), kNoGroup);
+  EdgeCandidates found;
+  std::vector<unsigned int> foundAtHighest;
+  const bool isKnown = mTopology && mTriangles.shares(mTopology->mTriangles);
+  if (!isKnown) {
+    found = findEdgeCandidates(mTriangles, VertexTriangleAdjacency(mTriangles, mVertices.size()));
+    foundAtHighest = trianglesAtHighestVertex(mTriangles);
+  }
+  const EdgeCandidates& candidates = isKnown ? mTopology->mEdges : found;
+  Frame frame(*this, arrays, candidates, isKnown ? &mTopology->mFaceNormals : nullptr);
+
+  // From here on nothing fails.
+  adopt(std::move(arrays));
+  mGroupIDs = std::move(groups);
+  frame.fill(isKnown ? mTopology->mAtHighestVertex : foundAtHighest, candidates);
+}
+
+}  // namespace UXS

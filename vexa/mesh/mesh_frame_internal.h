@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstddef>
+#include <vector>
+
+#include "vexa/mesh/MeshTopology_internal.h"
+
+// What a commit derives from the positions; wide where the machine allows it.
+namespace UXS::mesh_frame {
+
+// The face normals, as rows and, unless outCorners is null, for each corner. outRows has a row per
+// triangle and one more, which becomes zero. `apart` lists, in ascending order, the triangles that
+// use the last vertex.
+void fillFaceNormals(const std::vector<Mesh::Position>& positions,
+                     const std::vector<Mesh::Corners>& triangles,
+                     const std::vector<unsigned int>& apart, FaceNormalRows& outRows,
+                     Mesh::CornerPositions* outCorners);
+
+// The edges that are drawn, of all that may be. ioEdges has capacity for all of them.
+void fillEdges(const FaceNormalRows& rows, const EdgeCandidates& candidates,
+               std::vector<Edge>& ioEdges);
+
+}  // namespace UXS::mesh_frame
