@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <memory>
 #include <new>
+#include <optional>
 #include <utility>
 
 #include "vexa/mesh/MeshTopology_internal.h"
@@ -17,23 +18,23 @@ Mesh::Impl::Topology::Topology(const SharedVector<Corners>& triangles,
       mMaterialIDs(materials),
       mSections(findSections(materials)),
       mGroupIDs(labelComponents(triangles, mSections, vertices)),
-      mEdges(findEdgeCandidates(triangles, VertexTriangleAdjacency(triangles, vertices))),
-      mAtHighestVertex(trianglesAtHighestVertex(triangles)),
+      mFrame(triangles, vertices),
       mVertexGroups(triangles, mSections, vertices) {}
 
 // The arrays that a commit fills: those of the mesh, or, where these have no room, those of a copy
 // that is gone. Making it takes the memory; filling it cannot fail.
 struct Mesh::Impl::Frame {
-  Frame(Impl& mesh, const TriangleArrays& arrays, const EdgeCandidates& candidates,
+  Frame(Impl& mesh, const TriangleArrays& arrays, const FrameTopology& topology,
         Spare<FaceNormalRows>* spareRows);
   ~Frame() {
     if (mSpareRows) mSpareRows->keep(std::move(mRows));
   }
 
   // Fills in the edges, and the normals where there are none.
-  void fill(const std::vector<unsigned int>& atHighestVertex, const EdgeCandidates& candidates);
+  void fill();
 
   Impl& mMesh;
+  const FrameTopology& mTopology;
   bool mIsWithoutNormals;
   std::vector<CornerPositions>* mNormals;
   std::vector<Edge>* mEdges;
@@ -41,16 +42,17 @@ struct Mesh::Impl::Frame {
   std::unique_ptr<FaceNormalRows> mRows;
 };
 
-Mesh::Impl::Frame::Frame(Impl& mesh, const TriangleArrays& arrays, const EdgeCandidates& candidates,
+Mesh::Impl::Frame::Frame(Impl& mesh, const TriangleArrays& arrays, const FrameTopology& topology,
                          Spare<FaceNormalRows>* spareRows)
     : mMesh(mesh),
+      mTopology(topology),
       mIsWithoutNormals(
           (arrays.mHasNewNormals ? arrays.mSmoothNormals : mesh.mSmoothNormals).empty()),
       mNormals(&mesh.mSmoothNormals),
       mEdges(&mesh.mEdges),
       mSpareRows(spareRows),
       mRows(spareRows ? spareRows->take() : nullptr) {
-  const std::size_t triangles = arrays.mTriangles.size(), edges = candidates.mEdges.size();
+  const std::size_t triangles = arrays.mTriangles.size(), edges = topology.mEdges.mEdges.size();
   FrameMemory* const memory = mesh.mFrameMemory.get();
   if (memory && mNormals->capacity() < triangles) mNormals = &memory->mSmoothNormals;
   if (memory && mEdges->capacity() < edges) mEdges = &memory->mEdges;
@@ -60,17 +62,16 @@ Mesh::Impl::Frame::Frame(Impl& mesh, const TriangleArrays& arrays, const EdgeCan
   if (mRows->size() <= triangles) mRows->resize(triangles + 1);
 }
 
-void Mesh::Impl::Frame::fill(const std::vector<unsigned int>& atHighestVertex,
-                             const EdgeCandidates& candidates) {
-  const std::vector<Corners>& triangles = mMesh.mTriangles;
+void Mesh::Impl::Frame::fill() {
+  const std::size_t triangles = mTopology.mOffsets.size();
   if (mIsWithoutNormals) {
-    mNormals->resize(triangles.size());
+    mNormals->resize(triangles);
     if (mNormals != &mMesh.mSmoothNormals) mNormals->swap(mMesh.mSmoothNormals);
   }
-  mesh_frame::fillFaceNormals(mMesh.mVertices, triangles, atHighestVertex, *mRows,
+  mesh_frame::fillFaceNormals(mMesh.mVertices, mTopology, *mRows,
                               mIsWithoutNormals ? mMesh.mSmoothNormals.data() : nullptr);
   if (mEdges != &mMesh.mEdges) mEdges->swap(mMesh.mEdges);
-  mesh_frame::fillEdges(*mRows, candidates, mMesh.mEdges);
+  mesh_frame::fillEdges(*mRows, mTopology.mEdges, mMesh.mEdges);
 }
 
 // What is in step already is shared.
@@ -130,7 +131,7 @@ void Mesh::Impl::Process() {
   if (!isKnown) {
     topology = std::make_shared<Topology>(arrays.mTriangles, arrays.mMaterialIDs, mVertices.size());
   }
-  Frame frame(*this, arrays, topology->mEdges, &topology->mFaceNormals);
+  Frame frame(*this, arrays, topology->mFrame, &topology->mFaceNormals);
   std::vector<Oru::TBox3D<float>> groupBoxes(topology->mVertexGroups.size());
   MeshExtent extent{{}, std::vector<Oru::TBox3D<float>>(topology->mSections.size())};
   if (!mMaterialAABBs.reserve(unsigned(extent.mSections.size()))) throw std::bad_alloc();
@@ -144,27 +145,23 @@ void Mesh::Impl::Process() {
     measureCorners(mVertices, mTriangles, mSections, extent);
   }
   storeBoxes(extent);
-  frame.fill(topology->mAtHighestVertex, topology->mEdges);
+  frame.fill();
 }
 
 void Mesh::Impl::ProcessLightWeight() {
   TriangleArrays arrays = fittedTriangles(*this);
   SharedVector<unsigned int> groups = mGroupIDs;
   if (groups.size() != mTriangles.size()) groups.edit().resize(mTriangles.size(), kNoGroup);
-  EdgeCandidates found;
-  std::vector<unsigned int> foundAtHighest;
   const bool isKnown = mTopology && mTriangles.shares(mTopology->mTriangles);
-  if (!isKnown) {
-    found = findEdgeCandidates(mTriangles, VertexTriangleAdjacency(mTriangles, mVertices.size()));
-    foundAtHighest = trianglesAtHighestVertex(mTriangles);
-  }
-  const EdgeCandidates& candidates = isKnown ? mTopology->mEdges : found;
-  Frame frame(*this, arrays, candidates, isKnown ? &mTopology->mFaceNormals : nullptr);
+  std::optional<FrameTopology> derived;
+  if (!isKnown) derived.emplace(mTriangles, mVertices.size());
+  Frame frame(*this, arrays, isKnown ? mTopology->mFrame : *derived,
+              isKnown ? &mTopology->mFaceNormals : nullptr);
 
   // From here on nothing fails.
   adopt(std::move(arrays));
   mGroupIDs = std::move(groups);
-  frame.fill(isKnown ? mTopology->mAtHighestVertex : foundAtHighest, candidates);
+  frame.fill();
 }
 
 }  // namespace UXS

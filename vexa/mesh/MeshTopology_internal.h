@@ -55,8 +55,7 @@ struct Mesh::Impl::Topology {
   SharedVector<unsigned int> mMaterialIDs;
   SharedVector<unsigned int> mSections;
   SharedVector<unsigned int> mGroupIDs;
-  EdgeCandidates mEdges;
-  std::vector<unsigned int> mAtHighestVertex;
+  FrameTopology mFrame;
   VertexGroups mVertexGroups;
 
   mutable Spare<FrameMemory> mFrameMemory;

@@ -90,25 +90,28 @@ Box measureListed(const std::vector<Position>& positions, const unsigned int* be
   return boxOf(a, ioIsExact);
 }
 
-// Vertices one behind the other. Four of them fill three registers:
+// Vertices one behind the other. Four of them fill three registers, eight of them six:
 //   x0 y0 z0 x1 | y1 z1 x2 y2 | z2 x3 y3 z3
 Box measureConsecutive(const Position* begin, const Position* end, bool& ioIsExact) {
   Box box{*begin, *begin, true};
-  if (end - begin >= 4) {
+  if (end - begin >= 8) {
     const float* from = &begin->x;
-    Bounds parts[3] = {Bounds(Float4::load(from)), Bounds(Float4::load(from + 4)),
-                       Bounds(Float4::load(from + 8))};
-    for (; end - begin >= 4; begin += 4, from += 12) {
-      for (int i = 0; i < 3; ++i) parts[i].add(Float4::load(from + 4 * i));
+    const auto at = [&](int i) { return Float4::load(from + 4 * i); };
+    Bounds parts[6] = {Bounds(at(0)), Bounds(at(1)), Bounds(at(2)),
+                       Bounds(at(3)), Bounds(at(4)), Bounds(at(5))};
+    for (; end - begin >= 8; begin += 8, from += 24) {
+      for (int i = 0; i < 6; ++i) parts[i].add(at(i));
     }
-    float low[3][4], high[3][4], sum[3][4];
-    for (int i = 0; i < 3; ++i) parts[i].store(low[i], high[i], sum[i]);
-    for (int i = 0; i < 12; ++i) {
-      float Position::*const axes[3] = {&Position::x, &Position::y, &Position::z};
-      float Position::*const axis = axes[i % 3];
-      extend(box.mMin.*axis, box.mMax.*axis, low[i / 4][i % 4]);
-      extend(box.mMin.*axis, box.mMax.*axis, high[i / 4][i % 4]);
-      ioIsExact = ioIsExact && !std::isnan(sum[i / 4][i % 4]);
+    float Position::*const axes[3] = {&Position::x, &Position::y, &Position::z};
+    for (int i = 0; i < 6; ++i) {
+      float low[4], high[4], sum[4];
+      parts[i].store(low, high, sum);
+      for (int lane = 0; lane < 4; ++lane) {
+        float Position::*const axis = axes[(4 * i + lane) % 3];
+        extend(box.mMin.*axis, box.mMax.*axis, low[lane]);
+        extend(box.mMin.*axis, box.mMax.*axis, high[lane]);
+        ioIsExact = ioIsExact && !std::isnan(sum[lane]);
+      }
     }
   }
   for (; begin != end; ++begin) {

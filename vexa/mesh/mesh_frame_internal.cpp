@@ -1,5 +1,9 @@
 #include "vexa/mesh/mesh_frame_internal.h"
 
+#include <algorithm>
+#include <array>
+#include <cstddef>
+
 #include "vexa/math/simd/Float8.h"
 #include "vexa/mesh/mesh_frame_lanes_internal.h"
 
@@ -26,23 +30,22 @@ Forms widestForms() {
 
 }  // namespace
 
-void fillFaceNormals(const std::vector<Mesh::Position>& positions,
-                     const std::vector<Mesh::Corners>& triangles,
-                     const std::vector<unsigned int>& apart, FaceNormalRows& outRows,
-                     Mesh::CornerPositions* outCorners) {
+void fillFaceNormals(const std::vector<Mesh::Position>& positions, const FrameTopology& topology,
+                     FaceNormalRows& outRows, Mesh::CornerPositions* outCorners) {
   const Forms wide = widestForms();
-  const std::size_t count = triangles.size();
+  const std::vector<Mesh::Corners>& offsets = topology.mOffsets;
+  const std::size_t count = offsets.size();
   outRows[count] = {};
   std::size_t done = 0;
   const auto run = [&](const Forms& forms, std::size_t end) {
     const std::size_t rest = (end - done) / forms.mLanes * forms.mLanes;
     if (rest == 0) return;
-    forms.mFaceNormals(&positions[0].x, &triangles[done].x, rest, &outRows[done].x,
+    forms.mFaceNormals(&positions[0].x, &offsets[done].x, rest, &outRows[done].x,
                        outCorners ? &outCorners[done].x.x : nullptr);
     done += rest;
   };
   // Wide code also writes past its last triangle, which must therefore not be the last of all.
-  for (const unsigned int t : apart) {
+  for (const unsigned int t : topology.mAtHighestVertex) {
     run(wide, t);
     run(kPlain, t + 1);
   }
@@ -50,20 +53,31 @@ void fillFaceNormals(const std::vector<Mesh::Position>& positions,
   run(kPlain, count);
 }
 
+// In pieces that stay in the nearest cache, so that the array need not have room for edges that are
+// not drawn, which would have to be cleared first.
 void fillEdges(const FaceNormalRows& rows, const EdgeCandidates& candidates,
                std::vector<Edge>& ioEdges) {
+  constexpr std::size_t kPiece = 1024;
   const Forms wide = widestForms();
-  const std::size_t count = candidates.mEdges.size(), whole = count / wide.mLanes * wide.mLanes;
-  ioEdges.resize(count);
-  std::size_t drawn = 0, done = 0;
-  const auto run = [&](const Forms& forms, std::size_t end) {
-    if (done == end) return;
-    drawn += forms.mDrawnEdges(&rows[0].x, &candidates.mFaces[done].mOwn,
-                               &candidates.mEdges[done].x, end - done, &ioEdges[drawn].x);
-    done = end;
-  };
-  run(wide, whole);
-  run(kPlain, count);
+  const std::size_t count = candidates.mEdges.size();
+  std::array<Edge, kPiece> piece;
+  std::size_t drawn = 0;
+  for (std::size_t done = 0; done < count; done += kPiece) {
+    const std::size_t size = std::min(kPiece, count - done), whole = size - size % wide.mLanes;
+    const auto* const faces = &candidates.mFaces[done].mOwn;
+    const auto* const edges = &candidates.mEdges[done].x;
+    std::size_t found = wide.mDrawnEdges(&rows[0].x, faces, edges, whole, &piece[0].x);
+    found += kPlain.mDrawnEdges(&rows[0].x, faces + 2 * whole, edges + 2 * whole, size - whole,
+                                &piece[0].x + 2 * found);
+    const Edge* const first = piece.data();
+    if (drawn + found > ioEdges.size()) {
+      ioEdges.resize(drawn);
+      ioEdges.insert(ioEdges.end(), first, first + found);
+    } else {
+      std::copy(first, first + found, ioEdges.begin() + std::ptrdiff_t(drawn));
+    }
+    drawn += found;
+  }
   ioEdges.resize(drawn);
 }
 

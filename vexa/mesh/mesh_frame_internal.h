@@ -9,12 +9,9 @@
 namespace UXS::mesh_frame {
 
 // The face normals, as rows and, unless outCorners is null, for each corner. outRows has a row per
-// triangle and one more, which becomes zero. `apart` lists, in ascending order, the triangles that
-// use the last vertex.
-void fillFaceNormals(const std::vector<Mesh::Position>& positions,
-                     const std::vector<Mesh::Corners>& triangles,
-                     const std::vector<unsigned int>& apart, FaceNormalRows& outRows,
-                     Mesh::CornerPositions* outCorners);
+// triangle and one more, which becomes zero.
+void fillFaceNormals(const std::vector<Mesh::Position>& positions, const FrameTopology& topology,
+                     FaceNormalRows& outRows, Mesh::CornerPositions* outCorners);
 
 // The edges that are drawn, of all that may be. ioEdges has capacity for all of them.
 void fillEdges(const FaceNormalRows& rows, const EdgeCandidates& candidates,

@@ -7,8 +7,9 @@
 // mesh_frame_avx2_internal.cpp.
 namespace UXS::mesh_frame {
 
-// Arrays as plain numbers: positions x, y, z without gaps; triangles as three indices; rows of four
-// floats x, y, z, 0; faces and edges as pairs of indices.
+// Arrays are plain numbers: positions x, y, z without gaps; three offsets into the positions per
+// triangle; rows of four floats x, y, z, 0; pairs of offsets into the rows; edges as pairs of
+// vertex indices.
 
 // The face normals of `count` triangles, a multiple of F::kLanes: n = (p2 - p1) x (p0 - p1) over
 // its length, zero where n.n is not above 0. 1 / sqrt(1) is 1, so that a squared length of 1 needs
@@ -16,21 +17,20 @@ namespace UXS::mesh_frame {
 template <class F>
 void faceNormals(const float* positions, const unsigned int* triangles, std::size_t count,
                  float* outRows, float* outCorners) {
+  using Points = typename F::Points;
   const F one = F::broadcast(1);
   for (std::size_t t = 0; t < count; t += F::kLanes) {
-    const unsigned int* const corners = triangles + 3 * t;
-    F x0, y0, z0, x1, y1, z1, x2, y2, z2;
-    F::gatherPoints(positions, corners, x0, y0, z0);
-    F::gatherPoints(positions, corners + 1, x1, y1, z1);
-    F::gatherPoints(positions, corners + 2, x2, y2, z2);
-    const F ax = x2 - x1, ay = y2 - y1, az = z2 - z1;
-    const F bx = x0 - x1, by = y0 - y1, bz = z0 - z1;
+    const unsigned int* const offsets = triangles + 3 * t;
+    const Points p1 = Points::gather(positions, offsets + 1);
+    F ax, ay, az, bx, by, bz;
+    (Points::gather(positions, offsets + 2) - p1).split(ax, ay, az);
+    (Points::gather(positions, offsets) - p1).split(bx, by, bz);
     const F nx = ay * bz - az * by, ny = az * bx - ax * bz, nz = ax * by - ay * bx;
     const F squaredLength = nx * nx + ny * ny + nz * nz;  // order: exact floats
     const F scale = one / squaredLength.squareRoot();
-    const auto normals = F::points((nx * scale).whereAboveZero(squaredLength),
-                                   (ny * scale).whereAboveZero(squaredLength),
-                                   (nz * scale).whereAboveZero(squaredLength));
+    const Points normals = Points::join((nx * scale).whereAboveZero(squaredLength),
+                                        (ny * scale).whereAboveZero(squaredLength),
+                                        (nz * scale).whereAboveZero(squaredLength));
     normals.store(outRows + 4 * t);
     if (outCorners) normals.storeTripled(outCorners + 9 * t);
   }

@@ -5,6 +5,7 @@
 #include <cassert>
 #include <cstdint>
 #include <numeric>
+#include <stdexcept>
 
 #include "vexa/mesh/mesh_geometry_internal.h"
 
@@ -153,7 +154,7 @@ VertexTriangleAdjacency::VertexTriangleAdjacency(const std::vector<Mesh::Corners
 EdgeCandidates findEdgeCandidates(const std::vector<Mesh::Corners>& triangles,
                                   const VertexTriangleAdjacency& adjacency) {
   const std::vector<Mesh::Corners> fates = edgeFates(triangles, adjacency);
-  const auto past = static_cast<unsigned int>(triangles.size());
+  const auto past = unsigned(4 * triangles.size());
   EdgeCandidates candidates;
   candidates.mEdges.reserve(triangles.size() * 3 / 2);  // as many as a closed mesh has
   candidates.mFaces.reserve(triangles.size() * 3 / 2);
@@ -161,7 +162,7 @@ EdgeCandidates findEdgeCandidates(const std::vector<Mesh::Corners>& triangles,
     if (fate == kNever) return;
     candidates.mEdges.emplace_back(a, b);
     candidates.mFaces.push_back(fate == kBoundary ? EdgeCandidates::Faces{past, past}
-                                                  : EdgeCandidates::Faces{t, fate});
+                                                  : EdgeCandidates::Faces{4 * t, 4 * fate});
   };
   for (unsigned int t = 0; t < triangles.size(); ++t) {
     const auto& [a, b, c] = triangles[t];
@@ -172,17 +173,20 @@ EdgeCandidates findEdgeCandidates(const std::vector<Mesh::Corners>& triangles,
   return candidates;
 }
 
-std::vector<unsigned int> trianglesAtHighestVertex(const std::vector<Mesh::Corners>& triangles) {
-  std::vector<unsigned int> found;
+FrameTopology::FrameTopology(const std::vector<Mesh::Corners>& triangles, std::size_t vertices) {
+  constexpr std::size_t kMost = 0xFFFFFFFF / 4;
+  if (vertices > kMost || triangles.size() >= kMost) throw std::length_error("Mesh : too large");
+  mEdges = findEdgeCandidates(triangles, VertexTriangleAdjacency(triangles, vertices));
+  mOffsets.reserve(triangles.size());
+  for (const auto& [a, b, c] : triangles) mOffsets.emplace_back(3 * a, 3 * b, 3 * c);
   unsigned int highest = 0;
   for (unsigned int t = 0; t < triangles.size(); ++t) {
     const auto& [a, b, c] = triangles[t];
     const unsigned int own = std::max({a, b, c});
-    if (own > highest) found.clear();
-    if (own >= highest) found.push_back(t);
+    if (own > highest) mAtHighestVertex.clear();
+    if (own >= highest) mAtHighestVertex.push_back(t);
     highest = std::max(own, highest);
   }
-  return found;
 }
 
 std::vector<unsigned int> labelComponents(const std::vector<Mesh::Corners>& triangles,

@@ -46,10 +46,10 @@ class VertexTriangleAdjacency {
 // but the last and is compared with the last.
 //
 // Invariant: both arrays have the same length. A boundary edge, which is always drawn, names twice
-// the triangle past the last one, whose normal counts as zero.
+// the row past the last triangle, where the normal counts as zero.
 struct EdgeCandidates {
   struct Faces {
-    unsigned int mOwn, mOther;
+    unsigned int mOwn, mOther;  // in floats, where rows of four hold the normals
   };
   std::vector<Edge> mEdges;
   std::vector<Faces> mFaces;
@@ -58,9 +58,17 @@ struct EdgeCandidates {
 EdgeCandidates findEdgeCandidates(const std::vector<Mesh::Corners>& triangles,
                                   const VertexTriangleAdjacency& adjacency);
 
-// The triangles that use the highest vertex index of all, in ascending order: wide code, which
-// reads one float past a position, leaves them to plain code.
-std::vector<unsigned int> trianglesAtHighestVertex(const std::vector<Mesh::Corners>& triangles);
+// What the normals and edges of a frame are computed from.
+struct FrameTopology {
+  // Throws std::length_error when there are more vertices or triangles than offsets can name.
+  FrameTopology(const std::vector<Mesh::Corners>& triangles, std::size_t vertices);
+
+  std::vector<Mesh::Corners> mOffsets;  // the triangles, in floats: 3 * index
+  // The triangles that use the highest vertex index of all, in ascending order: wide code, which
+  // reads one float past a position, leaves them to plain code.
+  std::vector<unsigned int> mAtHighestVertex;
+  EdgeCandidates mEdges;
+};
 
 // The number of each triangle's connected component. Components are numbered as they are met,
 // section by section; the first triangle of a section always uses up a number.

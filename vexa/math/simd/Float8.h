@@ -22,13 +22,22 @@ struct PlainDouble1 {
   struct PlainFloat1 narrowed() const;
 };
 
-/// One point per lane, as rows (x, y, z, 0).
+/// One point x, y, z for each lane of the other forms, point by point.
 struct PlainPoint1 {
   float x, y, z;
 
+  /// Point i is at points[offsets[3 * i]]. The wide form reads one float past each point.
+  static PlainPoint1 gather(const float* points, const unsigned int* offsets) {
+    const float* const p = points + offsets[0];
+    return {p[0], p[1], p[2]};
+  }
+  PlainPoint1 operator-(PlainPoint1 b) const { return {x - b.x, y - b.y, z - b.z}; }
+  /// The components, one point to a lane, in an order that join() knows.
+  void split(struct PlainFloat1& outX, struct PlainFloat1& outY, struct PlainFloat1& outZ) const;
+  static PlainPoint1 join(struct PlainFloat1 x, struct PlainFloat1 y, struct PlainFloat1 z);
+  /// As rows x, y, z, 0.
   void store(float* to) const { to[0] = x, to[1] = y, to[2] = z, to[3] = 0; }
-  /// Each point three times without a gap: nine floats per lane. The wide form writes one float
-  /// past the last.
+  /// Each point three times without a gap. The wide form writes one float past the last.
   void storeTripled(float* to) const {
     for (int i = 0; i < 3; ++i) to[3 * i] = x, to[3 * i + 1] = y, to[3 * i + 2] = z;
   }
@@ -36,6 +45,7 @@ struct PlainPoint1 {
 
 struct PlainFloat1 {
   using Wide = PlainDouble1;
+  using Points = PlainPoint1;
   static constexpr int kLanes = 1;
 
   float value;
@@ -56,20 +66,10 @@ struct PlainFloat1 {
   /// Bit i: lane i is at least that of b; false where one is NaN.
   unsigned int maskOfAtLeast(PlainFloat1 b) const { return value >= b.value ? 1 : 0; }
 
-  /// Lane i gets point indices[3 * i] of an array of x, y, z without gaps. The wide form reads one
-  /// float past each point.
-  static void gatherPoints(const float* points, const unsigned int* indices, PlainFloat1& outX,
-                           PlainFloat1& outY, PlainFloat1& outZ) {
-    const float* const p = points + 3 * std::size_t(indices[0]);
-    outX.value = p[0], outY.value = p[1], outZ.value = p[2];
-  }
-  static PlainPoint1 points(PlainFloat1 x, PlainFloat1 y, PlainFloat1 z) {
-    return {x.value, y.value, z.value};
-  }
-  /// Lane i: the dot product of the rows pairs[2 * i] and pairs[2 * i + 1], from z to x.
+  /// Lane i: the dot product, from z to x, of the rows at rows[pairs[2 * i]] and
+  /// rows[pairs[2 * i + 1]].
   static PlainFloat1 dotRowsZYX(const float* rows, const unsigned int* pairs) {
-    const float* const a = rows + 4 * std::size_t(pairs[0]);
-    const float* const b = rows + 4 * std::size_t(pairs[1]);
+    const float *const a = rows + pairs[0], *const b = rows + pairs[1];
     return {a[2] * b[2] + a[1] * b[1] + a[0] * b[0]};  // order: exact floats
   }
   /// Copies the pairs whose bit is set to the front of `to`, and gives how many they are. The wide
@@ -81,6 +81,13 @@ struct PlainFloat1 {
   }
   PlainDouble1 widened() const { return {double(value)}; }
 };
+
+inline void PlainPoint1::split(PlainFloat1& outX, PlainFloat1& outY, PlainFloat1& outZ) const {
+  outX.value = x, outY.value = y, outZ.value = z;
+}
+inline PlainPoint1 PlainPoint1::join(PlainFloat1 x, PlainFloat1 y, PlainFloat1 z) {
+  return {x.value, y.value, z.value};
+}
 
 inline PlainFloat1 PlainDouble1::narrowed() const { return {float(value)}; }
 
@@ -99,24 +106,48 @@ struct AvxDouble8 {
   struct AvxFloat8 narrowed() const;
 };
 
-struct AvxPoint8 {
-  __m256 rows[4];  // points i and i + 4
+/// Two rows in one register, from anywhere in memory.
+inline __m256 loadRows(const float* low, const float* high) {
+  return _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_loadu_ps(low)), _mm_loadu_ps(high), 1);
+}
+/// Four rows of each half of the registers become three columns.
+inline void transposeRows(const __m256 (&r)[4], __m256& outX, __m256& outY, __m256& outZ) {
+  const __m256 xy01 = _mm256_unpacklo_ps(r[0], r[1]), xy23 = _mm256_unpacklo_ps(r[2], r[3]);
+  const __m256 z01 = _mm256_unpackhi_ps(r[0], r[1]), z23 = _mm256_unpackhi_ps(r[2], r[3]);
+  outX = _mm256_shuffle_ps(xy01, xy23, _MM_SHUFFLE(1, 0, 1, 0));
+  outY = _mm256_shuffle_ps(xy01, xy23, _MM_SHUFFLE(3, 2, 3, 2));
+  outZ = _mm256_shuffle_ps(z01, z23, _MM_SHUFFLE(1, 0, 1, 0));
+}
 
-  void store(float* to) const {
+struct AvxPoint8 {
+  __m256 rows[4];  // points 2i and 2i + 1
+
+  static AvxPoint8 gather(const float* points, const unsigned int* offsets) {
+    AvxPoint8 p;
     for (int i = 0; i < 4; ++i) {
-      _mm_storeu_ps(to + 4 * i, _mm256_castps256_ps128(rows[i]));
-      _mm_storeu_ps(to + 4 * i + 16, _mm256_extractf128_ps(rows[i], 1));
+      p.rows[i] = loadRows(points + offsets[6 * i], points + offsets[6 * i + 3]);
     }
+    return p;
+  }
+  AvxPoint8 operator-(const AvxPoint8& b) const {
+    AvxPoint8 d;
+    for (int i = 0; i < 4; ++i) d.rows[i] = _mm256_sub_ps(rows[i], b.rows[i]);
+    return d;
+  }
+  void split(struct AvxFloat8& outX, struct AvxFloat8& outY, struct AvxFloat8& outZ) const;
+  static AvxPoint8 join(struct AvxFloat8 x, struct AvxFloat8 y, struct AvxFloat8 z);
+  void store(float* to) const {
+    for (int i = 0; i < 4; ++i) _mm256_storeu_ps(to + 8 * i, rows[i]);
   }
   // In ascending order, as each store writes over the float past the one before.
   void storeTripled(float* to) const {
-    for (int i = 0; i < 4; ++i) storeThrice(to + 9 * i, _mm256_castps256_ps128(rows[i]));
-    for (int i = 0; i < 4; ++i) storeThrice(to + 9 * i + 36, _mm256_extractf128_ps(rows[i], 1));
-  }
-
- private:
-  static void storeThrice(float* to, __m128 row) {
-    _mm_storeu_ps(to, row), _mm_storeu_ps(to + 3, row), _mm_storeu_ps(to + 6, row);
+    const __m256i front = _mm256_setr_epi32(0, 1, 2, 0, 1, 2, 0, 1);
+    const __m256i middle = _mm256_setr_epi32(2, 4, 5, 6, 4, 5, 6, 4);
+    for (int i = 0; i < 4; ++i) {
+      _mm256_storeu_ps(to + 18 * i, _mm256_permutevar8x32_ps(rows[i], front));
+      _mm256_storeu_ps(to + 18 * i + 8, _mm256_permutevar8x32_ps(rows[i], middle));
+      _mm_storeu_ps(to + 18 * i + 15, _mm256_extractf128_ps(rows[i], 1));
+    }
   }
 };
 
@@ -142,6 +173,7 @@ alignas(32) constexpr int kSelectedPairs[16][8] = {
 
 struct AvxFloat8 {
   using Wide = AvxDouble8;
+  using Points = AvxPoint8;
   static constexpr int kLanes = 8;
 
   __m256 lanes;
@@ -162,41 +194,14 @@ struct AvxFloat8 {
     return static_cast<unsigned int>(_mm256_movemask_ps(_mm256_cmp_ps(lanes, b.lanes, _CMP_GE_OQ)));
   }
 
-  static void gatherPoints(const float* points, const unsigned int* indices, AvxFloat8& outX,
-                           AvxFloat8& outY, AvxFloat8& outZ) {
-    __m256 r[4];  // lane by lane x, y, z and what follows, of points i and i + 4
-    for (int i = 0; i < 4; ++i) {
-      r[i] = rowPair(points + 3 * std::size_t(indices[3 * i]),
-                     points + 3 * std::size_t(indices[3 * i + 12]));
-    }
-    const __m256 xy01 = _mm256_unpacklo_ps(r[0], r[1]), xy23 = _mm256_unpacklo_ps(r[2], r[3]);
-    const __m256 z01 = _mm256_unpackhi_ps(r[0], r[1]), z23 = _mm256_unpackhi_ps(r[2], r[3]);
-    outX.lanes = _mm256_shuffle_ps(xy01, xy23, _MM_SHUFFLE(1, 0, 1, 0));
-    outY.lanes = _mm256_shuffle_ps(xy01, xy23, _MM_SHUFFLE(3, 2, 3, 2));
-    outZ.lanes = _mm256_shuffle_ps(z01, z23, _MM_SHUFFLE(1, 0, 1, 0));
-  }
-  static AvxPoint8 points(AvxFloat8 x, AvxFloat8 y, AvxFloat8 z) {
-    const __m256 zero = _mm256_setzero_ps();
-    const __m256 xy01 = _mm256_unpacklo_ps(x.lanes, y.lanes),
-                 xy23 = _mm256_unpackhi_ps(x.lanes, y.lanes);
-    const __m256 z01 = _mm256_unpacklo_ps(z.lanes, zero), z23 = _mm256_unpackhi_ps(z.lanes, zero);
-    return {{_mm256_shuffle_ps(xy01, z01, _MM_SHUFFLE(1, 0, 1, 0)),
-             _mm256_shuffle_ps(xy01, z01, _MM_SHUFFLE(3, 2, 3, 2)),
-             _mm256_shuffle_ps(xy23, z23, _MM_SHUFFLE(1, 0, 1, 0)),
-             _mm256_shuffle_ps(xy23, z23, _MM_SHUFFLE(3, 2, 3, 2))}};
-  }
   static AvxFloat8 dotRowsZYX(const float* rows, const unsigned int* pairs) {
     __m256 p[4];  // the products of pairs i and i + 4
     for (int i = 0; i < 4; ++i) {
-      const auto row = [&](int k) { return rows + 4 * std::size_t(pairs[k]); };
-      p[i] = _mm256_mul_ps(rowPair(row(2 * i), row(2 * i + 8)),
-                           rowPair(row(2 * i + 1), row(2 * i + 9)));
+      p[i] = _mm256_mul_ps(loadRows(rows + pairs[2 * i], rows + pairs[2 * i + 8]),
+                           loadRows(rows + pairs[2 * i + 1], rows + pairs[2 * i + 9]));
     }
-    const __m256 xy01 = _mm256_unpacklo_ps(p[0], p[1]), xy23 = _mm256_unpacklo_ps(p[2], p[3]);
-    const __m256 z01 = _mm256_unpackhi_ps(p[0], p[1]), z23 = _mm256_unpackhi_ps(p[2], p[3]);
-    const __m256 x = _mm256_shuffle_ps(xy01, xy23, _MM_SHUFFLE(1, 0, 1, 0));
-    const __m256 y = _mm256_shuffle_ps(xy01, xy23, _MM_SHUFFLE(3, 2, 3, 2));
-    const __m256 z = _mm256_shuffle_ps(z01, z23, _MM_SHUFFLE(1, 0, 1, 0));
+    __m256 x, y, z;
+    transposeRows(p, x, y, z);
     return {_mm256_add_ps(_mm256_add_ps(z, y), x)};
   }
   static unsigned int storeSelected(const unsigned int* pairs, unsigned int mask,
@@ -213,9 +218,6 @@ struct AvxFloat8 {
   }
 
  private:
-  static __m256 rowPair(const float* low, const float* high) {
-    return _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_loadu_ps(low)), _mm_loadu_ps(high), 1);
-  }
   static void storeFour(const unsigned int* pairs, unsigned int mask, unsigned int* to) {
     const __m256i all = _mm256_loadu_si256(reinterpret_cast<const __m256i*>(pairs));
     const __m256i places =
@@ -223,6 +225,20 @@ struct AvxFloat8 {
     _mm256_storeu_si256(reinterpret_cast<__m256i*>(to), _mm256_permutevar8x32_epi32(all, places));
   }
 };
+
+inline void AvxPoint8::split(AvxFloat8& outX, AvxFloat8& outY, AvxFloat8& outZ) const {
+  transposeRows(rows, outX.lanes, outY.lanes, outZ.lanes);
+}
+inline AvxPoint8 AvxPoint8::join(AvxFloat8 x, AvxFloat8 y, AvxFloat8 z) {
+  const __m256 zero = _mm256_setzero_ps();
+  const __m256 xy01 = _mm256_unpacklo_ps(x.lanes, y.lanes),
+               xy23 = _mm256_unpackhi_ps(x.lanes, y.lanes);
+  const __m256 z01 = _mm256_unpacklo_ps(z.lanes, zero), z23 = _mm256_unpackhi_ps(z.lanes, zero);
+  return {{_mm256_shuffle_ps(xy01, z01, _MM_SHUFFLE(1, 0, 1, 0)),
+           _mm256_shuffle_ps(xy01, z01, _MM_SHUFFLE(3, 2, 3, 2)),
+           _mm256_shuffle_ps(xy23, z23, _MM_SHUFFLE(1, 0, 1, 0)),
+           _mm256_shuffle_ps(xy23, z23, _MM_SHUFFLE(3, 2, 3, 2))}};
+}
 
 inline AvxFloat8 AvxDouble8::narrowed() const {
   return {_mm256_set_m128(_mm256_cvtpd_ps(high), _mm256_cvtpd_ps(low))};
