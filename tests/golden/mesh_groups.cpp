@@ -152,11 +152,11 @@ void runSteps(Recorder& r) {
       impl.ProcessEdges(data, *list);
       r.out(impl.mEdges);
       impl.ProcessGroupID(*list);
-      r.out(impl.mGroupIDs);
+      r.out(impl.mGroupIDs.get());
     }
     impl.ProcessTrianglesNormals(data, all, 0);
     impl.ProcessAABB();
-    r.out(impl.mAABB, impl.mMaterialAABBs.count(), impl.mSections);
+    r.out(impl.mAABB, impl.mMaterialAABBs.count(), impl.mSections.get());
     for (const auto& cell : impl.mMaterialAABBs.cells()) r.out(cell.key, cell.value, cell.next);
   }
 }

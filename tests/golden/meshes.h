@@ -121,10 +121,16 @@ inline UXS::uxs_autoptr<UXS::Mesh> newMesh() {
   return UXS::uxs_autoptr<UXS::Mesh>(mesh);
 }
 
+// After triangles were removed, until a full commit, the last sections may begin past the end.
+inline bool isEmptySection(const UXS::Mesh& mesh, unsigned int section) {
+  return mesh.GetTriangleIDFromSectionTriangleID(section, 0) >= mesh.GetTrianglesArray().size();
+}
+
 inline void outSections(Recorder& r, const UXS::Mesh& mesh) {
   r.out(mesh.GetVerticesArray(), mesh.GetTrianglesArray(), mesh.GetSectionsCount());
   for (unsigned int s = 0; s < mesh.GetSectionsCount(); ++s) {
-    r.out(mesh.GetSectionMaterialID(s), mesh.GetSectionTrianglesCount(s));
+    if (!isEmptySection(mesh, s)) r.out(mesh.GetSectionMaterialID(s));
+    r.out(mesh.GetSectionTrianglesCount(s));
     r.out(mesh.GetTriangleIDFromSectionTriangleID(s, 0));
   }
   for (unsigned int t = 0; t < mesh.GetTrianglesArray().size(); ++t) {
@@ -150,6 +156,7 @@ inline void outGroups(Recorder& r, const UXS::Mesh& mesh) {
 inline void outBoxes(Recorder& r, const UXS::Mesh& mesh) {
   r.out(mesh.GetAABB());
   for (unsigned int s = 0; s < mesh.GetSectionsCount(); ++s) {
+    if (isEmptySection(mesh, s)) continue;
     r.out(mesh.GetMaterialAABB(mesh.GetSectionMaterialID(s)));
   }
   r.out(mesh.GetMaterialAABB(12345));
