@@ -45,6 +45,7 @@
 #include "vexa/mesh/MeshImpl.h"
 #include "vexa/mesh/MeshSmoothData.h"
 #include "vexa/mesh/MeshSmoothList.h"
+#include "vexa/mesh/SharedVector.h"
 #include "vexa/mesh/SmallVector.h"
 #include "vexa/mesh/uxs_array.h"
 #include "vexa/mesh/uxs_autoptr.h"

@@ -47,7 +47,9 @@ Mesh::Impl::~Impl() {
 }
 
 unsigned int Mesh::Impl::GetSectionMaterialID(unsigned int section) const {
-  return entry(mMaterialIDs, entry(mSections, section));
+  // After triangles were removed, a section may begin past the last until a full commit.
+  const unsigned int first = entry(mSections, section);
+  return first < mMaterialIDs.size() ? mMaterialIDs[first] : 0;
 }
 
 unsigned int Mesh::Impl::GetSectionTrianglesCount(unsigned int section) const {

@@ -90,29 +90,34 @@ Box measureListed(const std::vector<Position>& positions, const unsigned int* be
   return boxOf(a, ioIsExact);
 }
 
-// Vertices one behind the other. Four of them fill three registers, eight of them six:
+// Adds the lanes of a register that starts with component `first` to a box.
+void extend(Box& ioBox, const Bounds& bounds, int first, bool& ioIsExact) {
+  constexpr float Position::*kAxes[3] = {&Position::x, &Position::y, &Position::z};
+  float low[4], high[4], sum[4];
+  bounds.store(low, high, sum);
+  for (int lane = 0; lane < 4; ++lane) {
+    float Position::*const axis = kAxes[(first + lane) % 3];
+    extend(ioBox.mMin.*axis, ioBox.mMax.*axis, low[lane]);
+    extend(ioBox.mMin.*axis, ioBox.mMax.*axis, high[lane]);
+    ioIsExact = ioIsExact && !std::isnan(sum[lane]);
+  }
+}
+
+// Vertices one behind the other. Four of them fill three registers:
 //   x0 y0 z0 x1 | y1 z1 x2 y2 | z2 x3 y3 z3
 Box measureConsecutive(const Position* begin, const Position* end, bool& ioIsExact) {
   Box box{*begin, *begin, true};
-  if (end - begin >= 8) {
+  if (end - begin >= 4) {
     const float* from = &begin->x;
-    const auto at = [&](int i) { return Float4::load(from + 4 * i); };
-    Bounds parts[6] = {Bounds(at(0)), Bounds(at(1)), Bounds(at(2)),
-                       Bounds(at(3)), Bounds(at(4)), Bounds(at(5))};
-    for (; end - begin >= 8; begin += 8, from += 24) {
-      for (int i = 0; i < 6; ++i) parts[i].add(at(i));
+    Bounds a(Float4::load(from)), b(Float4::load(from + 4)), c(Float4::load(from + 8));
+    for (begin += 4, from += 12; end - begin >= 4; begin += 4, from += 12) {
+      a.add(Float4::load(from));
+      b.add(Float4::load(from + 4));
+      c.add(Float4::load(from + 8));
     }
-    float Position::*const axes[3] = {&Position::x, &Position::y, &Position::z};
-    for (int i = 0; i < 6; ++i) {
-      float low[4], high[4], sum[4];
-      parts[i].store(low, high, sum);
-      for (int lane = 0; lane < 4; ++lane) {
-        float Position::*const axis = axes[(4 * i + lane) % 3];
-        extend(box.mMin.*axis, box.mMax.*axis, low[lane]);
-        extend(box.mMin.*axis, box.mMax.*axis, high[lane]);
-        ioIsExact = ioIsExact && !std::isnan(sum[lane]);
-      }
-    }
+    extend(box, a, 0, ioIsExact);
+    extend(box, b, 1, ioIsExact);
+    extend(box, c, 2, ioIsExact);
   }
   for (; begin != end; ++begin) {
     ioIsExact = ioIsExact && *begin == *begin;  // NOLINT(misc-redundant-expression): not NaN
@@ -125,13 +130,12 @@ bool hasZero(const Position& p) { return p.x == 0 || p.y == 0 || p.z == 0; }
 
 // Without a branch, so that the compiler tests several at once.
 bool hasMinusZero(const std::vector<Position>& positions) {
-  constexpr std::uint32_t kMinusZero = 0x80000000;
+  const float* const values = &positions[0].x;
   std::uint32_t found = 0;
-  for (const Position& p : positions) {
-    std::uint32_t bits[3];
-    std::memcpy(bits, &p, sizeof(bits));
-    found |= std::uint32_t(bits[0] == kMinusZero) | std::uint32_t(bits[1] == kMinusZero) |
-             std::uint32_t(bits[2] == kMinusZero);
+  for (std::size_t i = 0; i < 3 * positions.size(); ++i) {
+    std::uint32_t bits;
+    std::memcpy(&bits, values + i, sizeof(bits));
+    found |= std::uint32_t(bits == 0x80000000);
   }
   return found != 0;
 }

@@ -157,7 +157,9 @@ template <class T, class Index>
 bool uxs_array<T, Index>::assign(Index n, const T& x) try {
   const T value = x;
   if (mCapacity < n && !reserve(n)) return false;
-  for (mSize = 0; mSize < n; ++mSize) mData[mSize] = value;
+  mSize = 0;  // what an exception leaves
+  for (Index i = 0; i < n; ++i) mData[i] = value;
+  mSize = n;
   return true;
 } catch (...) {
   return false;
