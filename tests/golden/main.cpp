@@ -103,7 +103,7 @@ bool printFirstDifference(const std::vector<std::string>& recorded,
   return false;
 }
 
-int check(const Groups& groups, const std::string& path) {
+int check(const Groups& groups, const std::string& path, bool stopsAtFirst) {
   const auto digests = linesOf(path);
   const auto samples = linesOf(path.substr(0, path.rfind('/') + 1) + "samples.txt");
   const auto has = [](const auto& lines, const std::string& group, const std::string& line) {
@@ -131,6 +131,7 @@ int check(const Groups& groups, const std::string& path) {
       continue;
     }
     ++differences;
+    if (stopsAtFirst) return 1;
     std::printf("%s: %s\n", group.mName.c_str(),
                 isRecorded ? "the results changed" : "not recorded");
     if (isExact && isRecorded && !printFirstDifference(sample->second, result.mSamples, true)) {
@@ -168,13 +169,16 @@ int printCases(const Groups& groups, const std::string& name) {
 
 int main(int argc, char** argv) {
   const Groups groups = allGroups();
-  const std::string option = argc > 1 ? argv[1] : "";
-  if (argc == 1) return print(groups, false);
-  if (argc == 2 && option == "--samples") return print(groups, true);
-  if (argc == 3 && option == "--check") return check(groups, argv[2]);
-  if (argc == 3 && option == "--cases") return printCases(groups, argv[2]);
+  const std::vector<std::string> words(argv + 1, argv + argc);
+  const std::string option = words.empty() ? "" : words[0];
+  if (words.empty()) return print(groups, false);
+  if (words.size() == 1 && option == "--samples") return print(groups, true);
+  if (words.size() == 2 && option == "--check") return check(groups, words[1], false);
+  if (words.size() == 2 && option == "--first") return check(groups, words[1], true);
+  if (words.size() == 2 && option == "--cases") return printCases(groups, words[1]);
   std::puts(
-      "usage: golden [--check DIGESTS | --samples | --cases GROUP]\n"
-      "Prints the digest of each group, or compares them with recorded ones.");
+      "usage: golden [--samples | --check DIGESTS | --first DIGESTS | --cases GROUP]\n"
+      "Prints the digest of each group, or compares them with recorded ones; --first stops at the\n"
+      "first group that differs and prints nothing.");
   return 2;
 }
