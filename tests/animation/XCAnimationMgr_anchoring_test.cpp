@@ -5,7 +5,6 @@
 #include "tests/helpers/compare.h"
 #include "vexa/animation/CZelObjectInstanceTool.h"
 #include "vexa/animation/XCAnimationMgr.h"
-#include "vexa/animation/matrix_conversion.h"
 
 using namespace vexa::refhost;
 using Norvel::Vexa::ux_matrix44;
@@ -39,15 +38,6 @@ Matrix placed(const Instance& instance, float scale = 1, const Matrix& parent = 
 }
 
 }  // namespace
-
-TEST(MatrixConversion, OneWayTransposes) {
-  UxZel::CZelMatrix host;
-  for (int i = 0; i < 16; ++i) host.mElements[i / 4][i % 4] = i;
-  const Matrix ours = Norvel::Vexa::Zel2UxWorks(host);
-  EXPECT_EQ(ours(0, 3), 3);
-  const UxZel::CZelMatrix back = Norvel::Vexa::UxWorks2Zel(ours);
-  for (int i = 0; i < 16; ++i) EXPECT_EQ(back.mElements[i % 4][i / 4], i);
-}
 
 // Scaled by 2 and 3 along x and y, turned a quarter to the left, put at (10, 20, 30).
 TEST(ObjectInstanceTool, ScalesThenTurnsThenMoves) {
@@ -102,46 +92,6 @@ TEST(Anchoring, OnlyTheFirstInstanceIsFound) {
   expectPoint(origin(1), 0, 0, 0);  // it is not found, hence no chain at all
   scene.mInstances.mElements[0].mParent = numberedUUID(1);  // its own parent
   expectPoint(origin(0), 10, 0, 0);
-}
-
-/// A scene whose first element is another one at every look: the way to a chain of several.
-struct ShiftingList final : UxZel::TZelObjectMgr<UxZel::IZelObjectInstance> {
-  mutable std::vector<Instance> mElements;
-  mutable std::size_t mNext = 0;
-
-  int GetCount() const override { return int(mElements.size()); }
-  void RemoveAt(unsigned int) override {}
-  UxZel::IZelObjectInstance* GetAt(int) const override {
-    return &mElements[mNext++ % mElements.size()];
-  }
-  void InsertAt(unsigned int) override {}
-};
-struct ShiftingScene final : UxZel::IZelMgr {
-  mutable ShiftingList mInstances;
-
-  UxZel::TZelObjectMgr<UxZel::IZelObjectInstance>* GetObjectInstances() const override {
-    return &mInstances;
-  }
-  UxZel::TZelObjectMgr<UxZel::IZelSettings>* GetSettingsList() const override { return nullptr; }
-  UxZel::TZelObjectMgr<UxZel::IZel3DPath>* Get3DPaths() const override { return nullptr; }
-};
-
-// A leaf on a plant on a terrace. Each scales what is inside by the mean of its own factors.
-TEST(Anchoring, AChainOfParentsAndLoopsInIt) {
-  ShiftingScene scene;
-  scene.mInstances.mElements = {instanceAt(3, {1, 0, 0}, 2), instanceAt(2, {10, 0, 0}, 1),
-                                instanceAt(1, {100, 0, 0})};
-  double* scale = scene.mInstances.mElements[2].mScale;
-  scale[0] = 2, scale[1] = -3, scale[2] = 1;  // mean 2
-  const XCAnimationMgr manager;
-  const auto leafAt = [&](const Point& p) {
-    scene.mInstances.mNext = 0;
-    return manager.GetLocal2WorldMatrix(&scene, &scene.mInstances.mElements[0]) * p;
-  };
-  expectPoint(leafAt({0, 0, 0}), 100 + 2 * (10 + 2 * 1), 0, 0);
-  expectPoint(leafAt({1, 0, 0}), 100 + 2 * (10 + 2 * (1 + 2)), 0, 0);
-  scene.mInstances.mElements[2].mParent = numberedUUID(3);  // the terrace on the leaf
-  expectPoint(leafAt({0, 0, 0}), 100 + 2 * (10 + 2 * 1), 0, 0);
 }
 
 TEST(Anchoring, AnchorsGoIntoTheParentsSpace) {

@@ -1,10 +1,7 @@
 #include <cmath>
 #include <functional>
 #include <gtest/gtest.h>
-#include <limits>
-#include <rapidcheck/gtest.h>
 #include <string>
-#include <vector>
 
 #include "refhost/scenes/paths.h"
 #include "refhost/scenes/walker.h"
@@ -97,27 +94,6 @@ TEST(Driving, ShowsTheTakeFrame) {
   EXPECT_EQ(stage.driven(99).mInteger, 3) << "before the first key";
 }
 
-TEST(Driving, SelectionOfAFrame) {
-  Stage stage(scenes::parade(1));
-  Scene& scene = stage.mScene;
-  int cycles = 99;
-  const auto select = [&](int frame, int speed, bool wrapFreely, bool addOffset) {
-    return stage.mManager
-        .GetAnimatedObjectFrame(&scene, &stage.walker(), &scene.mDefinitions[0],
-                                &scene.mProperties[0], frame, cycles, speed, wrapFreely, addOffset)
-        .mInteger;
-  };
-  EXPECT_EQ(select(24, 0, true, false), 24);
-  EXPECT_EQ(select(25, 0, true, false), 1) << "a new cycle starts with frame 1";
-  EXPECT_EQ(cycles, 1);
-  EXPECT_EQ(select(50, 0, false, false), 0) << "cyclic, without wrapping freely";
-  EXPECT_EQ(cycles, 2);
-  EXPECT_EQ(select(20, 50, true, false), 16) << "twice as fast: 40 frames in";
-  stage.walker().mState.mFrameOffset = -30;
-  scene.mSettings.mElements[0].mTimeScale = 50;  // 1 take frame in 2 host frames
-  EXPECT_EQ(select(20, 0, true, true), 10 - 60);
-}
-
 TEST(Driving, AnchorOfAnObject) {
   Stage stage(scenes::parade(1));
   stage.take().mElevation = 0.1;
@@ -169,30 +145,6 @@ TEST_P(WalkingAnyWay, TheAnchorStaysOnACircleForTwoHundredFrames) {
   }
   EXPECT_LT(worst, 5e-6) << "a rounding or two of the way covered, as a float";
   EXPECT_NEAR(covered, 8 * kWalkerStride + kWalkerStride / 24, 1e-12);
-}
-
-// The foot that carries stays where it is, but for what the turn of the body moves it: it is less
-// than one unit away from the anchor.
-TEST(Walking, TheStandingFootSlidesNoMoreThanTheTurn) {
-  for (const double radius : {5.0, 50.0, 500.0}) {
-    Stage stage(scenes::walk(scenes::circlePath(radius), 1, 1000));
-    const double step = kWalkerStride / 24, turn = step / radius;  // per frame
-    // The path's table of lengths is good to 1 % of a step.
-    const double allowed = turn * 1.0 + step * 0.011;
-    const auto feetAt = [&](int frame) {
-      const int shown = std::min(stage.driven(frame).mInteger, kWalkerFrames - 1);
-      return std::pair(stage.vertexAt(8, shown), stage.vertexAt(16, shown));
-    };
-    auto last = feetAt(0);
-    for (int frame = 1; frame < kWalkerFrames; ++frame) {
-      const auto now = feetAt(frame);
-      const bool rightStands = frame <= 12;
-      const double slide = rightStands ? horizontalDistance(now.second, last.second)
-                                       : horizontalDistance(now.first, last.first);
-      EXPECT_LE(slide, allowed) << frame << " on radius " << radius;
-      last = now;
-    }
-  }
 }
 
 namespace {
@@ -279,63 +231,6 @@ TEST(Walking, HeightAndScale) {
   EXPECT_NEAR(walker.mAnchor.x, 30, 1e-5) << "and at the end of the path";
 }
 
-namespace {
-
-/// Writes down, in order, what is set on an instance.
-struct Witness final : UxZel::IZelObjectInstance, UxZel::IZelAnimationState {
-  const UxZel::CZelUUID mNone{};
-  const double mScale[3] = {1, 1, 1};
-  std::vector<std::string> mCalls;
-
-  const UxZel::IZelIdentity* GetIdentity() const override { return nullptr; }
-  const char* GetClassName() const override { return ""; }
-  const UxZel::CZelUUID* GetParentUUID() const override { return &mNone; }
-  void SetAnchor(const UxZel::CZelPoint*) override { mCalls.emplace_back("anchor"); }
-  const double* GetScale() const override { return mScale; }
-  const UxZel::CZelPoint* GetPosition() const override { return nullptr; }
-  void SetPosition(const UxZel::CZelPoint*) override { mCalls.emplace_back("position"); }
-  double GetRotation() const override { return 0; }
-  void SetRotation(double) override { mCalls.emplace_back("rotation"); }
-  UxZel::IZelAnimationState* GetAnimationState() const override {
-    return const_cast<Witness*>(this);
-  }
-  const UxZel::CZelVector* GetDirection() const override { return nullptr; }
-  void SetDirection(const UxZel::CZelVector*) override { mCalls.emplace_back("direction"); }
-  bool GetPlantGroupFlag() const override { return false; }
-  bool GetBillboardEnabled() const override { return false; }
-
-  int GetCurrentFrame() const override { return 7; }
-  void SetCurrentFrame(int frame) override { mCalls.push_back("frame " + std::to_string(frame)); }
-  unsigned int GetTakeIndex() const override { return 0; }
-  int GetStartOffset() const override { return 25; }
-  void SetStartOffset(int frames) override { mCalls.push_back("start " + std::to_string(frames)); }
-  int GetFrameOffset() const override { return 0; }
-};
-
-std::vector<std::string> callsOf(Stage& stage, int frame) {
-  Witness witness;
-  stderrOf([&] {
-    stage.mManager.ManageAnimatedObjectInstance(&stage.mScene, &witness,
-                                                &stage.mScene.mDefinitions[0],
-                                                &stage.mScene.mProperties[0], frame, nullptr);
-  });
-  return witness.mCalls;
-}
-
-}  // namespace
-
-TEST(Driving, CallsTheHostInOrderAndNotAtAllOnFailure) {
-  using Calls = std::vector<std::string>;
-  Stage walking(scenes::walk(scenes::straightPath(30), 1, 1000));
-  EXPECT_EQ(callsOf(walking, 30),
-            Calls({"rotation", "direction", "position", "anchor", "start 25"}));
-  walking.mScene.mPaths.mElements[0].mPoints.mElements.resize(1);
-  EXPECT_EQ(callsOf(walking, 30), Calls());
-  Stage showing(scenes::parade(1));
-  EXPECT_EQ(callsOf(showing, 8), Calls({"frame 8"}));
-  EXPECT_EQ(callsOf(showing, 7), Calls()) << "shown already";
-}
-
 TEST(Driving, EveryFaultGivesZeroAndALine) {
   const auto keys = [](Stage & s) -> auto& { return s.mScene.mProperties[0].mKeys.mElements; };
   const std::string selection = "XCAnimationMgr::GetAnimatedObjectFrame : ";
@@ -376,34 +271,4 @@ TEST(Driving, WithoutAnimatedObjectTheFirstKeyHolds) {
     stage.walker().mDefinition = kNone;
     EXPECT_EQ(stage.driven(30).mInteger, 5);
   }
-}
-
-// A walker that was never registered has no stride: it stands at the start of the path.
-TEST(Walking, WithoutARecordItWaitsAtTheStart) {
-  Stage stage(scenes::walk(scenes::circlePath(3), 1, 1000), false);
-  EXPECT_EQ(stage.driven(30).mInteger, 6);
-  EXPECT_EQ(stage.walker().mPosition.x, 3);
-  EXPECT_EQ(stage.walker().mRotation, 0);
-}
-
-// Whatever numbers the host holds, driving ends: no trap, no hang.
-RC_GTEST_PROP(Driving, EndsInADefinedResultOnAnyNumbers, ()) {
-  static Stage showing(scenes::parade(1)), walking(scenes::walk(scenes::windingPath(2), 1, 100));
-  Stage& stage = *rc::gen::arbitrary<bool>() ? showing : walking;
-  const auto number = rc::gen::oneOf(
-      rc::gen::inRange(-2, 30), rc::gen::arbitrary<int>(),
-      rc::gen::element(std::numeric_limits<int>::min(), std::numeric_limits<int>::max()));
-  stage.mScene.mSettings.mElements[0].mTimeScale = *number;
-  stage.take().mFrameCount = *number;
-  stage.take().mFrameRate = *number;
-  stage.walker().mState.mStartOffset = *number;
-  stage.walker().mState.mFrameOffset = *number;
-  Property& property = stage.mScene.mProperties[0];
-  property.mCyclic = *rc::gen::arbitrary<bool>();
-  property.mRepeatCount = *number;
-  for (Key& key : property.mKeys.mElements) key.mFrame = *number;
-  const int frame = *number;
-  const std::string text = stderrOf([&] { stage.driven(frame); });
-  RC_ASSERT(text.empty() || text.rfind("XCAnimationMgr::ManageAnimatedObjectInstance - ", 0) == 0);
-  RC_ASSERT(std::isfinite(stage.walker().mPosition.x));
 }

@@ -2,13 +2,8 @@
 
 #include <cmath>
 #include <gtest/gtest.h>
-#include <limits>
-
-#include "tests/helpers/compare.h"
-#include "tests/helpers/vtable_slot.h"
 
 using Norvel::Vexa::XCDateInterpolation;
-using vexa::tests::whatOf;
 
 namespace {
 
@@ -26,11 +21,6 @@ double at(double time, std::int64_t start, std::int64_t end) {
 }
 
 }  // namespace
-
-TEST(DateInterpolation, EndsComeBackAsStored) {
-  EXPECT_EQ(at(0, kMidnight + 1, kMidnight + 9 * kDay + 7), double(kMidnight + 1));
-  EXPECT_EQ(at(std::nan(""), 1, kMidnight + 7), double(kMidnight + 7));
-}
 
 // Up to one day, a straight line to the second, and always from the earlier date.
 TEST(DateInterpolation, WithinADay) {
@@ -54,41 +44,4 @@ TEST(DateInterpolation, WeeksInStepsOf128Seconds) {
 TEST(DateInterpolation, BackwardsMixesBothOrders) {
   const std::int64_t start = kMidnight + 2 * kDay + 6 * kHour, end = kMidnight + 18 * kHour;
   EXPECT_EQ(at(2, start, end), double(kMidnight + kDay + 15 * kHour + 16));
-}
-
-TEST(DateInterpolation, DatesWithoutACalendarYearAreDefined) {
-  constexpr std::int64_t kFirst = std::numeric_limits<std::int64_t>::min();
-  constexpr std::int64_t kLast = std::numeric_limits<std::int64_t>::max();
-  // Neither end has a date: both read as a fresh time, 2008-01-01 00:00, a multiple of 128 s.
-  EXPECT_EQ(at(4, kFirst / 2, kLast / 2), 1199145600.0);
-}
-
-TEST(DateInterpolation, RefusesBadTimesAndKeepsWhatItHas) {
-  const auto make = [](double start, double end) {
-    return whatOf([=] { XCDateInterpolation(start, end, date(0), date(1)); });
-  };
-  EXPECT_EQ(make(1, 1), "XCInterpolation::XCInterpolation - startTime superior to endtime");
-  EXPECT_EQ(make(1, std::nan("")),
-            "XCDateInterpolation::XCDateInterpolation - startTime superior to endtime");
-  XCDateInterpolation dates(0, 8, date(0), date(8));
-  EXPECT_EQ(whatOf([&] { dates.setStartTime(8); }),
-            "XTDateInterpolation::setStartTime - inStartTime superior at end Time");
-  EXPECT_EQ(whatOf([&] { dates.setEndTime(std::nan("")); }),
-            "XTDateInterpolation::setEndTime - inEndTime inferior at start Time");
-  EXPECT_EQ(whatOf([&] { dates.valueAt(8.5); }),
-            "XCDateInterpolation::valueAt - inTime is out of range");
-  EXPECT_EQ(dates.valueAt(1), 1);
-  dates.setEndTime(16);
-  dates.setStartValue(date(4));
-  dates.setEndValue(date(6));
-  EXPECT_EQ(dates.valueAt(8), 5);
-  EXPECT_EQ(dates.getStartValue()->mDate, 4);
-}
-
-TEST(DateInterpolation, VirtualOperationsFollowTheDestructorsInOrder) {
-  using Dates = XCDateInterpolation;
-  EXPECT_TRUE(vexa::tests::standInOrderFrom(
-      2, &Dates::getStartTime, &Dates::getEndTime, &Dates::setStartTime, &Dates::setEndTime,
-      &Dates::getStartValue, &Dates::getEndValue, &Dates::setStartValue, &Dates::setEndValue,
-      &Dates::valueAt));
 }

@@ -1,7 +1,9 @@
 // The recorded results: runs every group of operations over fixed inputs and compares the digests
 // of the result bits with those that were recorded. See docs/testing.md.
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <fstream>
 #include <map>
@@ -45,12 +47,21 @@ void runLibm(Recorder& r) {
   }
 }
 
-Groups allGroups() {
+/// The groups of some source files, such as "mesh"; all for none.
+Groups groupsOf(const std::vector<std::string>& names) {
+  const struct {
+    const char* mName;
+    void (*mAdd)(Groups&);
+  } kFiles[] = {{"math", addMathGroups},       {"interpolation", addInterpolationGroups},
+                {"key", addKeyGroups},         {"path", addPathGroups},
+                {"mesh", addMeshGroups},       {"collector", addCollectorGroups},
+                {"manager", addManagerGroups}, {"tool", addToolGroups},
+                {"support", addSupportGroups}};
   Groups groups{{"libm_itself", Kind::kLibm, runLibm}};
-  for (const auto add :
-       {addMathGroups, addInterpolationGroups, addKeyGroups, addPathGroups, addMeshGroups,
-        addCollectorGroups, addManagerGroups, addToolGroups, addSupportGroups}) {
-    add(groups);
+  for (const auto& file : kFiles) {
+    if (names.empty() || std::find(names.begin(), names.end(), file.mName) != names.end()) {
+      file.mAdd(groups);
+    }
   }
   return groups;
 }
@@ -168,17 +179,20 @@ int printCases(const Groups& groups, const std::string& name) {
 }  // namespace
 
 int main(int argc, char** argv) {
-  const Groups groups = allGroups();
-  const std::vector<std::string> words(argv + 1, argv + argc);
+  setenv("TZ", "XYZ+5:30", 1);  // dates are in UTC wherever the program runs
+  std::vector<std::string> words(argv + 1, argv + argc);
   const std::string option = words.empty() ? "" : words[0];
-  if (words.empty()) return print(groups, false);
-  if (words.size() == 1 && option == "--samples") return print(groups, true);
-  if (words.size() == 2 && option == "--check") return check(groups, words[1], false);
-  if (words.size() == 2 && option == "--first") return check(groups, words[1], true);
-  if (words.size() == 2 && option == "--cases") return printCases(groups, words[1]);
+  if (words.empty()) return print(groupsOf({}), false);
+  if (words.size() == 1 && option == "--samples") return print(groupsOf({}), true);
+  if (words.size() == 2 && option == "--cases") return printCases(groupsOf({}), words[1]);
+  if (words.size() >= 2 && (option == "--check" || option == "--first")) {
+    const std::string path = words[1];
+    words.erase(words.begin(), words.begin() + 2);
+    return check(groupsOf(words), path, option == "--first");
+  }
   std::puts(
-      "usage: golden [--samples | --check DIGESTS | --first DIGESTS | --cases GROUP]\n"
+      "usage: golden [--samples | --cases GROUP | --check DIGESTS [NAME ...] | --first ...]\n"
       "Prints the digest of each group, or compares them with recorded ones; --first stops at the\n"
-      "first group that differs and prints nothing.");
+      "first group that differs and prints nothing. NAME_groups.cpp holds the groups of a NAME.");
   return 2;
 }

@@ -261,6 +261,18 @@ void runConversions(Recorder& r) {
   }
 }
 
+// The constants, as they come out of the library.
+void runConstants(Recorder& r) {
+  using Axes = UXS::uxs_generic_vec3_consts<float>;
+  r.begin();
+  r.out(Axes::UXS_VEC3_ZERO, Axes::UXS_X_AXIS_UNIT, Axes::UXS_Y_AXIS_UNIT, Axes::UXS_Z_AXIS_UNIT);
+  r.out(Axes::UXS_MINUS_X_AXIS_UNIT, Axes::UXS_MINUS_Y_AXIS_UNIT, Axes::UXS_MINUS_Z_AXIS_UNIT);
+  r.out(Oru::TVector2D<float>::ZeroVector, Oru::TVector3D<float>::ZeroVector);
+  const Oru::TQuaternion<float> q = Oru::TQuaternion<float>::Identity;
+  const Oru::TQuaternion<double> p = Oru::TQuaternion<double>::Identity;
+  r.out(Oru::TVector3D<double>::ZeroVector, q.x, q.y, q.z, q.w, p.x, p.y, p.z, p.w);
+}
+
 template <class T>
 void addOf(Groups& out) {
   const std::string type = suffix<T>();
@@ -278,6 +290,7 @@ void addOf(Groups& out) {
 void addMathGroups(Groups& out) {
   addOf<float>(out);
   addOf<double>(out);
+  out.push_back({"constants", Kind::kArithmetic, runConstants});
   out.push_back({"host_values", Kind::kArithmetic, runHostValues});
   out.push_back({"conversions", Kind::kArithmetic, runConversions});
 }

@@ -70,13 +70,18 @@ void runViews(Recorder& r, bool rolls) {
   Numbers& n = r.numbers();
   for (int i = 0; i < 3000; ++i) {
     r.begin();
-    const V3 dir = drawDirection(n), position = drawDirection(n);
-    V3 target = n.oneIn(3) ? position : drawDirection(n);
+    const V3 dir = drawDirection(n);
+    V3 position = drawDirection(n), target = n.oneIn(3) ? position : drawDirection(n);
     const float steps[] = {0, 1e-7f, 1.2e-7f, 1.3e-7f, -1.2e-7f, 2.5e-7f};
     const float step = n.oneOf(steps);
     if (n.oneIn(2)) target.x += n.oneIn(2) ? step : step * position.x;
     const float angles[] = {90, 180, 45, -30, 360, 1e-3f};
     const float roll = !rolls ? 0 : n.oneIn(3) ? n.any<float>() : n.oneOf(angles);
+    if (n.oneIn(20)) {  // as far apart as two places may be that count as one
+      position.x = 2 - 2.3841858e-07f;
+      target = position;
+      target.x = 2;
+    }
     r.in("dir", dir).in("position", position).in("target", target).in("roll", roll);
     V3 up, right;
     UXS::get_up_right_vectors(dir, roll, up, right);
