@@ -29,16 +29,16 @@ importer::ImportedModel importOrSayWhichFile(const Options& options) {
 void importModelFile(const Options& options) {
   const importer::ImportedModel model = importOrSayWhichFile(options);
   const importer::ImportFiles files = importer::writeImport(model, options.stem);
-  std::printf("%zu vertices, %zu triangles, %zu nodes\n", model.mesh.points.size(),
-              model.mesh.triangles.size(), model.animation.mNodes.size());
-  for (const auto& take : model.takes) {
-    std::printf("take \"%s\": %d frames at %d per second\n", take.name.c_str(), take.frameCount,
-                take.framesPerSecond);
+  std::printf("%zu vertices, %zu triangles, %zu nodes\n", model.mMesh.points.size(),
+              model.mMesh.triangles.size(), model.mAnimation.mNodes.size());
+  for (const auto& take : model.mTakes) {
+    std::printf("take \"%s\": %d frames at %g per second\n", take.mName.c_str(), take.mFrameCount,
+                take.mFramesPerSecond);
   }
-  for (const std::string& note : model.notes) std::printf("note: %s\n", note.c_str());
+  for (const std::string& note : model.mNotes) std::printf("note: %s\n", note.c_str());
   std::printf(
       "largest difference to the importer's own skinning: %.3g of the model's size, in %zu poses\n",
-      files.mCheck.largestDifference, files.mCheck.poseCount);
+      files.mCheck.mLargestDifference, files.mCheck.mPoseCount);
   for (const std::string& file : files.mFiles) std::puts(file.c_str());
 }
 
@@ -53,9 +53,9 @@ void addImport(CLI::App& app) {
   command->add_option("--out", options->stem, "writes STEM.amo, STEM.obj and STEM.json")
       ->required()
       ->type_name("STEM");
-  command->add_option("--clip", options->import.clips, "only this clip; may be repeated");
-  command->add_option("--fps", options->import.framesPerSecond, "frames per second")
-      ->check(CLI::Range(1, 1000))
+  command->add_option("--clip", options->import.mClips, "only this clip; may be repeated");
+  command->add_option("--fps", options->import.mFramesPerSecond, "frames per second")
+      ->check(CLI::PositiveNumber)
       ->capture_default_str();
   command->add_option("--up", options->up, "the model's upward axis, whatever its file says")
       ->check(CLI::IsMember({"y", "z"}))
@@ -68,9 +68,9 @@ void addImport(CLI::App& app) {
       ->delimiter(',');
   command->footer("Example: vexa import bison.x --clip Walk --out walk");
   command->callback([options] {
-    if (options->up == "y") options->import.up = importer::UpAxis::Y;
-    if (options->up == "z") options->import.up = importer::UpAxis::Z;
-    options->import.travel = {options->travel[0], options->travel[1], 0};
+    if (options->up == "y") options->import.mUp = importer::UpAxis::Y;
+    if (options->up == "z") options->import.mUp = importer::UpAxis::Z;
+    options->import.mTravel = {options->travel[0], options->travel[1], 0};
     importModelFile(*options);
   });
 }

@@ -5,10 +5,10 @@
 #include <map>
 #include <sstream>
 #include <stdexcept>
-#include <tiny_gltf.h>
 #include <tuple>
 
 #include "formats/finite.h"
+#include "formats/tinygltf_internal.h"
 #include "formats/write_file.h"
 
 namespace vexa::formats {

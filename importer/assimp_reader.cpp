@@ -9,12 +9,12 @@
 #include <cctype>
 #include <cmath>
 #include <new>
-#include <set>
 #include <stdexcept>
 #include <unordered_map>
 #include <unordered_set>
 
 #include "importer/assimp_reader_internal.h"
+#include "importer/unique_names_internal.h"
 
 namespace vexa::importer {
 
@@ -73,17 +73,17 @@ NodeIndices readNodes(const aiNode& root, SourceModel& outModel) {
   NodeIndices byName;
   std::unordered_map<const aiNode*, std::int32_t> indices;
   for (const aiNode* node : parentsFirst(listNodes(root))) {
-    const auto index = static_cast<std::int32_t>(outModel.nodes.size());
+    const auto index = std::int32_t(outModel.mNodes.size());
     const auto parent = indices.find(node->mParent);
     const bool isRoot = index == 0;
     indices.emplace(node, index);
     // A parent outside the tree: the root takes its place.
     const std::int32_t above = parent != indices.end() ? parent->second : 0;
-    outModel.nodes.push_back({toString(node->mName), isRoot ? SourceModel::kNone : above,
-                              toMatrix(node->mTransformation)});
-    byName.emplace(outModel.nodes.back().name, index);
+    outModel.mNodes.push_back({toString(node->mName), isRoot ? SourceModel::kNone : above,
+                               toMatrix(node->mTransformation)});
+    byName.emplace(outModel.mNodes.back().mName, index);
     for (unsigned i = 0; i < node->mNumMeshes; ++i) {
-      outModel.instances.push_back({index, static_cast<std::int32_t>(node->mMeshes[i])});
+      outModel.mInstances.push_back({index, std::int32_t(node->mMeshes[i])});
     }
   }
   return byName;
@@ -98,12 +98,12 @@ std::int32_t find(const NodeIndices& byName, const std::string& name) {
 
 SourceModel::Bone readBone(const aiBone& bone, const NodeIndices& byName) {
   SourceModel::Bone result;
-  result.name = toString(bone.mName);
-  result.node = find(byName, result.name);
-  result.offset = toMatrix(bone.mOffsetMatrix);
-  result.influences.reserve(bone.mNumWeights);
+  result.mName = toString(bone.mName);
+  result.mNode = find(byName, result.mName);
+  result.mOffset = toMatrix(bone.mOffsetMatrix);
+  result.mInfluences.reserve(bone.mNumWeights);
   for (unsigned i = 0; i < bone.mNumWeights; ++i) {
-    result.influences.push_back({bone.mWeights[i].mVertexId, double(bone.mWeights[i].mWeight)});
+    result.mInfluences.push_back({bone.mWeights[i].mVertexId, double(bone.mWeights[i].mWeight)});
   }
   return result;
 }
@@ -114,7 +114,7 @@ std::size_t readTriangles(const aiMesh& mesh, SourceModel::Mesh& outMesh) {
   for (unsigned i = 0; i < mesh.mNumFaces; ++i) {
     const aiFace& face = mesh.mFaces[i];
     if (face.mNumIndices == 3) {
-      outMesh.triangles.emplace_back(face.mIndices[0], face.mIndices[1], face.mIndices[2]);
+      outMesh.mTriangles.emplace_back(face.mIndices[0], face.mIndices[1], face.mIndices[2]);
     } else {
       ++others;
     }
@@ -125,33 +125,45 @@ std::size_t readTriangles(const aiMesh& mesh, SourceModel::Mesh& outMesh) {
 void readPoints(const aiMesh& mesh, SourceModel::Mesh& outMesh) {
   for (unsigned i = 0; i < mesh.mNumVertices; ++i) {
     const aiVector3D& p = mesh.mVertices[i];
-    outMesh.points.emplace_back(p.x, p.y, p.z);
+    outMesh.mPoints.emplace_back(p.x, p.y, p.z);
   }
   if (!mesh.HasTextureCoords(0)) return;
   for (unsigned i = 0; i < mesh.mNumVertices; ++i) {
-    outMesh.uvs.emplace_back(mesh.mTextureCoords[0][i].x, mesh.mTextureCoords[0][i].y);
+    outMesh.mUvs.emplace_back(mesh.mTextureCoords[0][i].x, mesh.mTextureCoords[0][i].y);
   }
 }
 
 void readMesh(const aiMesh& mesh, const NodeIndices& byName, SourceModel& outModel) {
   SourceModel::Mesh result;
-  result.name = toString(mesh.mName);
-  result.material = mesh.mMaterialIndex;
+  result.mName = toString(mesh.mName);
+  result.mMaterial = mesh.mMaterialIndex;
   if (mesh.HasPositions()) readPoints(mesh, result);
   const std::size_t others = readTriangles(mesh, result);
   if (others > 0) {
-    outModel.notes.push_back("mesh '" + result.name + "': " + std::to_string(others) +
-                             " points or lines are left out");
+    outModel.mNotes.push_back("mesh '" + result.mName + "': " + std::to_string(others) +
+                              " points or lines are left out");
   }
   for (unsigned i = 0; i < mesh.mNumBones; ++i) {
-    result.bones.push_back(readBone(*mesh.mBones[i], byName));
+    result.mBones.push_back(readBone(*mesh.mBones[i], byName));
   }
-  outModel.meshes.push_back(std::move(result));
+  outModel.mMeshes.push_back(std::move(result));
 }
 
-std::string readMaterial(const aiMaterial& material) {
-  aiString name;
-  return material.Get(AI_MATKEY_NAME, name) == AI_SUCCESS ? toString(name) : std::string();
+SourceModel::Material readMaterial(const aiMaterial& material) {
+  SourceModel::Material result;
+  aiString text;
+  if (material.Get(AI_MATKEY_NAME, text) == AI_SUCCESS) result.mName = toString(text);
+  aiColor4D color;
+  if (material.Get(AI_MATKEY_COLOR_DIFFUSE, color) == AI_SUCCESS) {
+    result.mColor = {double(color.r), double(color.g), double(color.b), double(color.a)};
+    result.mHasColor = true;
+  }
+  // "*0" is a picture within the file.
+  if (material.GetTexture(aiTextureType_DIFFUSE, 0, &text) == AI_SUCCESS &&
+      text.C_Str()[0] != '*') {
+    result.mTexture = toString(text);
+  }
+  return result;
 }
 
 // --- clips -----------------------------------------------------------------------------------
@@ -168,13 +180,14 @@ std::vector<SourceModel::VectorKey> readKeys(const aiVectorKey* keys, unsigned c
 SourceModel::Channel readChannel(const aiNodeAnim& channel, std::int32_t node,
                                  double ticksPerSecond) {
   SourceModel::Channel result;
-  result.node = node;
-  result.translations = readKeys(channel.mPositionKeys, channel.mNumPositionKeys, ticksPerSecond);
-  result.scales = readKeys(channel.mScalingKeys, channel.mNumScalingKeys, ticksPerSecond);
+  result.mNode = node;
+  result.mTranslations.mKeys =
+      readKeys(channel.mPositionKeys, channel.mNumPositionKeys, ticksPerSecond);
+  result.mScales.mKeys = readKeys(channel.mScalingKeys, channel.mNumScalingKeys, ticksPerSecond);
   for (unsigned i = 0; i < channel.mNumRotationKeys; ++i) {
     const aiQuaternion& q = channel.mRotationKeys[i].mValue;
-    result.rotations.push_back({channel.mRotationKeys[i].mTime / ticksPerSecond,
-                                {double(q.x), double(q.y), double(q.z), double(q.w)}});
+    result.mRotations.mKeys.push_back({channel.mRotationKeys[i].mTime / ticksPerSecond,
+                                       {double(q.x), double(q.y), double(q.z), double(q.w)}});
   }
   return result;
 }
@@ -183,24 +196,24 @@ constexpr double kDefaultTicksPerSecond = 25;
 
 void readClip(const aiAnimation& animation, const NodeIndices& byName, SourceModel& outModel) {
   SourceModel::Clip clip;
-  clip.name = toString(animation.mName);
+  clip.mName = toString(animation.mName);
   double ticksPerSecond = animation.mTicksPerSecond;
   if (!(ticksPerSecond > 0) || !std::isfinite(ticksPerSecond)) {
     ticksPerSecond = kDefaultTicksPerSecond;
-    outModel.notes.push_back("clip '" + clip.name +
-                             "' does not say how fast it runs: 25 ticks per second are taken");
+    outModel.mNotes.push_back("clip '" + clip.mName +
+                              "' does not say how fast it runs: 25 ticks per second are taken");
   }
   for (unsigned i = 0; i < animation.mNumChannels; ++i) {
     const aiNodeAnim& channel = *animation.mChannels[i];
     const std::int32_t node = find(byName, toString(channel.mNodeName));
     if (node != SourceModel::kNone) {
-      clip.channels.push_back(readChannel(channel, node, ticksPerSecond));
+      clip.mChannels.push_back(readChannel(channel, node, ticksPerSecond));
     } else {
-      outModel.notes.push_back("clip '" + clip.name + "' moves '" + toString(channel.mNodeName) +
-                               "', which the model does not have");
+      outModel.mNotes.push_back("clip '" + clip.mName + "' moves '" + toString(channel.mNodeName) +
+                                "', which the model does not have");
     }
   }
-  outModel.clips.push_back(std::move(clip));
+  outModel.mClips.push_back(std::move(clip));
 }
 
 // --- axes ------------------------------------------------------------------------------------
@@ -219,7 +232,7 @@ Oru::TVector3D<double> axisOf(const aiMetadata& settings, const std::string& nam
 // Formats that have +Z up and whose readers do not turn them.
 bool hasZUp(const std::string& file) {
   std::string extension = file.substr(file.find_last_of('.') + 1);
-  for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+  for (char& c : extension) c = char(std::tolower(static_cast<unsigned char>(c)));
   return extension == "smd" || extension == "csm";
 }
 
@@ -245,31 +258,19 @@ Matrix readAxes(const aiScene& scene, const std::string& file) {
 
 // --- the whole -------------------------------------------------------------------------------
 
-// Gives everything a name of its own.
-template <class Item, class NameOf>
-void makeUnique(std::vector<Item>& items, const std::string& nameless, NameOf nameOf) {
-  std::set<std::string> taken;
-  for (std::size_t i = 0; i < items.size(); ++i) {
-    std::string& name = nameOf(items[i]);
-    if (name.empty()) name = nameless + std::to_string(i + 1);
-    const std::string stem = name;
-    for (int n = 2; !taken.insert(name).second; ++n) name = stem + "_" + std::to_string(n);
-  }
-}
-
 SourceModel convert(const aiScene& scene, const std::string& file) {
   SourceModel model;
   const NodeIndices byName = readNodes(*scene.mRootNode, model);
   for (unsigned i = 0; i < scene.mNumMeshes; ++i) readMesh(*scene.mMeshes[i], byName, model);
   for (unsigned i = 0; i < scene.mNumMaterials; ++i) {
-    model.materials.push_back(readMaterial(*scene.mMaterials[i]));
+    model.mMaterials.push_back(readMaterial(*scene.mMaterials[i]));
   }
   for (unsigned i = 0; i < scene.mNumAnimations; ++i) {
     readClip(*scene.mAnimations[i], byName, model);
   }
-  makeUnique(model.clips, "clip", [](auto& clip) -> std::string& { return clip.name; });
-  makeUnique(model.materials, "material", [](auto& name) -> std::string& { return name; });
-  model.axes = readAxes(scene, file);
+  makeNamesUnique(model.mClips, "clip");
+  makeNamesUnique(model.mMaterials, "material");
+  model.mAxes = readAxes(scene, file);
   return model;
 }
 

@@ -68,15 +68,15 @@ class Child {
 
 void limitResource(decltype(RLIMIT_CORE) resource, std::uint64_t soft, std::uint64_t hard) {
   rlimit limit{};
-  limit.rlim_cur = static_cast<rlim_t>(soft);
-  limit.rlim_max = static_cast<rlim_t>(hard);
+  limit.rlim_cur = rlim_t(soft);
+  limit.rlim_max = rlim_t(hard);
   setrlimit(resource, &limit);
 }
 
 std::uint64_t addressSpaceInUse() {
   std::uint64_t pages = 0;
   std::ifstream("/proc/self/statm") >> pages;
-  return pages * static_cast<std::uint64_t>(sysconf(_SC_PAGESIZE));
+  return pages * std::uint64_t(sysconf(_SC_PAGESIZE));
 }
 
 void applyLimits(const ChildLimits& limits) {
@@ -85,8 +85,8 @@ void applyLimits(const ChildLimits& limits) {
 #endif
   limitResource(RLIMIT_CORE, 0, 0);
   // The hard limit lies higher: at the soft one comes SIGXCPU, which tells the reason.
-  limitResource(RLIMIT_CPU, limits.cpuSeconds, std::uint64_t{limits.cpuSeconds} + 1);
-  const std::uint64_t space = addressSpaceInUse() + limits.memoryBytes;
+  limitResource(RLIMIT_CPU, limits.mCpuSeconds, std::uint64_t{limits.mCpuSeconds} + 1);
+  const std::uint64_t space = addressSpaceInUse() + limits.mMemoryBytes;
   limitResource(RLIMIT_AS, space, space);
 }
 
@@ -142,7 +142,7 @@ std::string seconds(std::chrono::milliseconds time) {
 }
 
 [[noreturn]] void failForTime(const ChildLimits& limits) {
-  throw std::runtime_error("it took longer than " + seconds(limits.wallTime));
+  throw std::runtime_error("it took longer than " + seconds(limits.mWallTime));
 }
 
 // Reads `count` bytes; false when the other end closes before.
@@ -153,15 +153,14 @@ bool readAll(int fd, char* bytes, std::size_t count, Clock::time_point deadline,
         std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
     if (left.count() <= 0) failForTime(limits);
     pollfd waiting{fd, POLLIN, 0};
-    const int ready =
-        poll(&waiting, 1, static_cast<int>(std::min<long long>(left.count(), 60'000)));
+    const int ready = poll(&waiting, 1, int(std::min<long long>(left.count(), 60'000)));
     if (ready < 0 && errno != EINTR) failWithErrno("poll");
     if (ready <= 0) continue;
     const ssize_t got = read(fd, bytes, count);
     if (got < 0 && errno == EINTR) continue;
     if (got <= 0) return false;
     bytes += got;
-    count -= static_cast<std::size_t>(got);
+    count -= std::size_t(got);
   }
   return true;
 }
@@ -174,11 +173,11 @@ bool receiveMessage(int fd, char& outKind, std::string& outBytes, Clock::time_po
   outKind = header[0];
   std::uint64_t length = 0;
   std::memcpy(&length, header.data() + 1, sizeof(length));
-  if (length > limits.resultBytes) {
-    throw std::runtime_error("its result is larger than " + std::to_string(limits.resultBytes) +
+  if (length > limits.mResultBytes) {
+    throw std::runtime_error("its result is larger than " + std::to_string(limits.mResultBytes) +
                              " bytes");
   }
-  outBytes.resize(static_cast<std::size_t>(length));
+  outBytes.resize(std::size_t(length));
   return readAll(fd, outBytes.data(), outBytes.size(), deadline, limits);
 }
 
@@ -186,7 +185,7 @@ bool receiveMessage(int fd, char& outKind, std::string& outBytes, Clock::time_po
   if (WIFSIGNALED(status)) {
     const int number = WTERMSIG(status);
     if (number == SIGXCPU) {
-      throw std::runtime_error("it took more than " + std::to_string(limits.cpuSeconds) +
+      throw std::runtime_error("it took more than " + std::to_string(limits.mCpuSeconds) +
                                " s of processor time");
     }
     throw std::runtime_error("it was ended by signal " + std::to_string(number) + " (" +
@@ -199,7 +198,7 @@ bool receiveMessage(int fd, char& outKind, std::string& outBytes, Clock::time_po
 }  // namespace
 
 std::string runInChild(const std::function<std::string()>& work, const ChildLimits& limits) {
-  const Clock::time_point deadline = Clock::now() + limits.wallTime;
+  const Clock::time_point deadline = Clock::now() + limits.mWallTime;
   int ends[2];
   if (pipe2(ends, O_CLOEXEC) != 0) failWithErrno("pipe");
   Descriptor output(ends[0]), input(ends[1]);

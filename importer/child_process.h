@@ -10,13 +10,13 @@ namespace vexa::importer {
 /// What a child process may use before it is ended.
 struct ChildLimits {
   /// Address space in bytes, beyond what this process holds when the child starts.
-  std::uint64_t memoryBytes = std::uint64_t{2} << 30;
+  std::uint64_t mMemoryBytes = std::uint64_t{2} << 30;
   /// Processor time in seconds.
-  unsigned cpuSeconds = 60;
+  unsigned mCpuSeconds = 60;
   /// Time by the clock.
-  std::chrono::milliseconds wallTime{120'000};
+  std::chrono::milliseconds mWallTime{120'000};
   /// Length of the result in bytes.
-  std::uint64_t resultBytes = std::uint64_t{1} << 30;
+  std::uint64_t mResultBytes = std::uint64_t{1} << 30;
 };
 
 /// Runs `work` in a forked child process and returns the bytes that it returned there.

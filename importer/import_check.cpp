@@ -43,24 +43,25 @@ void compare(const Reference& expected, const Posed& actual, std::size_t take, s
              ImportCheck& ioCheck) {
   for (std::size_t v = 0; v < expected.size(); ++v) {
     const double d = distance(expected[v], actual[v]);
-    if (d <= ioCheck.largestDifference) continue;
-    ioCheck.largestDifference = d;
-    ioCheck.take = take;
-    ioCheck.frame = frame;
-    ioCheck.vertex = v;
+    if (d <= ioCheck.mLargestDifference) continue;
+    ioCheck.mLargestDifference = d;
+    ioCheck.mTake = take;
+    ioCheck.mFrame = frame;
+    ioCheck.mVertex = v;
   }
   const double size = diagonal(expected);
-  ioCheck.size = ioCheck.poseCount == 0 ? size : std::min(ioCheck.size, size);
-  ++ioCheck.poseCount;
+  ioCheck.mSize = ioCheck.mPoseCount == 0 ? size : std::min(ioCheck.mSize, size);
+  ++ioCheck.mPoseCount;
 }
 
 }  // namespace
 
 ImportCheck verifyImport(const ImportedModel& model, const std::string& animationFile,
                          const std::vector<Oru::TVector3D<float>>& restPoints) {
-  if (restPoints.size() != model.reference.points.size()) {
+  if (restPoints.size() != model.mReference.mBound.size()) {
     throw std::runtime_error("the rest mesh has " + std::to_string(restPoints.size()) +
-                             " points, the model " + std::to_string(model.reference.points.size()));
+                             " points, the model " +
+                             std::to_string(model.mReference.mBound.size()));
   }
   UXS::Mesh rest;
   addPoints(restPoints, rest);
@@ -68,14 +69,14 @@ ImportCheck verifyImport(const ImportedModel& model, const std::string& animatio
   Norvel::XCAMOFileIOTool(Norvel::CChemin(animationFile.c_str())).Read(&collector);
 
   ImportCheck check;
-  for (std::size_t take = 0; take < model.takes.size(); ++take) {
-    for (std::size_t frame = 0; frame < std::size_t(model.takes[take].frameCount); ++frame) {
+  for (std::size_t take = 0; take < model.mTakes.size(); ++take) {
+    for (std::size_t frame = 0; frame < std::size_t(model.mTakes[take].mFrameCount); ++frame) {
       const UXS::Mesh* posed = collector.GetCurrentDefinition(unsigned(take), unsigned(frame), {});
-      compare(model.reference.pose(take, frame), posed->GetVerticesArray(), take, frame, check);
+      compare(model.mReference.pose(take, frame), posed->GetVerticesArray(), take, frame, check);
     }
   }
   // A model of no size is compared as it is.
-  if (check.size > 0) check.largestDifference /= check.size;
+  if (check.mSize > 0) check.mLargestDifference /= check.mSize;
   return check;
 }
 

@@ -10,14 +10,14 @@ namespace vexa::importer {
 
 /// How far the runtime's poses are from the importer's own.
 struct ImportCheck {
-  /// Largest distance between a vertex and where it should be, divided by `size`; infinite when a
+  /// Largest distance between a vertex and where it should be, divided by `mSize`; infinite when a
   /// coordinate is no number.
-  double largestDifference = 0;
+  double mLargestDifference = 0;
   /// Where that is.
-  std::size_t take = 0, frame = 0, vertex = 0;
+  std::size_t mTake = 0, mFrame = 0, mVertex = 0;
   /// The model's size in its own units: the diagonal of the box around its smallest pose.
-  double size = 0;
-  std::size_t poseCount = 0;
+  double mSize = 0;
+  std::size_t mPoseCount = 0;
 };
 
 /// What the largest difference stays below for a model that is well inside what the runtime's

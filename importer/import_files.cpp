@@ -1,5 +1,7 @@
 #include "importer/import_files.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <filesystem>
 #include <limits>
@@ -34,22 +36,27 @@ std::size_t middleVertex(const formats::ObjModel& mesh) {
   return nearest;
 }
 
+/// Scenes count whole frames per time unit.
+int wholeRate(const ImportedModel::Take& take) {
+  return std::max(1, int(std::lround(take.mFramesPerSecond)));
+}
+
 /// One instance that repeats the first take; a host frame is a frame of the take.
 Json sceneOf(const ImportedModel& model, const std::string& name) {
   Json takes = Json::array();
-  for (const auto& take : model.takes) {
+  for (const auto& take : model.mTakes) {
     takes.push_back(
-        {{"name", take.name}, {"frames", take.frameCount}, {"rate", take.framesPerSecond}});
+        {{"name", take.mName}, {"frames", take.mFrameCount}, {"rate", wholeRate(take)}});
   }
-  const auto& first = model.takes.front();
-  return {{"settings", {{"timeScale", first.framesPerSecond}}},
+  const auto& first = model.mTakes.front();
+  return {{"settings", {{"timeScale", wholeRate(first)}}},
           {"objects",
            {{{"name", name},
              {"mesh", name + ".obj"},
              {"animation", name + ".amo"},
              {"takes", takes},
-             {"anchorVertex", middleVertex(model.mesh)}}}},
-          {"instances", {{{"name", name}, {"object", name}, {"take", first.name}}}},
+             {"anchorVertex", middleVertex(model.mMesh)}}}},
+          {"instances", {{{"name", name}, {"object", name}, {"take", first.mName}}}},
           {"values",
            {{{"name", name + " frame"},
              {"kind", "takeFrame"},
@@ -58,7 +65,7 @@ Json sceneOf(const ImportedModel& model, const std::string& name) {
              {"repeat", 1000000},
              {"keys",
               {{{"frame", 0}, {"value", 0}},
-               {{"frame", first.frameCount}, {"value", first.frameCount - 1}}}}}}}};
+               {{"frame", first.mFrameCount}, {"value", first.mFrameCount - 1}}}}}}}};
 }
 
 /// Throws for names that are no UTF-8, which JSON cannot hold.
@@ -72,12 +79,13 @@ std::string asText(const Json& scene, const std::string& stem) {
 
 void requireFaithful(const ImportCheck& check, const ImportedModel& model,
                      const std::string& file) {
-  if (check.largestDifference <= kImportTolerance) return;
+  if (check.mLargestDifference <= kImportTolerance) return;
   char text[200];
   std::snprintf(text, sizeof(text),
                 "the runtime's pose is %.3g of the model's size off at vertex %zu, frame %zu of ",
-                check.largestDifference, check.vertex, check.frame);
-  throw std::runtime_error(file + ": " + text + ("take \"" + model.takes[check.take].name + "\""));
+                check.mLargestDifference, check.mVertex, check.mFrame);
+  throw std::runtime_error(file + ": " + text +
+                           ("take \"" + model.mTakes[check.mTake].mName + "\""));
 }
 
 }  // namespace
@@ -90,8 +98,8 @@ ImportFiles writeImport(const ImportedModel& model, const std::string& stem) {
   formats::OutputFolder folder(target.parent_path().string());
   const auto temporary = [&](int i) { return folder.pathFor(names[i]); };
 
-  formats::writeAnimationFile(model.animation, temporary(0));
-  formats::writeObj(temporary(1), model.mesh);
+  formats::writeAnimationFile(model.mAnimation, temporary(0));
+  formats::writeObj(temporary(1), model.mMesh);
   formats::writeFile(temporary(2), asText(sceneOf(model, name), stem));
   ImportFiles result;
   result.mCheck = verifyImport(model, temporary(0), formats::readObj(temporary(1)).points);

@@ -12,33 +12,50 @@ namespace {
 // the same members to fill that a Writer took.
 template <class Archive>
 void transfer(Archive& archive, SourceModel::Node& node) {
-  archive(node.name, node.parent, node.local);
+  archive(node.mName, node.mParent, node.mLocal, node.mPivots, node.mInherit);
 }
 
 template <class Archive>
 void transfer(Archive& archive, SourceModel::Bone& bone) {
-  archive(bone.name, bone.node, bone.offset, bone.influences);
+  archive(bone.mName, bone.mNode, bone.mOffset, bone.mInfluences);
 }
 
 template <class Archive>
 void transfer(Archive& archive, SourceModel::Mesh& mesh) {
-  archive(mesh.name, mesh.material, mesh.points, mesh.uvs, mesh.triangles, mesh.bones);
+  archive(mesh.mName, mesh.mMaterial, mesh.mPoints, mesh.mUvs, mesh.mTriangles, mesh.mBones);
+}
+
+template <class Archive>
+void transfer(Archive& archive, SourceModel::Material& material) {
+  archive(material.mName, material.mColor, material.mHasColor, material.mTexture,
+          material.mTextureBytes);
+}
+
+template <class Archive, class Key>
+void transfer(Archive& archive, SourceModel::Track<Key>& track) {
+  archive(track.mKeys, track.mTangents, track.mInterpolation);
+}
+
+template <class Archive>
+void transfer(Archive& archive, SourceModel::Curve& curve) {
+  archive(curve.mPart, curve.mKeys);
 }
 
 template <class Archive>
 void transfer(Archive& archive, SourceModel::Channel& channel) {
-  archive(channel.node, channel.translations, channel.rotations, channel.scales);
+  archive(channel.mNode, channel.mTranslations, channel.mRotations, channel.mScales,
+          channel.mCurves);
 }
 
 template <class Archive>
 void transfer(Archive& archive, SourceModel::Clip& clip) {
-  archive(clip.name, clip.channels);
+  archive(clip.mName, clip.mChannels);
 }
 
 template <class Archive>
 void transfer(Archive& archive, SourceModel& model) {
-  archive(model.nodes, model.meshes, model.instances, model.materials, model.clips, model.axes,
-          model.notes);
+  archive(model.mNodes, model.mPivots, model.mMeshes, model.mInstances, model.mMaterials,
+          model.mClips, model.mAxes, model.mMetresPerUnit, model.mNotes);
 }
 
 // Plain values travel as they lie in memory.
@@ -115,6 +132,11 @@ class Reader {
       transfer(*this, value);
     }
   }
+  void get(bool& value) {
+    char byte = 0;
+    copy(&byte, 1);
+    value = byte != 0;
+  }
   void get(std::string& text) {
     text.resize(getCount(1));
     copy(text.data(), text.size());
@@ -134,7 +156,7 @@ class Reader {
     std::uint64_t count = 0;
     copy(&count, sizeof(count));
     if (count > mBytes.size() / leastBytesEach) fail();
-    return static_cast<std::size_t>(count);
+    return std::size_t(count);
   }
 
   std::string_view mBytes;

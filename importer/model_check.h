@@ -8,7 +8,7 @@ namespace vexa::importer {
 ///
 /// Throws std::runtime_error with one line for what would make it another model: indices out of
 /// range, coordinates, matrices and keys that are not finite numbers. Repairs, with a note in
-/// `notes`: weights that are negative or not finite and influences on absent vertices are dropped,
+/// `mNotes`: weights that are negative or not finite and influences on absent vertices are dropped,
 /// as are rotation keys without a length. Without a note: weights of 0 are dropped, keys are sorted
 /// by time, texture coordinates that are not finite become 0, absent materials get a name.
 void checkModel(SourceModel& ioModel);

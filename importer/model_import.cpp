@@ -37,7 +37,7 @@ Matrix fromRows(const std::array<std::array<double, 3>, 3>& rows) {
 Matrix worldToUpright(const SourceModel& model, UpAxis up) {
   if (up == UpAxis::Y) return {};
   if (up == UpAxis::Z) return fromRows({{{1, 0, 0}, {0, 0, 1}, {0, -1, 0}}});
-  return model.axes;
+  return model.mAxes;
 }
 
 Matrix uprightToHost() { return fromRows({{{1, 0, 0}, {0, 0, -1}, {0, 1, 0}}}); }
@@ -48,28 +48,28 @@ Matrix uprightToFile() { return fromRows({{{1, 0, 0}, {0, 1, 0}, {0, 0, -1}}}); 
 
 std::string clipNames(const SourceModel& model) {
   std::string names;
-  for (const SourceModel::Clip& clip : model.clips) {
-    names += (names.empty() ? "'" : ", '") + clip.name + "'";
+  for (const SourceModel::Clip& clip : model.mClips) {
+    names += (names.empty() ? "'" : ", '") + clip.mName + "'";
   }
   return names;
 }
 
 void requireAnimation(const SourceModel& model) {
-  const bool hasBones = std::any_of(model.meshes.begin(), model.meshes.end(),
-                                    [](const SourceModel::Mesh& m) { return !m.bones.empty(); });
-  if (model.clips.empty()) {
+  const bool hasBones = std::any_of(model.mMeshes.begin(), model.mMeshes.end(),
+                                    [](const SourceModel::Mesh& m) { return !m.mBones.empty(); });
+  if (model.mClips.empty()) {
     refuse(hasBones ? "it has bones but no animation" : "it has neither bones nor animation");
   }
-  const bool moves = std::any_of(model.clips.begin(), model.clips.end(),
-                                 [](const SourceModel::Clip& c) { return !c.channels.empty(); });
+  const bool moves = std::any_of(model.mClips.begin(), model.mClips.end(),
+                                 [](const SourceModel::Clip& c) { return !c.mChannels.empty(); });
   if (!moves) refuse("its animation moves neither bones nor other nodes");
 }
 
 std::vector<std::size_t> allClips(const SourceModel& model, std::vector<std::string>& notes) {
   std::vector<std::size_t> chosen;
-  for (std::size_t i = 0; i < model.clips.size(); ++i) {
-    if (model.clips[i].channels.empty()) {
-      notes.push_back("clip '" + model.clips[i].name + "' moves no node and is left out");
+  for (std::size_t i = 0; i < model.mClips.size(); ++i) {
+    if (model.mClips[i].mChannels.empty()) {
+      notes.push_back("clip '" + model.mClips[i].mName + "' moves no node and is left out");
     } else {
       chosen.push_back(i);
     }
@@ -79,16 +79,16 @@ std::vector<std::size_t> allClips(const SourceModel& model, std::vector<std::str
 
 std::vector<std::size_t> chooseClips(const SourceModel& model, const ImportOptions& options,
                                      std::vector<std::string>& notes) {
-  if (options.clips.empty()) return allClips(model, notes);
+  if (options.mClips.empty()) return allClips(model, notes);
   std::vector<std::size_t> chosen;
-  for (const std::string& name : options.clips) {
+  for (const std::string& name : options.mClips) {
     const auto found =
-        std::find_if(model.clips.begin(), model.clips.end(),
-                     [&](const SourceModel::Clip& clip) { return clip.name == name; });
-    if (found == model.clips.end()) {
+        std::find_if(model.mClips.begin(), model.mClips.end(),
+                     [&](const SourceModel::Clip& clip) { return clip.mName == name; });
+    if (found == model.mClips.end()) {
       refuse("it has no clip '" + name + "'; its clips are " + clipNames(model));
     }
-    chosen.push_back(static_cast<std::size_t>(found - model.clips.begin()));
+    chosen.push_back(std::size_t(found - model.mClips.begin()));
   }
   return chosen;
 }
@@ -99,13 +99,13 @@ constexpr double kMostFrames = 1e7;
 
 std::vector<ImportedModel::Take> takesOf(const SourceModel& model,
                                          const std::vector<std::size_t>& clips,
-                                         int framesPerSecond) {
+                                         double framesPerSecond) {
   std::vector<ImportedModel::Take> takes;
   for (const std::size_t index : clips) {
-    const SourceModel::Clip& clip = model.clips[index];
+    const SourceModel::Clip& clip = model.mClips[index];
     const double last = std::floor(clipLength(clip) * framesPerSecond + kFrameTolerance);
-    if (!(last < kMostFrames)) refuse("clip '" + clip.name + "' is too long to be sampled");
-    takes.push_back({clip.name, static_cast<int>(last) + 1, framesPerSecond});
+    if (!(last < kMostFrames)) refuse("clip '" + clip.mName + "' is too long to be sampled");
+    takes.push_back({clip.mName, int(last) + 1, framesPerSecond});
   }
   return takes;
 }
@@ -129,7 +129,7 @@ constexpr double kMostNodeFrames = 1e9;
 void requireSize(const std::vector<ImportedModel::Take>& takes, std::size_t nodeCount,
                  std::size_t jointCount, std::uint64_t largest) {
   double frames = 0;
-  for (const auto& take : takes) frames += double(take.frameCount);
+  for (const auto& take : takes) frames += double(take.mFrameCount);
   const double bytes = frames * double(jointCount) * double(sizeof(formats::AnimationFile::Matrix));
   if (bytes > double(largest) || frames * double(nodeCount) > kMostNodeFrames) {
     refuse("its animation of " + std::to_string(std::llround(frames)) + " frames would take " +
@@ -142,17 +142,16 @@ void requireSize(const std::vector<ImportedModel::Take>& takes, std::size_t node
 // to the file's space, is the global matrix.
 void addFrame(const RestMesh& rest, const Matrix& worldToUpright, const std::vector<Matrix>& nodes,
               formats::AnimationFile& ioFile) {
-  for (std::size_t i = 0; i < rest.joints.size(); ++i) {
-    const Matrix& node = nodes[static_cast<std::size_t>(rest.joints[i].node)];
-    ioFile.mNodes[i].mMatrices.push_back(toFile(worldToUpright * node * rest.binds[i]));
+  for (std::size_t i = 0; i < rest.mJoints.size(); ++i) {
+    const Matrix& node = nodes[std::size_t(rest.mJoints[i].mNode)];
+    ioFile.mNodes[i].mMatrices.push_back(toFile(worldToUpright * node * rest.mBinds[i]));
   }
 }
 
-void addLinks(const std::vector<ModelReference::Point>& points, formats::AnimationFile& ioFile) {
+void addLinks(const std::vector<ModelReference::Bound>& points, formats::AnimationFile& ioFile) {
   for (std::size_t v = 0; v < points.size(); ++v) {
-    for (const ModelReference::Influence& influence : points[v].influences) {
-      ioFile.mNodes[influence.joint].mLinks.push_back(
-          {static_cast<std::uint32_t>(v), influence.weight});
+    for (const ModelReference::Influence& influence : points[v].mInfluences) {
+      ioFile.mNodes[influence.mJoint].mLinks.push_back({std::uint32_t(v), influence.mWeight});
     }
   }
 }
@@ -162,32 +161,32 @@ formats::AnimationFile bake(const SourceModel& model, const std::vector<std::siz
                             const Matrix& worldToUpright, const RestMesh& rest) {
   formats::AnimationFile file;
   file.mGlobal = toFile(uprightToFile());
-  file.mNodes.resize(rest.joints.size());
+  file.mNodes.resize(rest.mJoints.size());
   for (std::size_t take = 0; take < takes.size(); ++take) {
-    const SourceModel::Clip& clip = model.clips[clips[take]];
-    file.mFrameCounts.push_back(static_cast<std::uint32_t>(takes[take].frameCount));
-    for (int frame = 0; frame < takes[take].frameCount; ++frame) {
-      const double seconds = double(frame) / double(takes[take].framesPerSecond);
+    const SourceModel::Clip& clip = model.mClips[clips[take]];
+    file.mFrameCounts.push_back(std::uint32_t(takes[take].mFrameCount));
+    for (int frame = 0; frame < takes[take].mFrameCount; ++frame) {
+      const double seconds = double(frame) / takes[take].mFramesPerSecond;
       addFrame(rest, worldToUpright, nodeTransforms(model, &clip, seconds), file);
     }
   }
-  addLinks(rest.points, file);
+  addLinks(rest.mBound, file);
   return file;
 }
 
 void noteStillness(const SourceModel& model, const std::vector<std::size_t>& clips,
                    const std::vector<Joint>& joints, std::vector<std::string>& notes) {
-  std::vector<bool> isMoved(model.nodes.size(), false);
+  std::vector<bool> isMoved(model.mNodes.size(), false);
   for (const std::size_t clip : clips) {
-    for (const SourceModel::Channel& channel : model.clips[clip].channels) {
-      isMoved[static_cast<std::size_t>(channel.node)] = true;
+    for (const SourceModel::Channel& channel : model.mClips[clip].mChannels) {
+      isMoved[std::size_t(channel.mNode)] = true;
     }
   }
   for (std::size_t i = 1; i < isMoved.size(); ++i) {
-    if (isMoved[static_cast<std::size_t>(model.nodes[i].parent)]) isMoved[i] = true;
+    if (isMoved[std::size_t(model.mNodes[i].mParent)]) isMoved[i] = true;
   }
   const bool moves = std::any_of(joints.begin(), joints.end(), [&](const Joint& joint) {
-    return isMoved[static_cast<std::size_t>(joint.node)];
+    return isMoved[std::size_t(joint.mNode)];
   });
   if (!moves) notes.push_back("its animation moves no mesh: every frame shows the same pose");
 }
@@ -195,38 +194,38 @@ void noteStillness(const SourceModel& model, const std::vector<std::size_t>& cli
 }  // namespace
 
 ImportedModel importModel(const std::string& file, const ImportOptions& options) {
-  return importModel(readModel(file, options.limits), options);
+  return importModel(readModel(file, options.mLimits), options);
 }
 
 ImportedModel importModel(SourceModel model, const ImportOptions& options) {
-  if (options.framesPerSecond < 1 || options.framesPerSecond > 1000) {
-    refuse("frames per second must be 1 to 1000");
+  if (!(options.mFramesPerSecond > 0) || options.mFramesPerSecond > 1e6) {
+    refuse("frames per second must be above 0 and at most 1000000");
   }
   checkModel(model);
   requireAnimation(model);
-  const Matrix toUpright = worldToUpright(model, options.up);
+  const Matrix toUpright = worldToUpright(model, options.mUp);
   const Matrix toHost = uprightToHost() * toUpright;
-  if (options.travel != Oru::TVector3D<double>()) {
-    const auto& t = options.travel;
+  if (options.mTravel != Oru::TVector3D<double>()) {
+    const auto& t = options.mTravel;
     const auto inWorld = toHost.invert() * Norvel::Vexa::ux_vect3<double>(t.x, t.y, t.z);
     addTravel(model, {inWorld.x, inWorld.y, inWorld.z});
   }
   ImportedModel result;
-  result.notes = model.notes;
-  result.reference.clips = chooseClips(model, options, result.notes);
-  result.reference.framesPerSecond = options.framesPerSecond;
-  result.takes = takesOf(model, result.reference.clips, options.framesPerSecond);
+  result.mNotes = model.mNotes;
+  result.mReference.mClips = chooseClips(model, options, result.mNotes);
+  result.mReference.mFramesPerSecond = options.mFramesPerSecond;
+  result.mTakes = takesOf(model, result.mReference.mClips, options.mFramesPerSecond);
 
-  result.reference.toHost = toHost;
-  RestMesh rest = buildRestMesh(model, result.reference.toHost, result.notes);
-  requireSize(result.takes, model.nodes.size(), rest.joints.size(), options.largestAnimation);
-  noteStillness(model, result.reference.clips, rest.joints, result.notes);
-  result.animation = bake(model, result.reference.clips, result.takes, toUpright, rest);
-  result.mesh = std::move(rest.mesh);
-  result.mesh.materials = model.materials;
-  result.reference.joints = std::move(rest.joints);
-  result.reference.points = std::move(rest.points);
-  result.reference.source = std::move(model);
+  result.mReference.mToHost = toHost;
+  RestMesh rest = buildRestMesh(model, result.mReference.mToHost, result.mNotes);
+  requireSize(result.mTakes, model.mNodes.size(), rest.mJoints.size(), options.mLargestAnimation);
+  noteStillness(model, result.mReference.mClips, rest.mJoints, result.mNotes);
+  result.mAnimation = bake(model, result.mReference.mClips, result.mTakes, toUpright, rest);
+  result.mMesh = std::move(rest.mMesh);
+  for (const auto& material : model.mMaterials) result.mMesh.materials.push_back(material.mName);
+  result.mReference.mJoints = std::move(rest.mJoints);
+  result.mReference.mBound = std::move(rest.mBound);
+  result.mReference.mSource = std::move(model);
   return result;
 }
 

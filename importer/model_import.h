@@ -22,36 +22,36 @@ enum class UpAxis {
 
 struct ImportOptions {
   /// Names of the clips to take, in this order; all of them when empty.
-  std::vector<std::string> clips;
+  std::vector<std::string> mClips;
   /// How densely clips are sampled, 1 to 1000.
-  int framesPerSecond = 30;
-  UpAxis up = UpAxis::AsStated;
+  double mFramesPerSecond = 30;
+  UpAxis mUp = UpAxis::AsStated;
   /// How far each take leads away, evenly, in host space; for clips that walk in place.
-  Oru::TVector3D<double> travel;
+  Oru::TVector3D<double> mTravel;
   /// Bytes that the animation file may have.
-  std::uint64_t largestAnimation = std::uint64_t{1} << 30;
-  ChildLimits limits;
+  std::uint64_t mLargestAnimation = std::uint64_t{1} << 30;
+  ChildLimits mLimits;
 };
 
 /// A model made ready for the runtime.
 struct ImportedModel {
   struct Take {
-    std::string name;
-    int frameCount = 0;
-    int framesPerSecond = 0;
+    std::string mName;
+    int mFrameCount = 0;
+    double mFramesPerSecond = 0;
   };
 
   /// The rest mesh, in host space: +Z up, right-handed, the model's own units. Vertices are welded
   /// where position and links are the same; outward faces run counter-clockwise.
-  formats::ObjModel mesh;
+  formats::ObjModel mMesh;
   /// Its matrices lead from host space into the file's, which has Y and Z exchanged.
-  formats::AnimationFile animation;
+  formats::AnimationFile mAnimation;
   /// In the order of the animation file.
-  std::vector<Take> takes;
+  std::vector<Take> mTakes;
   /// What was repaired, left out or assumed, one line each.
-  std::vector<std::string> notes;
+  std::vector<std::string> mNotes;
   /// For verifyImport.
-  ModelReference reference;
+  ModelReference mReference;
 };
 
 /// Imports a model file of any format that libassimp reads; skinned, or with moving nodes only.

@@ -3,137 +3,166 @@
 #include <algorithm>
 #include <cmath>
 
+#include "importer/pivots_internal.h"
+#include "importer/quaternion_internal.h"
+#include "importer/track_internal.h"
+
 namespace vexa::importer {
 
 namespace {
 
-using Vector = Oru::TVector3D<double>;
-using Quaternion = Oru::TQuaternion<double>;
-
-Vector interpolate(const Vector& a, const Vector& b, double t) { return a * (1 - t) + b * t; }
-
-Quaternion combine(const Quaternion& a, double s, const Quaternion& b, double t) {
-  return {a.x * s + b.x * t, a.y * s + b.y * t, a.z * s + b.z * t, a.w * s + b.w * t};
-}
-
-double dot(const Quaternion& a, const Quaternion& b) {
-  return a.x * b.x + a.y * b.y + a.z * b.z + a.w * b.w;
-}
-
-Quaternion normalized(const Quaternion& q) { return combine(q, 1 / std::sqrt(dot(q, q)), q, 0); }
-
-// Slerp: sin((1-t) angle)/sin(angle) a + sin(t angle)/sin(angle) b, on the side where b is nearer.
-Quaternion interpolate(const Quaternion& inA, const Quaternion& inB, double t) {
-  const Quaternion a = normalized(inA);
-  Quaternion b = normalized(inB);
-  double cosine = dot(a, b);
-  if (cosine < 0) {
-    b = combine(b, -1, b, 0);
-    cosine = -cosine;
-  }
-  // Where the sine vanishes, the straight line is as good.
-  if (cosine > 1 - 1e-12) return normalized(combine(a, 1 - t, b, t));
-  const double angle = std::acos(cosine);
-  const double sine = std::sin(angle);
-  return combine(a, std::sin((1 - t) * angle) / sine, b, std::sin(t * angle) / sine);
-}
-
-template <class Key>
-auto valueAt(const std::vector<Key>& keys, double seconds) {
-  const auto after = std::upper_bound(keys.begin(), keys.end(), seconds,
-                                      [](double time, const Key& key) { return time < key.time; });
-  if (after == keys.begin()) return keys.front().value;
-  const Key& before = *std::prev(after);
-  if (after == keys.end()) return before.value;
-  const double t = (seconds - before.time) / (after->time - before.time);
-  return interpolate(before.value, after->value, t);
-}
-
 // --- local matrices --------------------------------------------------------------------------
 
-struct Parts {
-  Vector translation;
-  /// Three columns, of unit length unless the node is scaled to nothing.
-  Vector axes[3];
-  Vector scale;
+struct Columns {
+  Vec3 mTranslation;
+  // Of unit length unless the node is scaled to nothing.
+  Vec3 mAxes[3];
+  Vec3 mScale;
 };
 
-Vector column(const Matrix& m, int c) { return {m(0, c), m(1, c), m(2, c)}; }
+Vec3 column(const Matrix& m, int c) { return {m(0, c), m(1, c), m(2, c)}; }
 
-Parts partsOf(const Matrix& local) {
-  Parts parts;
-  parts.translation = column(local, 3);
+Columns columnsOf(const Matrix& local) {
+  Columns columns;
+  columns.mTranslation = column(local, 3);
   double lengths[3];
   for (int c = 0; c < 3; ++c) {
-    const Vector v = column(local, c);
+    const Vec3 v = column(local, c);
     lengths[c] = std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z);
-    parts.axes[c] = lengths[c] > 0 ? v * (1 / lengths[c]) : v;
+    columns.mAxes[c] = lengths[c] > 0 ? v * (1 / lengths[c]) : v;
   }
-  parts.scale = {lengths[0], lengths[1], lengths[2]};
-  return parts;
+  columns.mScale = {lengths[0], lengths[1], lengths[2]};
+  return columns;
 }
 
-// The columns of the rotation matrix of a quaternion.
-void setAxes(const Quaternion& inRotation, Vector (&outAxes)[3]) {
-  const Quaternion q = normalized(inRotation);
-  outAxes[0] = {1 - 2 * (q.y * q.y + q.z * q.z), 2 * (q.x * q.y + q.z * q.w),
-                2 * (q.x * q.z - q.y * q.w)};
-  outAxes[1] = {2 * (q.x * q.y - q.z * q.w), 1 - 2 * (q.x * q.x + q.z * q.z),
-                2 * (q.y * q.z + q.x * q.w)};
-  outAxes[2] = {2 * (q.x * q.z + q.y * q.w), 2 * (q.y * q.z - q.x * q.w),
-                1 - 2 * (q.x * q.x + q.y * q.y)};
-}
-
-Matrix compose(const Parts& parts) {
-  const Vector columns[4] = {parts.axes[0] * parts.scale.x, parts.axes[1] * parts.scale.y,
-                             parts.axes[2] * parts.scale.z, parts.translation};
+Matrix compose(const Columns& columns) {
+  const Vec3 all[4] = {columns.mAxes[0] * columns.mScale.x, columns.mAxes[1] * columns.mScale.y,
+                       columns.mAxes[2] * columns.mScale.z, columns.mTranslation};
   Matrix result;
   for (int c = 0; c < 4; ++c) {
-    result(0, c) = columns[c].x;
-    result(1, c) = columns[c].y;
-    result(2, c) = columns[c].z;
+    result(0, c) = all[c].x;
+    result(1, c) = all[c].y;
+    result(2, c) = all[c].z;
   }
   return result;
 }
 
-Matrix localAt(const SourceModel::Channel& channel, const Matrix& stored, double seconds) {
-  Parts parts = partsOf(stored);
-  if (!channel.translations.empty()) parts.translation = valueAt(channel.translations, seconds);
-  if (!channel.rotations.empty()) setAxes(valueAt(channel.rotations, seconds), parts.axes);
-  if (!channel.scales.empty()) parts.scale = valueAt(channel.scales, seconds);
-  return compose(parts);
+Matrix compose(const Placing& placing, const Vec3& scale) {
+  Columns columns;
+  columns.mTranslation = placing.mTranslation;
+  axesOf(placing.mRotation, columns.mAxes);
+  columns.mScale = scale;
+  return compose(columns);
 }
 
-template <class Key>
-double lastTime(const std::vector<Key>& keys) {
-  return keys.empty() ? 0 : keys.back().time;
+Matrix localAt(const SourceModel::Channel& channel, const Matrix& stored, double seconds) {
+  Columns columns = columnsOf(stored);
+  if (!channel.mTranslations.mKeys.empty()) {
+    columns.mTranslation = valueAt(channel.mTranslations, seconds);
+  }
+  if (!channel.mRotations.mKeys.empty()) {
+    axesOf(valueAt(channel.mRotations, seconds), columns.mAxes);
+  }
+  if (!channel.mScales.mKeys.empty()) columns.mScale = valueAt(channel.mScales, seconds);
+  return compose(columns);
+}
+
+// --- world matrices --------------------------------------------------------------------------
+
+Vec3 scaled(const Vec3& a, const Vec3& b) { return {a.x * b.x, a.y * b.y, a.z * b.z}; }
+
+// Forms world matrices from the root down; a node comes after its parent.
+class WorldBuilder {
+ public:
+  WorldBuilder(const SourceModel& model, const SourceModel::Clip* clip, double seconds)
+      : mModel(model), mSeconds(seconds), mChannels(model.mNodes.size(), nullptr) {
+    if (clip == nullptr) return;
+    for (const auto& channel : clip->mChannels) mChannels[std::size_t(channel.mNode)] = &channel;
+  }
+
+  std::vector<Matrix> build() {
+    const std::size_t count = mModel.mNodes.size();
+    mWorlds.reserve(count);
+    const bool hasPivots = !mModel.mPivots.empty();
+    if (hasPivots) mScaling.resize(count);
+    for (std::size_t i = 0; i < count; ++i) {
+      if (mModel.mNodes[i].mPivots == SourceModel::kNone) {
+        addPlain(i, hasPivots);
+      } else {
+        addPivoted(i);
+      }
+    }
+    return std::move(mWorlds);
+  }
+
+ private:
+  // What children that do not simply take over their parent's matrix need to know.
+  struct Scaling {
+    Matrix mUnscaledWorld;
+    Vec3 mScale{1, 1, 1};
+    // The node whose scale this one takes along its own axes; kNone for no scale.
+    std::int32_t mFrom = SourceModel::kNone;
+  };
+
+  Matrix parentWorld(std::size_t i) const {
+    const std::int32_t parent = mModel.mNodes[i].mParent;
+    return parent == SourceModel::kNone ? Matrix() : mWorlds[std::size_t(parent)];
+  }
+
+  void addPlain(std::size_t i, bool withScaling) {
+    const SourceModel::Channel* channel = mChannels[i];
+    const Matrix& stored = mModel.mNodes[i].mLocal;
+    const Matrix local = channel == nullptr ? stored : localAt(*channel, stored, mSeconds);
+    mWorlds.push_back(parentWorld(i) * local);
+    if (withScaling) mScaling[i].mUnscaledWorld = mWorlds.back();
+  }
+
+  void addPivoted(std::size_t i) {
+    const SourceModel::Node& node = mModel.mNodes[i];
+    Placing placing = placingOf(mModel.mPivots[std::size_t(node.mPivots)], mChannels[i], mSeconds);
+    Scaling& own = mScaling[i];
+    Matrix above = parentWorld(i);
+    own.mScale = placing.mScale;
+    if (node.mInherit != SourceModel::Inherit::All && node.mParent != SourceModel::kNone) {
+      const auto parent = std::size_t(node.mParent);
+      // A node without its parent's scale still takes what that parent took over along its axes.
+      own.mFrom =
+          node.mInherit == SourceModel::Inherit::OwnAxes ? node.mParent : mScaling[parent].mFrom;
+      if (own.mFrom != SourceModel::kNone) {
+        own.mScale = scaled(own.mScale, mScaling[std::size_t(own.mFrom)].mScale);
+      }
+      placing.mTranslation = scaled(placing.mTranslation, mScaling[parent].mScale);
+      above = mScaling[parent].mUnscaledWorld;
+    }
+    mWorlds.push_back(above * compose(placing, own.mScale));
+    own.mUnscaledWorld = above * compose(placing, {1, 1, 1});
+  }
+
+  const SourceModel& mModel;
+  const double mSeconds;
+  std::vector<const SourceModel::Channel*> mChannels;
+  std::vector<Matrix> mWorlds;
+  std::vector<Scaling> mScaling;
+};
+
+template <class Keys>
+double lastTime(const Keys& keys) {
+  return keys.empty() ? 0 : keys.back().mTime;
 }
 
 }  // namespace
 
 std::vector<Matrix> nodeTransforms(const SourceModel& model, const SourceModel::Clip* clip,
                                    double seconds) {
-  std::vector<Matrix> transforms;
-  transforms.reserve(model.nodes.size());
-  for (const SourceModel::Node& node : model.nodes) transforms.push_back(node.local);
-  if (clip != nullptr) {
-    for (const SourceModel::Channel& channel : clip->channels) {
-      const auto node = static_cast<std::size_t>(channel.node);
-      transforms[node] = localAt(channel, model.nodes[node].local, seconds);
-    }
-  }
-  for (std::size_t i = 1; i < transforms.size(); ++i) {
-    const auto parent = static_cast<std::size_t>(model.nodes[i].parent);
-    transforms[i] = transforms[parent] * transforms[i];
-  }
-  return transforms;
+  return WorldBuilder(model, clip, seconds).build();
 }
 
 double clipLength(const SourceModel::Clip& clip) {
   double length = 0;
-  for (const SourceModel::Channel& channel : clip.channels) {
-    length = std::max({length, lastTime(channel.translations), lastTime(channel.rotations),
-                       lastTime(channel.scales)});
+  for (const SourceModel::Channel& channel : clip.mChannels) {
+    length = std::max({length, lastTime(channel.mTranslations.mKeys),
+                       lastTime(channel.mRotations.mKeys), lastTime(channel.mScales.mKeys)});
+    for (const auto& curve : channel.mCurves) length = std::max(length, lastTime(curve.mKeys));
   }
   return length;
 }

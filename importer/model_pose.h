@@ -6,11 +6,10 @@
 
 namespace vexa::importer {
 
-/// Where every node of a checked model stands: its matrix to the world, root transform included.
+/// Where every node of a checked model is: its matrix to the world, root transform included.
 ///
 /// `clip` moves the nodes to where they are at a time in seconds; null leaves the stored pose.
-/// Between two keys translation and scale are linear and rotation is the shorter arc at constant
-/// speed (slerp); before the first and after the last key that key holds. All in double precision.
+/// Before the first and after the last key of a part that key holds. All in double precision.
 std::vector<Matrix> nodeTransforms(const SourceModel& model, const SourceModel::Clip* clip,
                                    double seconds);
 

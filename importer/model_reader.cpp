@@ -1,12 +1,15 @@
 #include "importer/model_reader.h"
 
+#include <cctype>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
 #include <stdexcept>
 #include <sys/stat.h>
 
+#include "formats/read_file.h"
 #include "importer/assimp_reader_internal.h"
+#include "importer/gltf_reader_internal.h"
 #include "importer/model_bytes_internal.h"
 
 namespace vexa::importer {
@@ -23,13 +26,34 @@ void checkIsReadableFile(const std::string& file) {
   if (status.st_size == 0) throw std::runtime_error("is empty");
 }
 
+std::string endingOf(const std::string& file) {
+  std::string ending = file.substr(file.find_last_of("./") + 1);
+  for (char& c : ending) c = char(std::tolower(static_cast<unsigned char>(c)));
+  return ending;
+}
+
+std::string folderOf(const std::string& file) {
+  const std::size_t slash = file.find_last_of('/');
+  return slash == std::string::npos ? "." : file.substr(0, slash + 1);
+}
+
+// glTF 2.0 is read here, everything else by libassimp.
+SourceModel readAny(const std::string& file) {
+  const std::string ending = endingOf(file);
+  if (ending == "gltf" || ending == "glb") {
+    const std::string bytes = formats::readFile(file);
+    if (isGltf2(bytes)) return readGltf(bytes, folderOf(file));
+  }
+  return readWithAssimp(file);
+}
+
 }  // namespace
 
 SourceModel readModel(const std::string& file, const ChildLimits& limits) {
   checkIsReadableFile(file);
   std::string bytes;
   try {
-    bytes = runInChild([&] { return packModel(readWithAssimp(file)); }, limits);
+    bytes = runInChild([&] { return packModel(readAny(file)); }, limits);
   } catch (const std::runtime_error& e) {
     throw std::runtime_error(std::string("the model cannot be read: ") + e.what());
   }

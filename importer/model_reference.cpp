@@ -6,33 +6,32 @@ namespace vexa::importer {
 
 namespace {
 
-using Point = Norvel::Vexa::ux_point3<double>;
+using Place = Norvel::Vexa::ux_point3<double>;
 
-Oru::TVector3D<double> posed(const ModelReference::Point& point, const std::vector<Matrix>& skins) {
-  const Point source(double(point.source.x), double(point.source.y), double(point.source.z));
-  Point sum(0, 0, 0);
+Vec3 posed(const ModelReference::Bound& point, const std::vector<Matrix>& skins) {
+  const Place source(double(point.mSource.x), double(point.mSource.y), double(point.mSource.z));
+  Place sum(0, 0, 0);
   double weights = 0;
-  for (const ModelReference::Influence& influence : point.influences) {
-    sum = sum + skins[influence.joint] * source * influence.weight;
-    weights += influence.weight;
+  for (const ModelReference::Influence& influence : point.mInfluences) {
+    sum = sum + skins[influence.mJoint] * source * influence.mWeight;
+    weights += influence.mWeight;
   }
   return {sum.x / weights, sum.y / weights, sum.z / weights};
 }
 
 }  // namespace
 
-std::vector<Oru::TVector3D<double>> ModelReference::pose(std::size_t take,
-                                                         std::size_t frame) const {
-  const double seconds = double(frame) / double(framesPerSecond);
-  const std::vector<Matrix> nodes = nodeTransforms(source, &source.clips[clips[take]], seconds);
+std::vector<Vec3> ModelReference::pose(std::size_t take, std::size_t frame) const {
+  const double seconds = double(frame) / mFramesPerSecond;
+  const std::vector<Matrix> nodes = nodeTransforms(mSource, &mSource.mClips[mClips[take]], seconds);
   std::vector<Matrix> skins;
-  skins.reserve(joints.size());
-  for (const Joint& joint : joints) {
-    skins.push_back(toHost * nodes[static_cast<std::size_t>(joint.node)] * joint.offset);
+  skins.reserve(mJoints.size());
+  for (const Joint& joint : mJoints) {
+    skins.push_back(mToHost * nodes[std::size_t(joint.mNode)] * joint.mOffset);
   }
-  std::vector<Oru::TVector3D<double>> result;
-  result.reserve(points.size());
-  for (const Point& point : points) result.push_back(posed(point, skins));
+  std::vector<Vec3> result;
+  result.reserve(mBound.size());
+  for (const Bound& point : mBound) result.push_back(posed(point, skins));
   return result;
 }
 

@@ -8,21 +8,21 @@ namespace vexa::importer {
 
 void addTravel(SourceModel& ioModel, const Oru::TVector3D<double>& travel) {
   SourceModel::Node root;
-  root.name = "travel";
-  ioModel.nodes.insert(ioModel.nodes.begin(), std::move(root));
+  root.mName = "travel";
+  ioModel.mNodes.insert(ioModel.mNodes.begin(), std::move(root));
   // All indices move up by one; the old root, whose parent was kNone, hangs on the new one.
-  for (std::size_t i = 1; i < ioModel.nodes.size(); ++i) ++ioModel.nodes[i].parent;
-  for (SourceModel::Instance& instance : ioModel.instances) ++instance.node;
-  for (SourceModel::Mesh& mesh : ioModel.meshes) {
-    for (SourceModel::Bone& bone : mesh.bones) {
-      if (bone.node != SourceModel::kNone) ++bone.node;
+  for (std::size_t i = 1; i < ioModel.mNodes.size(); ++i) ++ioModel.mNodes[i].mParent;
+  for (SourceModel::Instance& instance : ioModel.mInstances) ++instance.mNode;
+  for (SourceModel::Mesh& mesh : ioModel.mMeshes) {
+    for (SourceModel::Bone& bone : mesh.mBones) {
+      if (bone.mNode != SourceModel::kNone) ++bone.mNode;
     }
   }
-  for (SourceModel::Clip& clip : ioModel.clips) {
-    for (SourceModel::Channel& channel : clip.channels) ++channel.node;
+  for (SourceModel::Clip& clip : ioModel.mClips) {
+    for (SourceModel::Channel& channel : clip.mChannels) ++channel.mNode;
     SourceModel::Channel away;
-    away.translations = {{0, {}}, {clipLength(clip), travel}};
-    clip.channels.push_back(std::move(away));
+    away.mTranslations.mKeys = {{0, {}}, {clipLength(clip), travel}};
+    clip.mChannels.push_back(std::move(away));
   }
 }
 

@@ -16,9 +16,9 @@ namespace {
 // --- where a mesh lies -----------------------------------------------------------------------
 
 struct Placement {
-  Matrix toHost;
-  Matrix fromHost;
-  bool isMirrored = false;
+  Matrix mToHost;
+  Matrix mFromHost;
+  bool mIsMirrored = false;
 };
 
 double volume(const Matrix& m) {
@@ -53,7 +53,7 @@ bool areNear(const Matrix& a, const Matrix& b, double extent) {
 
 double extentOf(const SourceModel::Mesh& mesh) {
   float extent = 0;
-  for (const auto& p : mesh.points) {
+  for (const auto& p : mesh.mPoints) {
     extent = std::max({extent, std::abs(p.x), std::abs(p.y), std::abs(p.z)});
   }
   return double(extent);
@@ -61,16 +61,16 @@ double extentOf(const SourceModel::Mesh& mesh) {
 
 // Whether a bone moves any vertex.
 bool holds(const SourceModel::Bone& bone) {
-  return bone.node != SourceModel::kNone && !bone.influences.empty();
+  return bone.mNode != SourceModel::kNone && !bone.mInfluences.empty();
 }
 
 // The bone with the largest sum of weights; null when none has a node.
 const SourceModel::Bone* chiefBone(const SourceModel::Mesh& mesh) {
   const SourceModel::Bone* chief = nullptr;
   double most = 0;
-  for (const SourceModel::Bone& bone : mesh.bones) {
+  for (const SourceModel::Bone& bone : mesh.mBones) {
     double sum = 0;
-    for (const SourceModel::Influence& influence : bone.influences) sum += influence.weight;
+    for (const SourceModel::Influence& influence : bone.mInfluences) sum += influence.mWeight;
     if (!holds(bone) || sum <= most) continue;
     chief = &bone;
     most = sum;
@@ -131,11 +131,11 @@ void appendBytes(std::string& bytes, const T& value) {
 }
 
 void RestMeshBuilder::addInstances() {
-  std::vector<bool> isPlaced(mModel.meshes.size(), false);
-  for (const SourceModel::Instance& instance : mModel.instances) {
-    const auto index = static_cast<std::size_t>(instance.mesh);
+  std::vector<bool> isPlaced(mModel.mMeshes.size(), false);
+  for (const SourceModel::Instance& instance : mModel.mInstances) {
+    const auto index = std::size_t(instance.mMesh);
     // Bones alone say where a skinned mesh is: hung on a second node it is in the same place.
-    if (isPlaced[index] && chiefBone(mModel.meshes[index]) != nullptr) continue;
+    if (isPlaced[index] && chiefBone(mModel.mMeshes[index]) != nullptr) continue;
     isPlaced[index] = true;
     addInstance(instance);
   }
@@ -143,54 +143,54 @@ void RestMeshBuilder::addInstances() {
   if (unused > 0) {
     mNotes.push_back(std::to_string(unused) + " meshes hang on no node and are left out");
   }
-  if (mResult.mesh.triangles.empty()) throw std::runtime_error("it has no triangles");
+  if (mResult.mMesh.triangles.empty()) throw std::runtime_error("it has no triangles");
 }
 
 void RestMeshBuilder::addInstance(const SourceModel::Instance& instance) {
-  const SourceModel::Mesh& source = mModel.meshes[static_cast<std::size_t>(instance.mesh)];
-  if (source.triangles.empty()) return;
+  const SourceModel::Mesh& source = mModel.mMeshes[std::size_t(instance.mMesh)];
+  if (source.mTriangles.empty()) return;
   const std::uint32_t placement = placementOf(instance);
-  addTriangles(source, placement, influencesOf(source, instance.node, placement));
+  addTriangles(source, placement, influencesOf(source, instance.mNode, placement));
 }
 
 // Where a mesh lies in the rest mesh. Rigid: where its node is in the stored pose. Skinned: where
 // its bones then have it, if they agree, as they do in the pose of binding; that need not be where
 // its node is. Otherwise at its node, unless that is mirrored against the bones.
 Matrix RestMeshBuilder::placeOf(const SourceModel::Instance& instance) const {
-  const SourceModel::Mesh& source = mModel.meshes[static_cast<std::size_t>(instance.mesh)];
-  const Matrix atNode = mWorldToHost * mStored[static_cast<std::size_t>(instance.node)];
+  const SourceModel::Mesh& source = mModel.mMeshes[std::size_t(instance.mMesh)];
+  const Matrix atNode = mWorldToHost * mStored[std::size_t(instance.mNode)];
   const SourceModel::Bone* chief = chiefBone(source);
   if (chief == nullptr) return atNode;
   const Matrix atChief = placeByBone(*chief);
   const double extent = extentOf(source);
   const bool agree =
-      std::all_of(source.bones.begin(), source.bones.end(), [&](const SourceModel::Bone& bone) {
+      std::all_of(source.mBones.begin(), source.mBones.end(), [&](const SourceModel::Bone& bone) {
         return !holds(bone) || areNear(placeByBone(bone), atChief, extent);
       });
   return agree || volume(atNode) * volume(atChief) <= 0 ? atChief : atNode;
 }
 
 Matrix RestMeshBuilder::placeByBone(const SourceModel::Bone& bone) const {
-  return mWorldToHost * mStored[static_cast<std::size_t>(bone.node)] * bone.offset;
+  return mWorldToHost * mStored[std::size_t(bone.mNode)] * bone.mOffset;
 }
 
 // Nearly the same place is taken as the same, so that meshes with one skeleton are welded; the
 // joints make up for the difference.
 std::uint32_t RestMeshBuilder::placementOf(const SourceModel::Instance& instance) {
-  const SourceModel::Mesh& source = mModel.meshes[static_cast<std::size_t>(instance.mesh)];
+  const SourceModel::Mesh& source = mModel.mMeshes[std::size_t(instance.mMesh)];
   const double extent = extentOf(source);
   Matrix place = placeOf(instance);
   if (!isSound(place)) {
-    mNotes.push_back("mesh '" + source.name +
+    mNotes.push_back("mesh '" + source.mName +
                      "' is scaled to nothing and lies at the origin of the rest mesh");
     place = mWorldToHost;
   }
-  const auto isHere = [&](const Placement& p) { return areNear(p.toHost, place, extent); };
+  const auto isHere = [&](const Placement& p) { return areNear(p.mToHost, place, extent); };
   const auto found = std::find_if(mPlacements.begin(), mPlacements.end(), isHere);
-  if (found != mPlacements.end()) return static_cast<std::uint32_t>(found - mPlacements.begin());
+  if (found != mPlacements.end()) return std::uint32_t(found - mPlacements.begin());
   const Matrix toHost = areNear(mWorldToHost, place, extent) ? mWorldToHost : place;
   mPlacements.push_back({toHost, toHost.invert(), volume(toHost) < 0});
-  return static_cast<std::uint32_t>(mPlacements.size() - 1);
+  return std::uint32_t(mPlacements.size() - 1);
 }
 
 std::uint32_t RestMeshBuilder::jointOf(std::int32_t node, const Matrix& offset,
@@ -199,11 +199,11 @@ std::uint32_t RestMeshBuilder::jointOf(std::int32_t node, const Matrix& offset,
   appendBytes(bytes, node);
   appendBytes(bytes, offset);
   appendBytes(bytes, placement);
-  const auto index = static_cast<std::uint32_t>(mResult.joints.size());
+  const auto index = std::uint32_t(mResult.mJoints.size());
   const auto [found, isNew] = mJointsByBytes.emplace(bytes, index);
   if (isNew) {
-    mResult.joints.push_back({node, offset});
-    mResult.binds.push_back(offset * mPlacements[placement].fromHost);
+    mResult.mJoints.push_back({node, offset});
+    mResult.mBinds.push_back(offset * mPlacements[placement].mFromHost);
   }
   return found->second;
 }
@@ -211,18 +211,18 @@ std::uint32_t RestMeshBuilder::jointOf(std::int32_t node, const Matrix& offset,
 // Per vertex of the mesh; a vertex that no bone holds hangs on the mesh's own node.
 std::vector<RestMeshBuilder::Influences> RestMeshBuilder::influencesOf(
     const SourceModel::Mesh& source, std::int32_t node, std::uint32_t placement) {
-  std::vector<Influences> influences(source.points.size());
-  for (const SourceModel::Bone& bone : source.bones) {
-    if (bone.influences.empty()) continue;
-    const bool isLost = bone.node == SourceModel::kNone;
+  std::vector<Influences> influences(source.mPoints.size());
+  for (const SourceModel::Bone& bone : source.mBones) {
+    if (bone.mInfluences.empty()) continue;
+    const bool isLost = bone.mNode == SourceModel::kNone;
     if (isLost) {
-      mNotes.push_back("bone '" + bone.name + "' names no node: its vertices go with mesh '" +
-                       source.name + "'");
+      mNotes.push_back("bone '" + bone.mName + "' names no node: its vertices go with mesh '" +
+                       source.mName + "'");
     }
     const std::uint32_t joint =
-        isLost ? jointOf(node, {}, placement) : jointOf(bone.node, bone.offset, placement);
-    for (const SourceModel::Influence& influence : bone.influences) {
-      influences[influence.vertex].push_back({joint, influence.weight});
+        isLost ? jointOf(node, {}, placement) : jointOf(bone.mNode, bone.mOffset, placement);
+    for (const SourceModel::Influence& influence : bone.mInfluences) {
+      influences[influence.mVertex].push_back({joint, influence.mWeight});
     }
   }
   std::size_t unheld = 0;
@@ -231,8 +231,8 @@ std::vector<RestMeshBuilder::Influences> RestMeshBuilder::influencesOf(
     own.push_back({jointOf(node, {}, placement), 1.0});
     ++unheld;
   }
-  if (unheld > 0 && !source.bones.empty()) {
-    mNotes.push_back("mesh '" + source.name + "': " + std::to_string(unheld) +
+  if (unheld > 0 && !source.mBones.empty()) {
+    mNotes.push_back("mesh '" + source.mName + "': " + std::to_string(unheld) +
                      " vertices have no weights and go with the mesh");
   }
   return influences;
@@ -240,38 +240,38 @@ std::vector<RestMeshBuilder::Influences> RestMeshBuilder::influencesOf(
 
 void RestMeshBuilder::addTriangles(const SourceModel::Mesh& source, std::uint32_t placement,
                                    const std::vector<Influences>& influences) {
-  for (const auto& triangle : source.triangles) {
+  for (const auto& triangle : source.mTriangles) {
     std::array<std::uint32_t, 3> corners = {triangle.x, triangle.y, triangle.z};
-    if (mPlacements[placement].isMirrored) std::swap(corners[1], corners[2]);
+    if (mPlacements[placement].mIsMirrored) std::swap(corners[1], corners[2]);
     formats::ObjTriangle added;
-    added.material = source.material;
+    added.material = source.mMaterial;
     for (std::size_t i = 0; i < 3; ++i) {
       added.corners[i].point = weld(source, corners[i], placement, influences[corners[i]]);
-      if (source.uvs.empty()) continue;
-      added.corners[i].u = source.uvs[corners[i]].x;
-      added.corners[i].v = source.uvs[corners[i]].y;
+      if (source.mUvs.empty()) continue;
+      added.corners[i].u = source.mUvs[corners[i]].x;
+      added.corners[i].v = source.mUvs[corners[i]].y;
     }
-    mResult.mesh.triangles.push_back(added);
+    mResult.mMesh.triangles.push_back(added);
   }
 }
 
 std::uint32_t RestMeshBuilder::weld(const SourceModel::Mesh& source, std::uint32_t vertex,
                                     std::uint32_t placement, const Influences& influences) {
-  const Oru::TVector3D<float>& p = source.points[vertex];
+  const Oru::TVector3D<float>& p = source.mPoints[vertex];
   std::string bytes;
   appendBytes(bytes, placement);
   // Adding 0 makes -0 and 0 the same.
   for (const float v : {p.x + 0.0f, p.y + 0.0f, p.z + 0.0f}) appendBytes(bytes, v);
   for (const ModelReference::Influence& influence : influences) {
-    appendBytes(bytes, influence.joint);
-    appendBytes(bytes, influence.weight);
+    appendBytes(bytes, influence.mJoint);
+    appendBytes(bytes, influence.mWeight);
   }
-  const auto index = static_cast<std::uint32_t>(mResult.points.size());
+  const auto index = std::uint32_t(mResult.mBound.size());
   const auto [found, isNew] = mPointsByBytes.emplace(std::move(bytes), index);
   if (isNew) {
-    mResult.points.push_back({p, influences});
-    mResult.mesh.points.push_back(
-        toFloat(mPlacements[placement].toHost *
+    mResult.mBound.push_back({p, influences});
+    mResult.mMesh.points.push_back(
+        toFloat(mPlacements[placement].mToHost *
                 Norvel::Vexa::ux_point3<double>(double(p.x), double(p.y), double(p.z))));
   }
   return found->second;

@@ -11,12 +11,12 @@ namespace vexa::importer {
 /// A model at rest as one mesh, and what moves its vertices.
 struct RestMesh {
   /// In host space.
-  formats::ObjModel mesh;
-  std::vector<Joint> joints;
+  formats::ObjModel mMesh;
+  std::vector<Joint> mJoints;
   /// Per joint: from host space, where the mesh lies at rest, to the joint's node.
-  std::vector<Matrix> binds;
+  std::vector<Matrix> mBinds;
   /// One per point of the mesh.
-  std::vector<ModelReference::Point> points;
+  std::vector<ModelReference::Bound> mBound;
 };
 
 /// Turns what hangs on the nodes of a checked model into one mesh, welded where position and links

@@ -49,12 +49,12 @@ TEST_F(ModelCorpus, EveryFileIsImportedOrRefusedWithAReason) {
     SCOPED_TRACE(file);
     try {
       const ImportedModel model = importModel(file.string());
-      const double difference = checkThroughFile(model).largestDifference;
+      const double difference = checkThroughFile(model).mLargestDifference;
       EXPECT_LT(difference, kImportTolerance);
       worst = std::max(worst, difference);
-      const auto& meshes = model.reference.source.meshes;
+      const auto& meshes = model.mReference.mSource.mMeshes;
       const bool hasBones = std::any_of(meshes.begin(), meshes.end(),
-                                        [](const auto& mesh) { return !mesh.bones.empty(); });
+                                        [](const auto& mesh) { return !mesh.mBones.empty(); });
       ++(hasBones ? skinned : rigid);
     } catch (const std::runtime_error& e) {
       const std::string reason = e.what();
@@ -79,7 +79,7 @@ struct Expected {
 
 // From the lowest to the highest vertex of the first pose.
 double heightOf(const ImportedModel& model) {
-  const auto pose = model.reference.pose(0, 0);
+  const auto pose = model.mReference.pose(0, 0);
   const auto [low, high] = std::minmax_element(
       pose.begin(), pose.end(), [](const auto& a, const auto& b) { return a.z < b.z; });
   return high->z - low->z;
@@ -98,26 +98,26 @@ TEST_F(ModelCorpus, KnownModelsStandUprightWithAllTheyHave) {
     SCOPED_TRACE(expected.file);
     const ImportedModel model = importModel((kModels / expected.file).string());
     std::size_t links = 0;
-    for (const auto& node : model.animation.mNodes) links += node.mLinks.size();
+    for (const auto& node : model.mAnimation.mNodes) links += node.mLinks.size();
     EXPECT_NEAR(heightOf(model), expected.height, 1e-3 * expected.height);
-    EXPECT_EQ(model.mesh.points.size(), expected.vertices);
-    EXPECT_EQ(model.mesh.triangles.size(), expected.triangles);
+    EXPECT_EQ(model.mMesh.points.size(), expected.vertices);
+    EXPECT_EQ(model.mMesh.triangles.size(), expected.triangles);
     EXPECT_EQ(links, expected.links);
-    EXPECT_EQ(model.animation.mFrameCounts, expected.frames);
+    EXPECT_EQ(model.mAnimation.mFrameCounts, expected.frames);
   }
 }
 
 // Where the vertices of a bone are on average.
 Oru::TVector3D<double> middleOf(const ImportedModel& model, const std::string& bone) {
-  const auto pose = model.reference.pose(0, 0);
+  const auto pose = model.mReference.pose(0, 0);
   Oru::TVector3D<double> sum{};
   double weights = 0;
   for (std::size_t v = 0; v < pose.size(); ++v) {
-    for (const auto& influence : model.reference.points[v].influences) {
-      const auto& joint = model.reference.joints[influence.joint];
-      if (model.reference.source.nodes[std::size_t(joint.node)].name != bone) continue;
-      sum = sum + pose[v] * influence.weight;
-      weights += influence.weight;
+    for (const auto& influence : model.mReference.mBound[v].mInfluences) {
+      const auto& joint = model.mReference.mJoints[influence.mJoint];
+      if (model.mReference.mSource.mNodes[std::size_t(joint.mNode)].mName != bone) continue;
+      sum = sum + pose[v] * influence.mWeight;
+      weights += influence.mWeight;
     }
   }
   return sum * (1 / weights);

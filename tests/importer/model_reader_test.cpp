@@ -38,24 +38,24 @@ TEST(ChildProcess, ItsResultOrItsEndArriveAndItLeavesNothingBehind) {
 
 TEST(ChildProcess, ItsLimitsHold) {
   ChildLimits limits;
-  limits.wallTime = 100ms;
+  limits.mWallTime = 100ms;
   const auto sleep = []() -> std::string {
     std::this_thread::sleep_for(1h);
     return {};
   };
   EXPECT_EQ(outcome(sleep, limits), "it took longer than 100 ms");
-  limits.wallTime = 20s;
-  limits.cpuSeconds = 1;
+  limits.mWallTime = 20s;
+  limits.mCpuSeconds = 1;
   const auto spin = []() -> std::string {
     for (volatile unsigned i = 0;; i = i + 1) {
     }
   };
   EXPECT_EQ(outcome(spin, limits), "it took more than 1 s of processor time");
-  limits.memoryBytes = 64 << 20;
+  limits.mMemoryBytes = 64 << 20;
   const std::string what = outcome([] { return std::string(std::size_t{200} << 20, 'x'); }, limits);
   // The address sanitizer ends the process instead.
   EXPECT_TRUE(what == "not enough memory" || what.rfind("it ended without a result", 0) == 0);
-  limits.resultBytes = 10;
+  limits.mResultBytes = 10;
   EXPECT_EQ(outcome([] { return std::string(11, 'x'); }, limits),
             "its result is larger than 10 bytes");
   EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
@@ -94,12 +94,12 @@ const char kTriangle[] =
 TEST(ModelReader, AnSmdFileStandsUprightAndMoves) {
   const importer::ImportedModel model =
       importer::importModel(writeModel("triangle.smd", kTriangle));
-  ASSERT_EQ(model.mesh.points.size(), 3u);
-  EXPECT_EQ(model.mesh.points[1].z, 2);
-  ASSERT_EQ(model.takes.size(), 1u);
-  EXPECT_EQ(model.takes[0].frameCount, 8);
-  EXPECT_NEAR(model.reference.pose(0, 7)[1].y, 1, 0.05);
-  EXPECT_LT(checkThroughFile(model).largestDifference, 1e-6);
+  ASSERT_EQ(model.mMesh.points.size(), 3u);
+  EXPECT_EQ(model.mMesh.points[1].z, 2);
+  ASSERT_EQ(model.mTakes.size(), 1u);
+  EXPECT_EQ(model.mTakes[0].mFrameCount, 8);
+  EXPECT_NEAR(model.mReference.pose(0, 7)[1].y, 1, 0.05);
+  EXPECT_LT(checkThroughFile(model).mLargestDifference, 1e-6);
 }
 
 TEST(ModelReader, EveryFaultIsOneLine) {
@@ -109,7 +109,7 @@ TEST(ModelReader, EveryFaultIsOneLine) {
   EXPECT_EQ(whatOf([] { importer::readModel(writeModel("empty.fbx", "")); }), "is empty");
   // Some of these keep the reader busy for ever.
   ChildLimits limits;
-  limits.wallTime = 300ms;
+  limits.mWallTime = 300ms;
   const std::string text = kTriangle;
   for (std::size_t length = 1; length < text.size(); length += 23) {
     const std::string file = writeModel("cut.smd", text.substr(0, length));

@@ -27,22 +27,22 @@ inline Matrix translation(double x, double y, double z) {
 inline SourceModel arm() {
   const double half = std::sqrt(0.5);
   SourceModel model;
-  model.nodes = {{"root", SourceModel::kNone, {}},
-                 {"shoulder", 0, {}},
-                 {"elbow", 1, translation(0, 1, 0)},
-                 {"skin", 0, {}}};
+  model.mNodes = {{"root", SourceModel::kNone, {}},
+                  {"shoulder", 0, {}},
+                  {"elbow", 1, translation(0, 1, 0)},
+                  {"skin", 0, {}}};
   SourceModel::Mesh mesh;
-  mesh.name = "skin";
-  mesh.points = {{0, 0, 0}, {0, 1, 0}, {0, 2, 0}, {0, 2, 1}};
-  mesh.triangles = {{0, 1, 3}, {1, 2, 3}};
-  mesh.bones = {{"shoulder", 1, {}, {{0, 1.0}, {1, 0.5}}},
-                {"elbow", 2, translation(0, -1, 0), {{1, 0.5}, {2, 1.0}, {3, 1.0}}}};
-  model.meshes = {mesh};
-  model.instances = {{3, 0}};
+  mesh.mName = "skin";
+  mesh.mPoints = {{0, 0, 0}, {0, 1, 0}, {0, 2, 0}, {0, 2, 1}};
+  mesh.mTriangles = {{0, 1, 3}, {1, 2, 3}};
+  mesh.mBones = {{"shoulder", 1, {}, {{0, 1.0}, {1, 0.5}}},
+                 {"elbow", 2, translation(0, -1, 0), {{1, 0.5}, {2, 1.0}, {3, 1.0}}}};
+  model.mMeshes = {mesh};
+  model.mInstances = {{3, 0}};
   SourceModel::Channel channel;
-  channel.node = 2;
-  channel.rotations = {{0, {0, 0, 0, 1}}, {1, {0, 0, half, half}}};
-  model.clips = {{"bend", {channel}}};
+  channel.mNode = 2;
+  channel.mRotations.mKeys = {{0, {0, 0, 0, 1}}, {1, {0, 0, half, half}}};
+  model.mClips = {{"bend", {channel}}};
   return model;
 }
 
@@ -51,8 +51,8 @@ inline importer::ImportCheck checkThroughFile(const importer::ImportedModel& mod
   // Cases run side by side, each in a process of its own.
   const std::string file =
       testing::TempDir() + "vexa_import_check_" + std::to_string(getpid()) + ".amo";
-  formats::writeAnimationFile(model.animation, file);
-  const importer::ImportCheck check = importer::verifyImport(model, file, model.mesh.points);
+  formats::writeAnimationFile(model.mAnimation, file);
+  const importer::ImportCheck check = importer::verifyImport(model, file, model.mMesh.points);
   std::remove(file.c_str());
   return check;
 }
