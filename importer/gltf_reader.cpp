@@ -65,14 +65,8 @@ Matrix localOf(const tinygltf::Node& node) {
   }
   Vec3 axes[3];
   axesOf(q, axes);
-  for (int c = 0; c < 3; ++c) {
-    const Vec3 column = axes[c] * (s.size() == 3 ? s[std::size_t(c)] : 1);
-    local(0, c) = column.x;
-    local(1, c) = column.y;
-    local(2, c) = column.z;
-    if (t.size() == 3) local(c, 3) = t[std::size_t(c)];
-  }
-  return local;
+  return matrixOf(axes, s.size() == 3 ? Vec3(s[0], s[1], s[2]) : Vec3(1, 1, 1),
+                  t.size() == 3 ? Vec3(t[0], t[1], t[2]) : Vec3());
 }
 
 // Per node the one that it hangs on, or -1.

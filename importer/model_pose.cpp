@@ -35,26 +35,6 @@ Columns columnsOf(const Matrix& local) {
   return columns;
 }
 
-Matrix compose(const Columns& columns) {
-  const Vec3 all[4] = {columns.mAxes[0] * columns.mScale.x, columns.mAxes[1] * columns.mScale.y,
-                       columns.mAxes[2] * columns.mScale.z, columns.mTranslation};
-  Matrix result;
-  for (int c = 0; c < 4; ++c) {
-    result(0, c) = all[c].x;
-    result(1, c) = all[c].y;
-    result(2, c) = all[c].z;
-  }
-  return result;
-}
-
-Matrix compose(const Placing& placing, const Vec3& scale) {
-  Columns columns;
-  columns.mTranslation = placing.mTranslation;
-  axesOf(placing.mRotation, columns.mAxes);
-  columns.mScale = scale;
-  return compose(columns);
-}
-
 Matrix localAt(const SourceModel::Channel& channel, const Matrix& stored, double seconds) {
   Columns columns = columnsOf(stored);
   if (!channel.mTranslations.mKeys.empty()) {
@@ -64,7 +44,7 @@ Matrix localAt(const SourceModel::Channel& channel, const Matrix& stored, double
     axesOf(valueAt(channel.mRotations, seconds), columns.mAxes);
   }
   if (!channel.mScales.mKeys.empty()) columns.mScale = valueAt(channel.mScales, seconds);
-  return compose(columns);
+  return matrixOf(columns.mAxes, columns.mScale, columns.mTranslation);
 }
 
 // --- world matrices --------------------------------------------------------------------------
@@ -134,8 +114,10 @@ class WorldBuilder {
       placing.mTranslation = scaled(placing.mTranslation, mScaling[parent].mScale);
       above = mScaling[parent].mUnscaledWorld;
     }
-    mWorlds.push_back(above * compose(placing, own.mScale));
-    own.mUnscaledWorld = above * compose(placing, {1, 1, 1});
+    placing.mScale = own.mScale;
+    mWorlds.push_back(above * matrixOf(placing));
+    placing.mScale = {1, 1, 1};
+    own.mUnscaledWorld = above * matrixOf(placing);
   }
 
   const SourceModel& mModel;

@@ -9,6 +9,8 @@
 
 #include "formats/read_file.h"
 #include "importer/assimp_reader_internal.h"
+#include "importer/fbx_document_internal.h"
+#include "importer/fbx_reader_internal.h"
 #include "importer/gltf_reader_internal.h"
 #include "importer/model_bytes_internal.h"
 
@@ -37,12 +39,16 @@ std::string folderOf(const std::string& file) {
   return slash == std::string::npos ? "." : file.substr(0, slash + 1);
 }
 
-// glTF 2.0 is read here, everything else by libassimp.
+// glTF 2.0 and FBX 7 are read here, everything else by libassimp.
 SourceModel readAny(const std::string& file) {
   const std::string ending = endingOf(file);
   if (ending == "gltf" || ending == "glb") {
     const std::string bytes = formats::readFile(file);
     if (isGltf2(bytes)) return readGltf(bytes, folderOf(file));
+  }
+  if (ending == "fbx") {
+    const std::string bytes = formats::readFile(file);
+    if (fbxVersion(bytes) >= 7000) return readFbx(bytes);
   }
   return readWithAssimp(file);
 }

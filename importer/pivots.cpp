@@ -36,6 +36,12 @@ Vec3 scaled(const Vec3& a, const Vec3& b) { return {a.x * b.x, a.y * b.y, a.z * 
 
 }  // namespace
 
+Matrix matrixOf(const Placing& placing) {
+  Vec3 axes[3];
+  axesOf(placing.mRotation, axes);
+  return matrixOf(axes, placing.mScale, placing.mTranslation);
+}
+
 // The chain of SourceModel::Pivots multiplied out: all its factors but one rotation and one scale
 // are translations.
 Placing placingOf(const SourceModel::Pivots& pivots, const SourceModel::Channel* channel,

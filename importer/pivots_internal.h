@@ -11,6 +11,9 @@ struct Placing {
   Vec3 mScale;
 };
 
+/// The matrix of such parts.
+Matrix matrixOf(const Placing& placing);
+
 /// Where a node with pivots is relative to its parent. `channel` may be null.
 Placing placingOf(const SourceModel::Pivots& pivots, const SourceModel::Channel* channel,
                   double seconds);

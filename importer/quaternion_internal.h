@@ -50,4 +50,16 @@ inline void axesOf(const Quaternion& q, Vec3 (&outAxes)[3]) {
                 1 - 2 * (q.x * q.x + q.y * q.y)};
 }
 
+/// The matrix of a rotation's columns, a scale along them and a translation.
+inline Matrix matrixOf(const Vec3 (&axes)[3], const Vec3& scale, const Vec3& translation) {
+  const Vec3 columns[4] = {axes[0] * scale.x, axes[1] * scale.y, axes[2] * scale.z, translation};
+  Matrix result;
+  for (int c = 0; c < 4; ++c) {
+    result(0, c) = columns[c].x;
+    result(1, c) = columns[c].y;
+    result(2, c) = columns[c].z;
+  }
+  return result;
+}
+
 }  // namespace vexa::importer
