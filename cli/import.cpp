@@ -54,12 +54,25 @@ void addImport(CLI::App& app) {
       ->required()
       ->type_name("STEM");
   command->add_option("--clip", options->import.mClips, "only this clip; may be repeated");
+  command
+      ->add_option("--motion", options->import.mMotions,
+                   "a file of clips for the model's nodes; may be repeated")
+      ->type_name("FILE");
   command->add_option("--fps", options->import.mFramesPerSecond, "frames per second")
       ->check(CLI::PositiveNumber)
       ->capture_default_str();
   command->add_option("--up", options->up, "the model's upward axis, whatever its file says")
       ->check(CLI::IsMember({"y", "z"}))
       ->option_text("y|z");
+  command->add_option("--scale", options->import.mScale, "multiplies all lengths")
+      ->check(CLI::PositiveNumber)
+      ->capture_default_str();
+  command
+      ->add_option("--ticks-per-second", options->import.mTicksPerSecond,
+                   "for files that count keys in ticks and state no speed, or a wrong one")
+      ->check(CLI::PositiveNumber);
+  command->add_flag("--strict", options->import.mStrict,
+                    "refuse what cannot be shown exactly as the file means it");
   command
       ->add_option("--travel", options->travel,
                    "how far each take leads, for clips that walk in place")

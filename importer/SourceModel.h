@@ -144,8 +144,11 @@ struct SourceModel {
     Track<VectorKey> mTranslations;
     Track<RotationKey> mRotations;
     Track<VectorKey> mScales;
-    /// For a node with pivots, which has no use for the three above.
+    /// The motion of a node with pivots.
     std::vector<Curve> mCurves;
+    /// The pivots that the curves are about, when they come from another file than the node; else
+    /// kNone, for the node's own.
+    std::int32_t mPivots = kNone;
   };
 
   struct Clip {

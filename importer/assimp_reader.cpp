@@ -194,10 +194,11 @@ SourceModel::Channel readChannel(const aiNodeAnim& channel, std::int32_t node,
 
 constexpr double kDefaultTicksPerSecond = 25;
 
-void readClip(const aiAnimation& animation, const NodeIndices& byName, SourceModel& outModel) {
+void readClip(const aiAnimation& animation, const NodeIndices& byName, double chosen,
+              SourceModel& outModel) {
   SourceModel::Clip clip;
   clip.mName = toString(animation.mName);
-  double ticksPerSecond = animation.mTicksPerSecond;
+  double ticksPerSecond = chosen > 0 ? chosen : animation.mTicksPerSecond;
   if (!(ticksPerSecond > 0) || !std::isfinite(ticksPerSecond)) {
     ticksPerSecond = kDefaultTicksPerSecond;
     outModel.mNotes.push_back("clip '" + clip.mName +
@@ -258,7 +259,7 @@ Matrix readAxes(const aiScene& scene, const std::string& file) {
 
 // --- the whole -------------------------------------------------------------------------------
 
-SourceModel convert(const aiScene& scene, const std::string& file) {
+SourceModel convert(const aiScene& scene, const std::string& file, double ticksPerSecond) {
   SourceModel model;
   const NodeIndices byName = readNodes(*scene.mRootNode, model);
   for (unsigned i = 0; i < scene.mNumMeshes; ++i) readMesh(*scene.mMeshes[i], byName, model);
@@ -266,7 +267,7 @@ SourceModel convert(const aiScene& scene, const std::string& file) {
     model.mMaterials.push_back(readMaterial(*scene.mMaterials[i]));
   }
   for (unsigned i = 0; i < scene.mNumAnimations; ++i) {
-    readClip(*scene.mAnimations[i], byName, model);
+    readClip(*scene.mAnimations[i], byName, ticksPerSecond, model);
   }
   makeNamesUnique(model.mClips, "clip");
   makeNamesUnique(model.mMaterials, "material");
@@ -287,12 +288,12 @@ SourceModel convert(const aiScene& scene, const std::string& file) {
 
 // Not asked for: joining identical vertices. With nothing but positions left it would join
 // vertices of different weights.
-SourceModel readWithAssimp(const std::string& file) {
+SourceModel readWithAssimp(const std::string& file, double ticksPerSecond) {
   Assimp::Importer importer;
   const aiScene* scene = importer.ReadFile(file, aiProcess_Triangulate);
   if (scene == nullptr) failFor(importer.GetErrorString());
   if (scene->mRootNode == nullptr) throw std::runtime_error("it has no nodes");
-  return convert(*scene, file);
+  return convert(*scene, file, ticksPerSecond);
 }
 
 }  // namespace vexa::importer

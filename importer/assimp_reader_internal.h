@@ -7,7 +7,8 @@
 namespace vexa::importer {
 
 /// Reads a model with libassimp, in this process: it may abort on a malformed file, so it is only
-/// called in a child (see readModel). Throws std::runtime_error with the reader's reason.
-SourceModel readWithAssimp(const std::string& file);
+/// called in a child (see readModel). `ticksPerSecond` replaces what the file says unless it is 0.
+/// Throws std::runtime_error with the reader's reason.
+SourceModel readWithAssimp(const std::string& file, double ticksPerSecond);
 
 }  // namespace vexa::importer

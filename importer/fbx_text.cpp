@@ -73,7 +73,7 @@ class TextReader {
   void takeValues(FbxRecord& ioRecord) {
     skip(false);
     while (mPlace < mText.size() && peek() != '\n' && peek() != '{' && peek() != '}') {
-      ioRecord.mValues.push_back(takeValue());
+      if (peek() != ',') ioRecord.mValues.push_back(takeValue());
       skip(false);
       if (peek() != ',') break;
       ++mPlace;

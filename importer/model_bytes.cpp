@@ -44,7 +44,7 @@ void transfer(Archive& archive, SourceModel::Curve& curve) {
 template <class Archive>
 void transfer(Archive& archive, SourceModel::Channel& channel) {
   archive(channel.mNode, channel.mTranslations, channel.mRotations, channel.mScales,
-          channel.mCurves);
+          channel.mCurves, channel.mPivots);
 }
 
 template <class Archive>

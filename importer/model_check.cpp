@@ -156,11 +156,14 @@ void checkCurve(SourceModel::Curve& curve, const std::string& which) {
                    [](const auto& a, const auto& b) { return a.mTime < b.mTime; });
 }
 
-void checkClip(SourceModel::Clip& clip, std::size_t nodeCount, std::vector<std::string>& ioNotes) {
+void checkClip(SourceModel::Clip& clip, std::size_t nodeCount, std::size_t pivotCount,
+               std::vector<std::string>& ioNotes) {
   const std::string which = "clip " + quoted(clip.mName);
   for (SourceModel::Channel& channel : clip.mChannels) {
     require(isIndex(channel.mNode, nodeCount),
             which + " moves a node that the model does not have");
+    require(channel.mPivots == SourceModel::kNone || isIndex(channel.mPivots, pivotCount),
+            which + " has wrong pivots");
     checkRotations(channel.mRotations, which, ioNotes);
     checkTrack(channel.mTranslations, which, ioNotes);
     checkTrack(channel.mRotations, which, ioNotes);
@@ -196,7 +199,7 @@ void checkModel(SourceModel& ioModel) {
             "it hangs a mesh where there is none");
   }
   for (SourceModel::Clip& clip : ioModel.mClips) {
-    checkClip(clip, ioModel.mNodes.size(), ioModel.mNotes);
+    checkClip(clip, ioModel.mNodes.size(), ioModel.mPivots.size(), ioModel.mNotes);
   }
   checkMaterials(ioModel);
 }

@@ -7,9 +7,11 @@
 #include <stdexcept>
 
 #include "importer/model_check.h"
+#include "importer/model_motion.h"
 #include "importer/model_pose.h"
 #include "importer/model_reader.h"
 #include "importer/model_travel.h"
+#include "importer/nearest_name.h"
 #include "importer/rest_mesh_internal.h"
 
 namespace vexa::importer {
@@ -34,10 +36,16 @@ Matrix fromRows(const std::array<std::array<double, 3>, 3>& rows) {
   return result;
 }
 
-Matrix worldToUpright(const SourceModel& model, UpAxis up) {
+Matrix turnUpright(const SourceModel& model, UpAxis up) {
   if (up == UpAxis::Y) return {};
   if (up == UpAxis::Z) return fromRows({{{1, 0, 0}, {0, 0, 1}, {0, -1, 0}}});
   return model.mAxes;
+}
+
+Matrix worldToUpright(const SourceModel& model, const ImportOptions& options) {
+  Matrix scale;
+  for (int i = 0; i < 3; ++i) scale(i, i) = options.mScale;
+  return scale * turnUpright(model, options.mUp);
 }
 
 Matrix uprightToHost() { return fromRows({{{1, 0, 0}, {0, 0, -1}, {0, 1, 0}}}); }
@@ -46,12 +54,17 @@ Matrix uprightToFile() { return fromRows({{{1, 0, 0}, {0, 1, 0}, {0, 0, -1}}}); 
 
 // --- clips -----------------------------------------------------------------------------------
 
-std::string clipNames(const SourceModel& model) {
-  std::string names;
+[[noreturn]] void refuseClip(const SourceModel& model, const std::string& name) {
+  std::vector<std::string> names;
+  std::string list;
   for (const SourceModel::Clip& clip : model.mClips) {
-    names += (names.empty() ? "'" : ", '") + clip.mName + "'";
+    names.push_back(clip.mName);
+    list += (list.empty() ? "'" : ", '") + clip.mName + "'";
   }
-  return names;
+  const std::string nearest = nearestName(name, names);
+  refuse("it has no clip '" + name + "'" +
+         (nearest.empty() ? "" : "; did you mean '" + nearest + "'?") +
+         (nearest.empty() ? ";" : "") + " its clips are " + list);
 }
 
 void requireAnimation(const SourceModel& model) {
@@ -65,11 +78,11 @@ void requireAnimation(const SourceModel& model) {
   if (!moves) refuse("its animation moves neither bones nor other nodes");
 }
 
-std::vector<std::size_t> allClips(const SourceModel& model, std::vector<std::string>& notes) {
+std::vector<std::size_t> allClips(const SourceModel& model, std::vector<std::string>& ioNotes) {
   std::vector<std::size_t> chosen;
   for (std::size_t i = 0; i < model.mClips.size(); ++i) {
     if (model.mClips[i].mChannels.empty()) {
-      notes.push_back("clip '" + model.mClips[i].mName + "' moves no node and is left out");
+      ioNotes.push_back("clip '" + model.mClips[i].mName + "' moves no node and is left out");
     } else {
       chosen.push_back(i);
     }
@@ -77,17 +90,16 @@ std::vector<std::size_t> allClips(const SourceModel& model, std::vector<std::str
   return chosen;
 }
 
-std::vector<std::size_t> chooseClips(const SourceModel& model, const ImportOptions& options,
-                                     std::vector<std::string>& notes) {
-  if (options.mClips.empty()) return allClips(model, notes);
+std::vector<std::size_t> chooseClips(const SourceModel& model,
+                                     const std::vector<std::string>& names,
+                                     std::vector<std::string>& ioNotes) {
+  if (names.empty()) return allClips(model, ioNotes);
   std::vector<std::size_t> chosen;
-  for (const std::string& name : options.mClips) {
+  for (const std::string& name : names) {
     const auto found =
         std::find_if(model.mClips.begin(), model.mClips.end(),
                      [&](const SourceModel::Clip& clip) { return clip.mName == name; });
-    if (found == model.mClips.end()) {
-      refuse("it has no clip '" + name + "'; its clips are " + clipNames(model));
-    }
+    if (found == model.mClips.end()) refuseClip(model, name);
     chosen.push_back(std::size_t(found - model.mClips.begin()));
   }
   return chosen;
@@ -175,7 +187,7 @@ formats::AnimationFile bake(const SourceModel& model, const std::vector<std::siz
 }
 
 void noteStillness(const SourceModel& model, const std::vector<std::size_t>& clips,
-                   const std::vector<Joint>& joints, std::vector<std::string>& notes) {
+                   const std::vector<Joint>& joints, std::vector<std::string>& ioNotes) {
   std::vector<bool> isMoved(model.mNodes.size(), false);
   for (const std::size_t clip : clips) {
     for (const SourceModel::Channel& channel : model.mClips[clip].mChannels) {
@@ -188,38 +200,82 @@ void noteStillness(const SourceModel& model, const std::vector<std::size_t>& cli
   const bool moves = std::any_of(joints.begin(), joints.end(), [&](const Joint& joint) {
     return isMoved[std::size_t(joint.mNode)];
   });
-  if (!moves) notes.push_back("its animation moves no mesh: every frame shows the same pose");
+  if (!moves) ioNotes.push_back("its animation moves no mesh: every frame shows the same pose");
+}
+
+// What a file of clips says, checked; faults name it.
+SourceModel readMotion(const std::string& file, const ImportOptions& options) {
+  try {
+    SourceModel motion = readModel(file, options.mLimits, options.mTicksPerSecond);
+    checkModel(motion);
+    return motion;
+  } catch (const std::runtime_error& e) {
+    refuse("'" + file + "': " + e.what());
+  }
+}
+
+// The clips of other files, which then are those to be taken unless some are named.
+void addMotions(const ImportOptions& options, SourceModel& ioModel,
+                std::vector<std::string>& outClips) {
+  outClips = options.mClips;
+  const std::size_t own = ioModel.mClips.size();
+  for (const std::string& file : options.mMotions) {
+    addMotion(readMotion(file, options), file, ioModel);
+  }
+  if (options.mMotions.empty() || !outClips.empty()) return;
+  for (std::size_t i = own; i < ioModel.mClips.size(); ++i) {
+    outClips.push_back(ioModel.mClips[i].mName);
+  }
+}
+
+void requireSoundOptions(const ImportOptions& options) {
+  if (!(options.mFramesPerSecond > 0) || options.mFramesPerSecond > 1e6) {
+    refuse("frames per second must be above 0 and at most 1000000");
+  }
+  if (!(options.mScale > 0) || !std::isfinite(options.mScale)) {
+    refuse("the scale must be a number above 0");
+  }
+}
+
+void requireNoNotes(const std::vector<std::string>& notes) {
+  if (notes.empty()) return;
+  const std::string more =
+      notes.size() > 1 ? " (and " + std::to_string(notes.size() - 1) + " more)" : "";
+  refuse("it cannot be shown exactly as the file means it: " + notes.front() + more);
+}
+
+void applyTravel(const Vec3& travel, const Matrix& toHost, SourceModel& ioModel) {
+  if (travel == Vec3()) return;
+  const auto inWorld =
+      toHost.invert() * Norvel::Vexa::ux_vect3<double>(travel.x, travel.y, travel.z);
+  addTravel(ioModel, {inWorld.x, inWorld.y, inWorld.z});
 }
 
 }  // namespace
 
 ImportedModel importModel(const std::string& file, const ImportOptions& options) {
-  return importModel(readModel(file, options.mLimits), options);
+  return importModel(readModel(file, options.mLimits, options.mTicksPerSecond), options);
 }
 
 ImportedModel importModel(SourceModel model, const ImportOptions& options) {
-  if (!(options.mFramesPerSecond > 0) || options.mFramesPerSecond > 1e6) {
-    refuse("frames per second must be above 0 and at most 1000000");
-  }
+  requireSoundOptions(options);
   checkModel(model);
+  std::vector<std::string> clips;
+  addMotions(options, model, clips);
   requireAnimation(model);
-  const Matrix toUpright = worldToUpright(model, options.mUp);
-  const Matrix toHost = uprightToHost() * toUpright;
-  if (options.mTravel != Oru::TVector3D<double>()) {
-    const auto& t = options.mTravel;
-    const auto inWorld = toHost.invert() * Norvel::Vexa::ux_vect3<double>(t.x, t.y, t.z);
-    addTravel(model, {inWorld.x, inWorld.y, inWorld.z});
-  }
+  const Matrix toUpright = worldToUpright(model, options);
   ImportedModel result;
+  result.mReference.mToHost = uprightToHost() * toUpright;
+  applyTravel(options.mTravel, result.mReference.mToHost, model);
   result.mNotes = model.mNotes;
-  result.mReference.mClips = chooseClips(model, options, result.mNotes);
+  result.mReference.mClips = chooseClips(model, clips, result.mNotes);
   result.mReference.mFramesPerSecond = options.mFramesPerSecond;
   result.mTakes = takesOf(model, result.mReference.mClips, options.mFramesPerSecond);
 
-  result.mReference.mToHost = toHost;
   RestMesh rest = buildRestMesh(model, result.mReference.mToHost, result.mNotes);
   requireSize(result.mTakes, model.mNodes.size(), rest.mJoints.size(), options.mLargestAnimation);
   noteStillness(model, result.mReference.mClips, rest.mJoints, result.mNotes);
+  if (options.mStrict) requireNoNotes(result.mNotes);
   result.mAnimation = bake(model, result.mReference.mClips, result.mTakes, toUpright, rest);
   result.mMesh = std::move(rest.mMesh);
   for (const auto& material : model.mMaterials) result.mMesh.materials.push_back(material.mName);

@@ -23,9 +23,17 @@ enum class UpAxis {
 struct ImportOptions {
   /// Names of the clips to take, in this order; all of them when empty.
   std::vector<std::string> mClips;
-  /// How densely clips are sampled, 1 to 1000.
+  /// Files of clips for the nodes of the model; then the model's own clips are only taken by name.
+  std::vector<std::string> mMotions;
+  /// How densely clips are sampled.
   double mFramesPerSecond = 30;
   UpAxis mUp = UpAxis::AsStated;
+  /// Lengths are multiplied by that.
+  double mScale = 1;
+  /// How fast keys follow each other that are counted in ticks; 0 for what the file says.
+  double mTicksPerSecond = 0;
+  /// Refuses a model that gets notes.
+  bool mStrict = false;
   /// How far each take leads away, evenly, in host space; for clips that walk in place.
   Oru::TVector3D<double> mTravel;
   /// Bytes that the animation file may have.
@@ -54,7 +62,7 @@ struct ImportedModel {
   ModelReference mReference;
 };
 
-/// Imports a model file of any format that libassimp reads; skinned, or with moving nodes only.
+/// Imports a model file of any format that readModel reads; skinned, or with moving nodes only.
 ///
 /// Frame k of a take is the clip at k / framesPerSecond seconds, from 0 to its last key. Bones that
 /// name no node leave their vertices with the mesh's own node, as do vertices without weights; each

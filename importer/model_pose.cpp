@@ -35,16 +35,24 @@ Columns columnsOf(const Matrix& local) {
   return columns;
 }
 
-Matrix localAt(const SourceModel::Channel& channel, const Matrix& stored, double seconds) {
-  Columns columns = columnsOf(stored);
-  if (!channel.mTranslations.mKeys.empty()) {
-    columns.mTranslation = valueAt(channel.mTranslations, seconds);
-  }
-  if (!channel.mRotations.mKeys.empty()) {
-    axesOf(valueAt(channel.mRotations, seconds), columns.mAxes);
-  }
-  if (!channel.mScales.mKeys.empty()) columns.mScale = valueAt(channel.mScales, seconds);
-  return matrixOf(columns.mAxes, columns.mScale, columns.mTranslation);
+bool movesPart(const SourceModel::Channel& channel, std::uint32_t part) {
+  return std::any_of(channel.mCurves.begin(), channel.mCurves.end(),
+                     [&](const SourceModel::Curve& curve) { return curve.mPart / 3 == part; });
+}
+
+// The parts that a channel's tracks move, and those that its curves move about pivots of another
+// file.
+template <class SetRotation>
+void moveParts(const SourceModel& model, const SourceModel::Channel& channel, double seconds,
+               Vec3& ioTranslation, Vec3& ioScale, const SetRotation& setRotation) {
+  if (!channel.mTranslations.mKeys.empty()) ioTranslation = valueAt(channel.mTranslations, seconds);
+  if (!channel.mRotations.mKeys.empty()) setRotation(valueAt(channel.mRotations, seconds));
+  if (!channel.mScales.mKeys.empty()) ioScale = valueAt(channel.mScales, seconds);
+  if (channel.mPivots == SourceModel::kNone) return;
+  const Placing moved = placingOf(model.mPivots[std::size_t(channel.mPivots)], &channel, seconds);
+  if (movesPart(channel, 0)) ioTranslation = moved.mTranslation;
+  if (movesPart(channel, 1)) setRotation(moved.mRotation);
+  if (movesPart(channel, 2)) ioScale = moved.mScale;
 }
 
 // --- world matrices --------------------------------------------------------------------------
@@ -92,14 +100,27 @@ class WorldBuilder {
   void addPlain(std::size_t i, bool withScaling) {
     const SourceModel::Channel* channel = mChannels[i];
     const Matrix& stored = mModel.mNodes[i].mLocal;
-    const Matrix local = channel == nullptr ? stored : localAt(*channel, stored, mSeconds);
-    mWorlds.push_back(parentWorld(i) * local);
+    if (channel == nullptr) {
+      mWorlds.push_back(parentWorld(i) * stored);
+    } else {
+      Columns parts = columnsOf(stored);
+      moveParts(mModel, *channel, mSeconds, parts.mTranslation, parts.mScale,
+                [&](const Quaternion& q) { axesOf(q, parts.mAxes); });
+      mWorlds.push_back(parentWorld(i) * matrixOf(parts.mAxes, parts.mScale, parts.mTranslation));
+    }
     if (withScaling) mScaling[i].mUnscaledWorld = mWorlds.back();
   }
 
   void addPivoted(std::size_t i) {
     const SourceModel::Node& node = mModel.mNodes[i];
-    Placing placing = placingOf(mModel.mPivots[std::size_t(node.mPivots)], mChannels[i], mSeconds);
+    const SourceModel::Channel* channel = mChannels[i];
+    const bool isOwn = channel != nullptr && channel->mPivots == SourceModel::kNone;
+    Placing placing =
+        placingOf(mModel.mPivots[std::size_t(node.mPivots)], isOwn ? channel : nullptr, mSeconds);
+    if (channel != nullptr) {
+      moveParts(mModel, *channel, mSeconds, placing.mTranslation, placing.mScale,
+                [&](const Quaternion& q) { placing.mRotation = q; });
+    }
     Scaling& own = mScaling[i];
     Matrix above = parentWorld(i);
     own.mScale = placing.mScale;

@@ -40,7 +40,7 @@ std::string folderOf(const std::string& file) {
 }
 
 // glTF 2.0 and FBX 7 are read here, everything else by libassimp.
-SourceModel readAny(const std::string& file) {
+SourceModel readAny(const std::string& file, double ticksPerSecond) {
   const std::string ending = endingOf(file);
   if (ending == "gltf" || ending == "glb") {
     const std::string bytes = formats::readFile(file);
@@ -50,16 +50,16 @@ SourceModel readAny(const std::string& file) {
     const std::string bytes = formats::readFile(file);
     if (fbxVersion(bytes) >= 7000) return readFbx(bytes);
   }
-  return readWithAssimp(file);
+  return readWithAssimp(file, ticksPerSecond);
 }
 
 }  // namespace
 
-SourceModel readModel(const std::string& file, const ChildLimits& limits) {
+SourceModel readModel(const std::string& file, const ChildLimits& limits, double ticksPerSecond) {
   checkIsReadableFile(file);
   std::string bytes;
   try {
-    bytes = runInChild([&] { return packModel(readAny(file)); }, limits);
+    bytes = runInChild([&] { return packModel(readAny(file, ticksPerSecond)); }, limits);
   } catch (const std::runtime_error& e) {
     throw std::runtime_error(std::string("the model cannot be read: ") + e.what());
   }
