@@ -99,7 +99,7 @@ std::vector<float> PoseImage::softShadow(int softness) const {
     const int x = int(s % std::size_t(columns)) / kSamples,
               y = int(s / std::size_t(columns)) / kSamples;
     shadow[std::size_t(y) * std::size_t(mWidth) + std::size_t(x)] +=
-        float(mShadow[s]) / float(kSamples * kSamples);
+        float(mShadow[s]) / float(kPerPixel);
   }
   for (int pass = 0; softness > 0 && pass < 2; ++pass) {
     shadow = smoothedTransposed(shadow, mWidth, mHeight, softness);
@@ -117,15 +117,15 @@ std::vector<std::uint32_t> PoseImage::pixels(int softness) const {
         (p / std::size_t(mWidth)) * kSamples * columns + (p % std::size_t(mWidth)) * kSamples;
     std::uint32_t sum[3] = {};
     int covered = 0;
-    for (std::size_t i = 0; i < kSamples * kSamples; ++i) {
+    for (std::size_t i = 0; i < kPerPixel; ++i) {
       const std::size_t sample = first + (i / kSamples) * columns + i % kSamples;
       if (mDepth[sample] == kNothing) continue;
       ++covered;
       for (int k = 0; k < 3; ++k) sum[k] += mColor[sample] >> (16 - 8 * k) & 0xFF;
     }
-    const float cover = float(covered) / float(kSamples * kSamples);
+    const float cover = float(covered) / float(kPerPixel);
     const float alpha = cover + (1 - cover) * kShadowStrength * shadow[p];
-    const auto part = [&](int k) { return sum[k] / std::uint32_t(kSamples * kSamples); };
+    const auto part = [&](int k) { return sum[k] / kPerPixel; };
     result[p] = byteOf(double(alpha)) << 24 | part(0) << 16 | part(1) << 8 | part(2);
   }
   return result;

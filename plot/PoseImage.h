@@ -30,7 +30,8 @@ class PoseImage {
   int height() const { return mHeight; }
 
  private:
-  static constexpr int kSamples = 3;
+  static constexpr int kSamples = 3;  // along each side of a pixel
+  static constexpr std::uint32_t kPerPixel = 9;
 
   template <class Paint>
   void visit(const Corner (&corners)[3], Paint paint);

@@ -250,7 +250,7 @@ void writeContactSheet(const std::string& path, const std::vector<formats::Movin
   for (std::size_t i = 0; i < frames.size(); ++i) {
     cairo_save(canvas.cairo());
     cairo_translate(canvas.cairo(), sheet.width * double(i % sheet.columns),
-                    sheet.height * double(i / sheet.columns));
+                    sheet.height * std::floor(double(i) / double(sheet.columns)));
     cairo_rectangle(canvas.cairo(), 0, 0, sheet.width, sheet.height);
     cairo_clip(canvas.cairo());
     drawPicture(canvas, sheet, meshes, i, ground);

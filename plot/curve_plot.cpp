@@ -15,6 +15,7 @@ constexpr double kInfinity = std::numeric_limits<double>::infinity();
 
 constexpr double kWidth = 760, kPlotHeight = 190;
 constexpr double kLeft = 78, kRight = 16, kTop = 30, kBottom = 30, kStrip = 10;
+constexpr double kRightEdge = kWidth - kRight;
 constexpr Ink kText{0.15, 0.15, 0.15}, kGrey{0.45, 0.45, 0.45}, kPale{0.92, 0.92, 0.92};
 constexpr Ink kKey{0.80, 0.72, 0.50};
 
@@ -52,11 +53,10 @@ class Panel {
 
  private:
   double bottom() const { return mTop + kPlotHeight - kTop - kBottom; }
-  double right() const { return kWidth - kRight; }
   double x(double frame) const {
     const double first = mFrames.front(), last = mFrames.back();
     const double part = last == first ? 0.5 : (frame - first) / (last - first);
-    return kLeft + part * (right() - kLeft);
+    return kLeft + part * (kRightEdge - kLeft);
   }
   double y(double value) const {
     return bottom() - (value - mRange.first) / (mRange.second - mRange.first) * (bottom() - mTop);
@@ -72,11 +72,11 @@ class Panel {
       mCanvas.text(at, bottom() + 13, tickText(ticks.at(i), ticks.mStep), 9, 0.5);
     }
     mCanvas.setInk(kGrey);
-    mCanvas.line(kLeft, bottom(), right(), bottom());
+    mCanvas.line(kLeft, bottom(), kRightEdge, bottom());
     if (ticks.mCount == 0) {
       mCanvas.text(x(mFrames.front()), bottom() + 13, std::to_string(mFrames.front()), 9, 0.5);
     }
-    mCanvas.text(right(), bottom() + 25, "frame", 9, 1);
+    mCanvas.text(kRightEdge, bottom() + 25, "frame", 9, 1);
   }
 
   void drawValueAxis() {
@@ -91,7 +91,7 @@ class Panel {
     for (int i = 0; i < ticks.mCount; ++i) {
       const double at = y(ticks.at(i));
       mCanvas.setInk(kPale);
-      mCanvas.line(kLeft, at, right(), at);
+      mCanvas.line(kLeft, at, kRightEdge, at);
       mCanvas.setInk(kGrey);
       mCanvas.text(kLeft - 6, at + 3, tickText(ticks.at(i), ticks.mStep), 9, 1);
     }
@@ -108,7 +108,7 @@ class Panel {
   }
 
   void drawSwatches() {
-    const double step = (right() - kLeft) / double(std::max<std::size_t>(1, mFrames.size()));
+    const double step = (kRightEdge - kLeft) / double(std::max<std::size_t>(1, mFrames.size()));
     for (std::size_t i = 0; i < mPlot.mSwatches.size(); ++i) {
       mCanvas.setInk(mPlot.mSwatches[i]);
       mCanvas.rectangle(kLeft + double(i) * step, mTop - kStrip, step + 0.5, kStrip);
@@ -142,7 +142,7 @@ class Panel {
 
   // From the right: each name behind a stroke of its colour, then what marks the keys.
   void drawLegend() {
-    double at = right();
+    double at = kRightEdge;
     const double foot = mTop - kStrip - 6;
     const auto entry = [&](const std::string& name, const Ink& ink) {
       if (name.empty()) return;
