@@ -97,6 +97,7 @@ TEST(Abi, PathsAndInstancesOfTheHost) {
 }
 
 TEST(Abi, ManagerAndCollector) {
+  EXPECT_EQ(slotOf(&Norvel::XIReporter::ReportMsg), 2);
   using Mgr = XIAnimationMgr;
   using Position = Oru::TVector3D<float>;
   using Id = const CZelUUID&;

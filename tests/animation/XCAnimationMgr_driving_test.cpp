@@ -13,7 +13,6 @@
 #include "tests/helpers/scratch_directory.h"
 #include "vexa/animation/XCAnimationMgr.h"
 #include "vexa/mesh/Mesh.h"
-#include "vexa/paths/XC3DPath.h"
 
 using namespace vexa::refhost;
 using Norvel::Vexa::XCAnimationMgr;
@@ -92,59 +91,6 @@ TEST(Driving, ShowsTheTakeFrame) {
   EXPECT_EQ(stage.driven(60).mInteger, kWalkerFrames - 1) << "not cyclic: the second key's";
   value.mKeys.mElements[0] = integerKey(100, 3);
   EXPECT_EQ(stage.driven(99).mInteger, 3) << "before the first key";
-}
-
-TEST(Driving, AnchorOfAnObject) {
-  Stage stage(scenes::parade(1));
-  stage.take().mElevation = 0.1;
-  const auto anchor = [&] {
-    return stage.mManager.GetAEAnchorPos(&stage.mScene, &stage.walker(),
-                                         &stage.mScene.mDefinitions[0], 24);
-  };
-  EXPECT_EQ(anchor().x, double(-0.15f + 1.5f));
-  EXPECT_EQ(anchor().z, double(0.1f));
-  stage.mScene.mDefinitions[0].mAnimatedObject->mAnimationKind = 1;
-  EXPECT_EQ(anchor().x, 0) << "asked by index";
-  EXPECT_EQ(anchor().z, double(0.1f));
-  stage.mScene.mDefinitions[0].mAnimatedObject.reset();
-  EXPECT_EQ(anchor().z, 0) << "not registered";
-}
-
-class WalkingAnyWay : public testing::TestWithParam<double> {};
-INSTANTIATE_TEST_SUITE_P(Turns, WalkingAnyWay, testing::Values(0.0, 2.5, -1.2));
-
-// The picture: whatever the frame, the anchor stands on the path and the walker faces along it.
-TEST_P(WalkingAnyWay, TheAnchorStaysOnACircleForTwoHundredFrames) {
-  const double radius = 10, turn = GetParam();
-  Stage stage(scenes::walk(scenes::circlePath(radius), 1, 1000), true, turn);
-  stage.take().mElevation = 0.25;
-  const Norvel::Vexa::XCZELPathInfo info(&stage.mScene.mPaths.mElements[0]);
-  const Norvel::Vexa::XC3DPath path(&info);
-  double worst = 0, covered = 0;
-  for (int frame = 0; frame <= 200; ++frame) {
-    UxZel::CZelVector direction;
-    const int shown = drive(stage.mManager, stage.mScene, 0, frame, &direction).mInteger;
-    // Cycles of 25 frames: the first counts from frame 0, later ones from 1 and rest on the last.
-    const int cycles = frame / kWalkerFrames;
-    EXPECT_EQ(shown, frame % kWalkerFrames + (cycles > 0 ? 1 : 0));
-    const int step = std::min(shown, kWalkerFrames - 1);
-    covered = kWalkerStride * (cycles + step / double(kWalkerFrames - 1));
-    const auto expected = path.valueAt(float(covered / double(path.getTotalLength())));
-    const Point anchor = stage.vertexAt(0, shown);
-    worst =
-        std::max(worst, horizontalDistance(anchor, {double(expected.x), double(expected.y), 0}));
-    EXPECT_NEAR(anchor.z, 0.25 + 0.8, 1e-6);
-    // Its stride and the direction are the tangent: a quarter turn left of the radius.
-    const Point first = stage.vertexAt(0, 0), last = stage.vertexAt(0, 24);
-    const std::pair<double, double> ahead[] = {{last.x - first.x, last.y - first.y},
-                                               {direction.x, direction.y}};
-    for (const auto& [x, y] : ahead) {
-      EXPECT_NEAR(x * anchor.x + y * anchor.y, 0, radius * std::hypot(x, y) / 400);
-      EXPECT_GT(y * anchor.x - x * anchor.y, 0);
-    }
-  }
-  EXPECT_LT(worst, 5e-6) << "a rounding or two of the way covered, as a float";
-  EXPECT_NEAR(covered, 8 * kWalkerStride + kWalkerStride / 24, 1e-12);
 }
 
 namespace {

@@ -241,6 +241,9 @@ void runAnchors(Recorder& r) {
       manager->RegisterAnimatedObject(&instance, &object, path.c_str(), "", &object.mPoints,
                                       &object.mPolygons);
     }
+    if (definition.mAnimatedObject && n.oneIn(6)) {
+      definition.mAnimatedObject->mAnimationKind = n.between(1, 2);
+    }
     inScene(r, scene, {});
     for (int frame = -1; frame < 4; ++frame) {
       r.outOf([&] { return own.GetAEAnchorPos(&scene, &instance, &definition, frame); });
@@ -291,7 +294,7 @@ void runHostMatrices(Recorder& r) {
       for (double& e : row) e = n.any<double>();
     }
     r.in("m", m);
-    r.out(Zel2UxWorks(m), UxWorks2Zel(Zel2UxWorks(m)));
+    r.out(Zel2UxWorks(m), UxWorks2Zel(Zel2UxWorks(m)), UxZel::CZelMatrix());
   }
 }
 

@@ -74,8 +74,11 @@ void runPoints(Recorder& r) {
   Numbers& n = r.numbers();
   for (int i = 0; i < 4000; ++i) {
     r.begin();
-    const auto p = drawVector<ux_point3<T>, T>(n);
-    auto q = drawVector<ux_point3<T>, T>(n);
+    auto p = drawVector<ux_point3<T>, T>(n), q = drawVector<ux_point3<T>, T>(n);
+    if (n.oneIn(12)) {  // in double less than 0.001 apart; in float the difference rounds up to it
+      p.set(T(-6e-11), 1, 2);
+      q.set(std::nextafter(T(0.001f), T(0)), 1, 2);
+    }
     if (n.oneIn(3)) {  // as near as counts for equal, or just not
       const T steps[] = {T(0), T(0.001), T(-0.001), T(0.000999), T(0.00100001)};
       q = p;

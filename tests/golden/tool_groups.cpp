@@ -78,9 +78,10 @@ void runViews(Recorder& r, bool rolls) {
     const float angles[] = {90, 180, 45, -30, 360, 1e-3f};
     const float roll = !rolls ? 0 : n.oneIn(3) ? n.any<float>() : n.oneOf(angles);
     if (n.oneIn(20)) {  // as far apart as two places may be that count as one
-      position.x = 2 - 2.3841858e-07f;
+      const bool isBehind = n.oneIn(2);
+      position.x = 2 - (isBehind ? 0 : 2.3841858e-07f);
       target = position;
-      target.x = 2;
+      target.x = 2 - (isBehind ? 2.3841858e-07f : 0);
     }
     r.in("dir", dir).in("position", position).in("target", target).in("roll", roll);
     V3 up, right;
@@ -110,14 +111,14 @@ void runSun(Recorder& r) {
   using Sun = UXS::uxs_heliodon_tool;
   for (int i = 0; i < 5000; ++i) {
     r.begin();
-    const int zone = n.oneIn(2) ? 0 : 60 * n.between(-12, 14);
+    const int zone = n.oneIn(2) ? 0 : 30 * n.between(-24, 28);
     Sun::place p{};
     p.longitude = n.oneIn(3) ? 15 * zone : n.between(-10800, 10800);
     p.latitude = n.oneIn(5) ? n.between(-1, 1) * 5400 : n.between(-5400, 5400);
     p.timezone = zone;
     p.north = n.oneIn(3) ? 0 : n.oneIn(2) ? float(90 * n.between(-2, 4)) : n.plain<float>();
     Sun::date d{};
-    const std::uint32_t years[] = {1900, 2000, 2023, 2024, 2100};
+    const std::uint32_t years[] = {1600, 1900, 2000, 2023, 2024, 2100};
     d.year = n.oneOf(years);
     d.month = n.oneIn(20) ? n.below(15) : n.below(12) + 1;
     d.day = n.below(31) + 1;
@@ -133,6 +134,19 @@ void runSun(Recorder& r) {
   }
 }
 
+// Around noon, where the azimuth turns over: every day of a year, every minute of arc.
+void runNoons(Recorder& r) {
+  for (std::uint32_t day = 0; day < 360; ++day) {
+    r.begin();
+    const std::uint32_t month = day / 30 + 1, date = day % 30 + 1;
+    r.in("month", month).in("day", date);
+    for (int longitude = -260; longitude <= 260; ++longitude) {
+      r.out(UXS::uxs_heliodon_tool::get_sun_direction({longitude, 2931, 0, 0},
+                                                      {2023, month, date, 12, 0, false}));
+    }
+  }
+}
+
 }  // namespace
 
 void addToolGroups(Groups& out) {
@@ -142,6 +156,7 @@ void addToolGroups(Groups& out) {
   add("cameras_rolled", Kind::kLibm, [](Recorder& r) { runViews(r, true); });
   add("panoramas", Kind::kArithmetic, runPanoramas);
   add("sun", Kind::kLibm, runSun);
+  add("sun_at_noon", Kind::kLibm, runNoons);
 }
 
 }  // namespace vexa::tests

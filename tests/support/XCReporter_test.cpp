@@ -8,7 +8,6 @@
 #include <thread>
 
 #include "tests/helpers/recording_reporter.h"
-#include "tests/helpers/vtable_slot.h"
 #include "vexa/support/XStPushReporter.h"
 
 namespace {
@@ -23,10 +22,6 @@ Lines reportedBy(Call call) {
   const XStPushReporter scope(&reporter, false);
   call();
   return reporter.lines;
-}
-
-TEST(XIReporter, ReportMsgFollowsTheTwoDestructors) {
-  EXPECT_EQ(vexa::tests::slotOf(&XIReporter::ReportMsg), 2);
 }
 
 TEST(XCReporter, PrintsWhenThereIsNoReporterAndTheTypeHasAName) {
@@ -47,15 +42,15 @@ TEST(XCReporter, HandsOnTypeAndTextAndCutsOnlyFormattedTexts) {
   const auto type = static_cast<XIReporter::EMsgType>(7);
   const Lines lines = reportedBy([=] {
     XCReporter::Error("%s", t);
-    XCReporter::Warning("w");
+    XCReporter::Warning("%s", t);
     XCReporter::Printf("%%");
     XCReporter::Message(type, "%s", t);
     XCReporter::Message(type, nullptr);
     XCReporter::SendMsg2Reporter(type, t);
     XCReporter::SendMsg2Reporter(type, nullptr);
   });
-  EXPECT_EQ(lines, (Lines{"0 " + text.substr(0, 2047), "1 w", "2 %", "7 " + text.substr(0, 4095),
-                          "7 " + text, "7 "}));
+  EXPECT_EQ(lines, (Lines{"0 " + text.substr(0, 2047), "1 " + text.substr(0, 2047), "2 %",
+                          "7 " + text.substr(0, 4095), "7 " + text, "7 "}));
 }
 
 TEST(XCReporter, ModesSwitchTheirOwnKindAndReportEverySwitch) {
@@ -151,9 +146,9 @@ TEST(XCReporter, BenchmarksSumUpAndPairLabelsWithTimesByIndex) {
       XCReporter::StopBenchmark("load");
     }
     XCReporter::StartBenchmark("load", nullptr);  // still running: counts as its time of day
-    for (int i = 0; i < 2; ++i) XCReporter::FlushBenchmark("load", true);
+    for (const bool erases : {false, true, true}) XCReporter::FlushBenchmark("load", erases);
   });
-  ASSERT_EQ(lines.size(), 3u);
+  ASSERT_EQ(lines.size(), 6u);
   EXPECT_GT(std::stod(lines[0].substr(lines[0].find("load takes ") + 11)), 1.7e9);
   EXPECT_NE(lines[0].find(" seconds in 4 calls"), std::string::npos);
   EXPECT_EQ(lines[1].substr(0, 27), "2       for second : 0.0000");
