@@ -10,7 +10,11 @@
 #include "models/LiteralFrameCollector.h"
 #include "models/literal_animation_file.h"
 #include "tests/helpers/compare.h"
+#include "tests/helpers/recording_reporter.h"
 #include "tests/helpers/scratch_directory.h"
+#include "vexa/framecollector/XCFrameCollector.h"
+#include "vexa/mesh/MeshEditor.h"
+#include "vexa/support/XStPushReporter.h"
 
 namespace Norvel {
 namespace {
@@ -67,11 +71,11 @@ AnimationFile example() {
 }
 
 // The error, and the calls on the collector up to it.
-std::string readFile(RecordingCollector& ioCollector, const std::string& inPath) {
-  return whatOf([&] { XCAMOFileIOTool(inPath.c_str()).Read(&ioCollector); });
+std::string readFile(Vexa::XIFrameCollector& ioCollector, const std::string& path) {
+  return whatOf([&] { XCAMOFileIOTool(path.c_str()).Read(&ioCollector); });
 }
 // A new file each time: some file systems wait for the disk when a file is written anew.
-std::string readBytes(const std::string& inBytes, RecordingCollector& ioCollector) {
+std::string readBytes(const std::string& inBytes, Vexa::XIFrameCollector& ioCollector) {
   static const ScratchDirectory sScratch;
   const auto path = sScratch / "read.amo";
   vexa::tests::writeText(path, inBytes);
@@ -123,6 +127,15 @@ TEST(XCAMOFileIOTool, RefusesOtherVersionsAndWhatIsNoFile) {
   }
 }
 
+// A file of the kernel that opens, has a size and can not be read.
+TEST(XCAMOFileIOTool, AReadErrorIsNoEndOfFile) {
+  const std::string path = "/sys/class/net/lo/speed";
+  if (!std::filesystem::is_regular_file(path)) GTEST_SKIP() << path << " is absent";
+  RecordingCollector collector;
+  EXPECT_EQ(readFile(collector, path), "XCAMOFileIOTool : This file can not be read!");
+  EXPECT_EQ(collector.calls(), "");
+}
+
 // Every cut, and odd values of every word: each file is read as plainly as can be, or refused.
 TEST(XCAMOFileIOTool, ReadsOrRefusesEveryBadFile) {
   AnimationFile noTakes;
@@ -169,8 +182,8 @@ TEST(XCAMOFileIOTool, HonoursWhatTheFileHoldsAndLittleBeyond) {
   EXPECT_EQ(errorOf(words({101, ~0u}, 8)), kTruncated);
   EXPECT_EQ(errorOf(words({101, 0, 1048576}, 140)), "nothing was thrown");  // nodes
   EXPECT_EQ(errorOf(words({101, 0, 1048577}, 140)), kTruncated);
-  EXPECT_EQ(errorOf(words({101, 0, 1, 1048576}, 144)), "nothing was thrown");  // links
-  EXPECT_EQ(errorOf(words({101, 0, 1, 1048577}, 144)), kTruncated);
+  EXPECT_EQ(errorOf(words({101, 0, 1, 4096}, 144)), "nothing was thrown");  // links
+  EXPECT_EQ(errorOf(words({101, 0, 1, 4097}, 144)), kTruncated);
   EXPECT_EQ(errorOf(words({101, 1, 1048575, 1}, 144)), "nothing was thrown");  // frames and a node
   EXPECT_EQ(errorOf(words({101, 1, 1048576, 1}, 144)), kTruncated);
   EXPECT_EQ(errorOf(words({101, 1, 1048577, 1}, 144 + 256)),
@@ -181,33 +194,86 @@ TEST(XCAMOFileIOTool, HonoursWhatTheFileHoldsAndLittleBeyond) {
   EXPECT_EQ(errorOf(words({101, 0, 2000000}, 140 + 4 * 2000000)), "nothing was thrown");
 }
 
-// Takes without frames cost a node 48 bytes each, which nothing in the file has to stand for.
-TEST(XCAMOFileIOTool, RefusesFilesThatWouldFillTheMemory) {
-  const auto takesAndNodes = [](std::uint32_t takes, std::uint32_t nodes) {
-    std::string bytes = words({101, takes, 1}, 140 + 4 * takes);
-    std::memcpy(&bytes[136 + 4 * takes], &nodes, 4);
-    return bytes;
+// A file of `takes` takes, of which the last has one frame where `isFilled`, and `nodes` nodes.
+std::string takesAndNodes(std::uint32_t takes, std::uint32_t nodes, bool isFilled) {
+  AnimationFile file;
+  file.mFrameCounts.resize(takes);
+  file.mFrameCounts.back() = isFilled;
+  file.mNodes.resize(nodes);
+  if (isFilled) {
+    for (AnimationFile::Node& node : file.mNodes) node.mMatrices = {AnimationFile::kIdentity};
+  }
+  return encodeAnimationFile(file);
+}
+
+// GetSize() starts again from 0 at 4 GiB: a file that gets there is refused, a complete one below
+// is not, and takes without frames cost a node nothing.
+TEST(XCAMOFileIOTool, RefusesACompleteFileFrom4GiBOnOnly) {
+  const ScratchDirectory scratch;
+  const std::string path = scratch / "large.amo";
+  UXS::Mesh mesh;
+  vexa::tests::writeText(path, takesAndNodes(200000, 400, true));  // 3.6 GiB from 853 kB
+  Vexa::XCFrameCollector collector(&mesh);
+  EXPECT_EQ(whatOf([&] { XCAMOFileIOTool(path.c_str()).Read(&collector); }), "nothing was thrown");
+  EXPECT_EQ(collector.GetSize(), 400u * (32 + 48 * 200000 + 64));
+  EXPECT_TRUE(vexa::tests::sameBits(collector.GetTransformation(199999, 0, 399),
+                                    UXS::uxs_generic_mat4<float>()));
+  EXPECT_EQ(errorOf(takesAndNodes(230000, 400, true)), kTruncated);  // 4.1 GiB
+  EXPECT_EQ(errorOf(takesAndNodes(200000, 400, false)), "nothing was thrown");
+  vexa::tests::writeText(path, words({101, 60000000}, 140));  // takes alone; the counts are a hole
+  std::filesystem::resize_file(path, 250000000);
+  RecordingCollector recording;
+  EXPECT_EQ(readFile(recording, path), kTruncated);
+  EXPECT_EQ(recording.calls(), "");
+}
+
+// Fills like a collector of the library, but by the operations of the interface.
+class FilledOneByOne : public Vexa::XCFrameCollector {
+  using XCFrameCollector::XCFrameCollector;
+};
+
+// All that can be seen of a collector after it was filled from bytes, as text.
+template <class Collector>
+std::string stateAfter(const std::string& bytes, UXS::Mesh& mesh) {
+  Collector collector(&mesh);
+  std::ostringstream state;
+  state << readBytes(bytes, collector) << ' ' << collector.GetSize() << ' '
+        << collector.GetNbrTakes() << ' ' << collector.GetGlobalTransformation().e[5] << '\n';
+  for (unsigned take = 0; take < std::min(collector.GetNbrTakes(), 5u); ++take) {
+    for (int node = 0; node < 5; ++node) {
+      for (unsigned frame = 0; frame < 4; ++frame) {
+        state << whatOf([&] { state << collector.GetTransformation(take, frame, node).e[7]; });
+      }
+    }
+    for (const auto& vertex : mesh.GetVerticesArray()) {
+      double sum = -7;
+      state << ' ' << collector.GetVertexTransformation(&vertex, take, 1, sum).e[0] << ' ' << sum;
+    }
+  }
+  return state.str();
+}
+
+// Whole nodes at a time or one call per matrix: both leave the same, also where a file is bad.
+TEST(XCAMOFileIOTool, FillsACollectorOfTheLibraryAsAnyOther) {
+  vexa::tests::RecordingReporter reporter;
+  const XStPushReporter scope(&reporter, false);
+  UXS::Mesh mesh;
+  {
+    UXS::Mesh::Editor editor(mesh, false);
+    for (int v = 0; v < 9; ++v) editor.AddVertex({1, float(v), 3});
+  }
+  const auto check = [&](const std::string& bytes) {
+    ASSERT_EQ(stateAfter<Vexa::XCFrameCollector>(bytes, mesh),
+              stateAfter<FilledOneByOne>(bytes, mesh));
   };
-  const struct {
-    std::string mStart;
-    std::uintmax_t mSize;  // the rest is a hole
-    bool mRefused;
-  } kFiles[] = {
-      {takesAndNodes(200000, 25), 1000000, false},             // 240 MB
-      {takesAndNodes(200000, 400), 1000000, true},             // 3.6 GiB from 1 MB
-      {takesAndNodes(200000, 400), 70000000, false},           // the same from 70 MB
-      {takesAndNodes(230000, 400), 70000000, true},            // 4.1 GiB
-      {words({101, 60000000}, 140), 250000000, true},          // takes alone
-      {words({101, 0, 1, 160000000}, 144), 2000000000, true},  // links alone
-  };
-  for (const auto& file : kFiles) {
-    const ScratchDirectory scratch;
-    const std::string path = scratch / "large.amo";
-    vexa::tests::writeText(path, file.mStart);
-    std::filesystem::resize_file(path, file.mSize);
-    RecordingCollector collector;
-    EXPECT_EQ(readFile(collector, path), file.mRefused ? kTruncated : "nothing was thrown");
-    EXPECT_EQ(collector.calls().find("Add") == std::string::npos, file.mRefused);
+  const std::string good = encodeAnimationFile(example());
+  for (std::size_t size = 1; size <= good.size(); size += 3) check(good.substr(0, size));
+  for (std::size_t offset = 4; offset + 4 <= good.size(); offset += 4) {
+    for (const std::uint32_t odd : {0u, 1u, 9u, 1000u, ~0u}) {
+      std::string bad = good;
+      std::memcpy(&bad[offset], &odd, 4);
+      check(bad);
+    }
   }
 }
 

@@ -87,22 +87,26 @@ TEST_F(MemoryRunsOut, WhileADefinitionIsComputed) {
   });
 }
 
-// What fails is not there, and what is there stays.
+// What fails is not there, not even in the size, and what is there stays.
 TEST_F(MemoryRunsOut, WhileALinkOrAMatrixIsAdded) {
   for (long allocation = 0; allocation < 5; ++allocation) {
     XCFrameCollector collector(mMesh.get());
     collector.CreateTake();
     collector.AddTransformation({}, 0, -1);
-    unsigned matrices = 1;
+    unsigned matrices = 1, nodes = 1;
     double links = 0, sum = 0;
     for (int i = 0; i < 20; ++i) {
       links += !throwsAt(allocation, true, [&] { collector.AddLink(0, kNone, 0, 1); });
       matrices += !throwsAt(allocation, true, [&] { collector.AddTransformation({}, 0, 0); });
+      nodes += !throwsAt(allocation, true, [&] { collector.AddTransformation({}, 0, -1); });
       collector.GetVertexTransformation(mMesh->GetVerticesArray().data(), 0, 0, sum);
       EXPECT_EQ(sum, links);
     }
+    EXPECT_EQ(collector.GetSize(), (matrices + nodes - 1) * 64 + nodes * 80 +
+                                       (links > 0 ? 72u : 0u) + unsigned(links) * 28);
     EXPECT_NO_THROW(collector.GetTransformation(0, matrices - 1, 0));
     EXPECT_THROW(collector.GetTransformation(0, matrices, 0), std::runtime_error);
+    EXPECT_THROW(collector.GetTransformation(0, 0, int(nodes)), std::runtime_error);
   }
 }
 

@@ -3,213 +3,240 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
 #include <memory>
+#include <new>
 #include <utility>
 #include <vector>
 
+#include "vexa/framecollector/CollectorFill_internal.h"
+#include "vexa/framecollector/SourceFile_internal.h"
 #include "vexa/framecollector/XIFrameCollector.h"
 #include "vexa/math/uxs_generic_mat4.h"
 #include "vexa/support/UxThrow.h"
 
-#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ != __ORDER_LITTLE_ENDIAN__
-#error "the animation file is little-endian, and so is every machine that this reader knows"
+// How many takes, nodes, matrices and links a truncated file may lack in all.
+#if !defined(VEXA_ANIMATION_FILE_ALLOWANCE)
+#define VEXA_ANIMATION_FILE_ALLOWANCE 1048576
 #endif
 
 namespace Norvel {
 namespace {
 
+using Matrix = UXS::uxs_generic_mat4<float>;
+
 constexpr std::uint32_t kVersion = 101;
 
 // Bytes of one element in the file; a matrix is 16 doubles.
-constexpr std::uint64_t kCountBytes = 4, kMatrixBytes = 128, kLinkBytes = 12;
+constexpr std::size_t kCountBytes = 4, kMatrixBytes = 128, kLinkBytes = 12;
 
-// The file, read value by value; where it ends, values keep their presets.
-class SourceFile {
- public:
-  explicit SourceFile(const CChemin& inPath) : mFile(inPath.OpenRegularFile()) {
-    const long size =
-        mFile && std::fseek(mFile.get(), 0, SEEK_END) == 0 ? std::ftell(mFile.get()) : -1;
-    if (size < 0 || std::fseek(mFile.get(), 0, SEEK_SET) != 0) {
-      UxThrow::Signal("XCAMOFileIOTool : This file can not be opened!");
-    }
-    mRemaining = static_cast<std::uint64_t>(size);
-  }
-
-  // Bytes that are still to be read.
-  std::uint64_t remaining() const { return mRemaining; }
-
-  // A value that is not wholly in the file is not touched, and nothing follows it.
-  template <class T>
-  void read(T& ioValue) {
-    T value;
-    if (mRemaining < sizeof(T) || std::fread(&value, sizeof(T), 1, mFile.get()) != 1) {
-      mRemaining = 0;
-      return;
-    }
-    mRemaining -= sizeof(T);
-    ioValue = value;
-  }
-
- private:
-  struct Close {
-    void operator()(std::FILE* inFile) const { std::fclose(inFile); }
-  };
-
-  std::unique_ptr<std::FILE, Close> mFile;
-  std::uint64_t mRemaining = 0;
-};
-
-// What a file may promise. Sums and products of its counts pass 64 bits, so they are doubles: exact
-// as far as the limits reach, and far above them where they are not.
+// Bounds on what a file may claim. Products of its counts can exceed 64 bits, so they are doubles,
+// which are exact up to every bound used here.
 class Limits {
  public:
-  explicit Limits(std::uint64_t inFileSize)
-      : mMostBytes(std::min(kMostBytes, kFreeBytes + kBytesPerByte * double(inFileSize))) {}
-
   // Elements past the end of the file that are about to be read as presets.
-  void require(double inMissing) const { refuseIf(mMissing + inMissing > kAllowance); }
-  void spend(double inMissing) {
-    require(inMissing);
-    mMissing += inMissing;
+  void require(double missing) const { refuseIf(mMissing + missing > kAllowance); }
+  void spend(double missing) {
+    require(missing);
+    mMissing += missing;
+  }
+  // Links have an allowance of their own within the other: each may cost a report per frame.
+  void spendLinks(double missing) {
+    refuseIf(mMissingLinks + missing > kLinkAllowance);
+    mMissingLinks += missing;
+    spend(missing);
   }
 
   // Memory, by the estimate of the frame collector, that the file is about to need.
-  void spendBytes(double inBytes) {
-    refuseIf(mBytes + inBytes > mMostBytes);
-    mBytes += inBytes;
+  void spendBytes(double bytes) {
+    refuseIf(mBytes + bytes > kMostBytes);
+    mBytes += bytes;
   }
 
  private:
   static constexpr double kAllowance = VEXA_ANIMATION_FILE_ALLOWANCE;
-  static constexpr double kMostBytes = 4294967296.0;
-  // No more than 9 bytes per byte of the file come from takes that have frames.
-  static constexpr double kFreeBytes = 268435456.0, kBytesPerByte = 64;
+  static constexpr double kLinkAllowance = 4096;
+  static constexpr double kMostBytes = 4294967296.0;  // where GetSize() would start again from 0
 
-  static void refuseIf(bool inTooMuch) {
-    if (inTooMuch) UxThrow::Signal("XCAMOFileIOTool : This file is truncated!");
+  static void refuseIf(bool isTooMuch) {
+    if (isTooMuch) UxThrow::Signal("XCAMOFileIOTool : This file is truncated!");
   }
 
-  double mMostBytes;
   double mMissing = 0;
+  double mMissingLinks = 0;
   double mBytes = 0;
 };
 
 // How many of the elements do not lie in the given bytes.
-double missing(double inCount, std::uint64_t inBytesEach, std::uint64_t inBytes) {
-  return std::max(0.0, inCount - double(inBytes / inBytesEach));
+double missing(double count, std::size_t bytesEach, std::uint64_t bytes) {
+  return std::max(0.0, count - double(bytes / bytesEach));
+}
+
+Matrix matrixAt(const unsigned char* bytes) {
+  Matrix result;
+  for (int k = 0; k < 16; ++k) result.e[k] = float(doubleAt(bytes + 8 * k));
+  return result;
 }
 
 // One pass over a file, from its start to its last node.
 class Reading {
  public:
-  Reading(const CChemin& inPath, Vexa::XIFrameCollector& ioCollector)
-      : mFile(inPath), mLimits(mFile.remaining()), mCollector(ioCollector) {}
+  Reading(const CChemin& path, Vexa::XIFrameCollector& ioCollector)
+      : mFile(path), mCollector(ioCollector), mFill(Vexa::CollectorFill::of(ioCollector)) {}
 
   void readVersion();
   void readTakes();
   void readNodes();
 
  private:
-  struct sTake {
-    std::uint32_t mIndex;
-    std::uint32_t mFrames;
-  };
-
-  UXS::uxs_generic_mat4<float> readMatrix();
-  double missingOfNodes(double inNodes) const;
-  void readNode();
-  void readLinks(int inNode);
+  std::uint32_t readCount();
+  void readMatrices(std::uint64_t count, Matrix* out);
+  double missingOfNodes(double nodes) const;
+  void readNode(std::uint32_t nodesLeft);
+  int readNodeMatrices();
+  int addNodeMatrices();
+  void readLinks(int node, std::uint32_t nodesLeft);
+  void addLink(int node, std::uint32_t vertex, double weight);
 
   SourceFile mFile;
   Limits mLimits;
   Vexa::XIFrameCollector& mCollector;
-  std::uint32_t mTakeCount = 0;
-  std::vector<sTake> mFilledTakes;  // those with frames: a node costs nothing for the others
-  double mFrames = 0;               // of all takes together
+  // A collector of our own takes whole nodes; null for any other.
+  std::unique_ptr<Vexa::CollectorFill> mFill;
+  std::vector<std::uint32_t> mFrameCounts;  // per take
+  std::vector<std::uint32_t> mFilledTakes;  // those with frames: a node costs nothing for others
+  double mFrames = 0;                       // of all takes together
+  double mLinks = 0;                        // so far
 };
 
 void Reading::readVersion() {
-  std::uint32_t version = 0;
-  mFile.read(version);
-  if (version != kVersion) {
+  if (readCount() != kVersion) {
     UxThrow::Signal("XCAMOFileIOTool : This file has not the good version!");
   }
 }
 
-// The takes, the global transformation that stands behind their count, and their frame counts.
+// Reads the takes, the global transformation that follows their count, and their frame counts.
 void Reading::readTakes() {
-  mFile.read(mTakeCount);
+  const std::uint32_t takes = readCount();
   const std::uint64_t bytes = mFile.remaining();
-  mLimits.spend(missing(mTakeCount, kCountBytes, bytes - std::min(bytes, kMatrixBytes)));
-  mLimits.spendBytes(72.0 * mTakeCount);
-  for (std::uint32_t t = 0; t < mTakeCount; ++t) mCollector.CreateTake();
-  mCollector.SetGlobalTransformation(readMatrix());
-  for (std::uint32_t t = 0; t < mTakeCount; ++t) {
-    std::uint32_t frames = 0;
-    mFile.read(frames);
-    if (frames > 0) mFilledTakes.push_back({t, frames});
-    mFrames += frames;
+  mLimits.spend(missing(takes, kCountBytes, bytes - std::min<std::uint64_t>(bytes, kMatrixBytes)));
+  mLimits.spendBytes(72.0 * takes);
+  for (std::uint32_t t = 0; t < takes; ++t) mCollector.CreateTake();
+  Matrix global;
+  readMatrices(1, &global);
+  mCollector.SetGlobalTransformation(global);
+  mFrameCounts.reserve(takes);
+  for (std::uint32_t t = 0; t < takes; ++t) {
+    mFrameCounts.push_back(readCount());
+    if (mFrameCounts.back() > 0) mFilledTakes.push_back(t);
+    mFrames += mFrameCounts.back();
   }
 }
 
 void Reading::readNodes() {
-  std::uint32_t nodes = 0;
-  mFile.read(nodes);
-  if (mFrames > 0) mLimits.spendBytes(nodes * (32 + 48.0 * mTakeCount + 64 * mFrames));
+  std::uint32_t nodes = readCount();
+  if (mFrames > 0) {
+    mLimits.spendBytes(nodes * (32 + 48.0 * double(mFrameCounts.size()) + 64 * mFrames));
+    mLimits.require(missingOfNodes(nodes));
+    if (mFill) mFill->reserveNodes(mFrameCounts, nodes);
+  }
   for (; nodes > 0; --nodes) {
     mLimits.require(missingOfNodes(nodes));
-    readNode();
+    readNode(nodes - 1);
   }
+  if (mFill) mFill->finish();
 }
 
-UXS::uxs_generic_mat4<float> Reading::readMatrix() {
-  UXS::uxs_generic_mat4<double> matrix;
-  static_assert(sizeof(matrix) == kMatrixBytes);
-  mFile.read(matrix);
-  UXS::uxs_generic_mat4<float> result;
-  for (int k = 0; k < 16; ++k) result.e[k] = float(matrix.e[k]);
-  return result;
+// A count that the file does not hold in full is 0, and nothing follows it.
+std::uint32_t Reading::readCount() {
+  const unsigned char* const bytes = mFile.takeOne(kCountBytes);
+  if (bytes != nullptr) return wordAt(bytes);
+  mFile.drop();
+  return 0;
+}
+
+// Makes `count` matrices at `out`; those that the file does not hold in full are the identity.
+void Reading::readMatrices(std::uint64_t count, Matrix* out) {
+  std::size_t here;
+  for (; count > 0; count -= here) {
+    const unsigned char* bytes = mFile.take(kMatrixBytes, count, here);
+    if (bytes == nullptr) break;
+    for (std::size_t i = 0; i < here; ++i) new (out++) Matrix(matrixAt(bytes + i * kMatrixBytes));
+  }
+  if (count > 0) mFile.drop();
+  for (; count > 0; --count) new (out++) Matrix();
 }
 
 // Elements of the nodes to come that lie past the end of the file if there are no links: their
-// matrices, and themselves where not even the link count is there. Behind the end there are none.
-double Reading::missingOfNodes(double inNodes) const {
+// matrices, and the nodes themselves where not even the link count is there.
+double Reading::missingOfNodes(double nodes) const {
   const double bytes = double(mFile.remaining());
-  const double whole = std::floor(bytes / (kMatrixBytes * mFrames + kCountBytes));
-  if (whole >= inNodes) return 0;
-  const double rest = bytes - whole * (kMatrixBytes * mFrames + kCountBytes);
-  return (inNodes - whole) * (mFrames + 1) - std::min(mFrames, std::floor(rest / kMatrixBytes));
+  const double nodeBytes = double(kMatrixBytes) * mFrames + double(kCountBytes);
+  const double whole = std::floor(bytes / nodeBytes);
+  if (whole >= nodes) return 0;
+  const double rest = bytes - whole * nodeBytes;
+  return (nodes - whole) * (mFrames + 1) -
+         std::min(mFrames, std::floor(rest / double(kMatrixBytes)));
 }
 
-void Reading::readNode() {
-  int node = -1;
-  for (const sTake& take : mFilledTakes) {
-    for (std::uint32_t f = 0; f < take.mFrames; ++f) {
-      node = static_cast<int>(mCollector.AddTransformation(readMatrix(), take.mIndex, node));
-    }
-  }
-  readLinks(node);
+void Reading::readNode(std::uint32_t nodesLeft) {
+  readLinks(mFill && mFrames > 0 ? readNodeMatrices() : addNodeMatrices(), nodesLeft);
+}
+
+int Reading::readNodeMatrices() {
+  readMatrices(std::uint64_t(mFrames), mFill->nextNode());
+  return mFill->addNode();
 }
 
 // Required behaviour: a node without matrices keeps the index -1, also for its links.
-void Reading::readLinks(int inNode) {
-  std::uint32_t links = 0;
-  mFile.read(links);
-  mLimits.spend(missing(links, kLinkBytes, mFile.remaining()));
-  mLimits.spendBytes(28.0 * links);
-  for (std::uint32_t i = 0; i < links; ++i) {
-    std::uint32_t vertex = 0;
-    double weight = 0;
-    mFile.read(vertex);
-    mFile.read(weight);
-    mCollector.AddLink(inNode, UxZel::CZelUUID{}, vertex, weight);
+int Reading::addNodeMatrices() {
+  int node = -1;
+  for (const std::uint32_t take : mFilledTakes) {
+    for (std::uint32_t f = 0; f < mFrameCounts[take]; ++f) {
+      Matrix matrix;
+      readMatrices(1, &matrix);
+      node = static_cast<int>(mCollector.AddTransformation(matrix, take, node));
+    }
+  }
+  return node;
+}
+
+void Reading::readLinks(int node, std::uint32_t nodesLeft) {
+  std::uint64_t links = readCount();
+  mLimits.spendLinks(missing(double(links), kLinkBytes, mFile.remaining()));
+  mLimits.spendBytes(28.0 * double(links));
+  if (mFill) {
+    const double matrixBytes = double(nodesLeft) * mFrames * double(kMatrixBytes);
+    const double most = (double(mFile.remaining()) - matrixBytes) / double(kLinkBytes);
+    mFill->reserveLinks(std::uint32_t(links), std::uint64_t(std::max(0.0, mLinks + most)));
+  }
+  mLinks += double(links);
+  std::size_t here;
+  for (; links > 0; links -= here) {
+    const unsigned char* const bytes = mFile.take(kLinkBytes, links, here);
+    if (bytes == nullptr) break;
+    for (std::size_t i = 0; i < here; ++i) {
+      const unsigned char* const link = bytes + i * kLinkBytes;
+      addLink(node, wordAt(link), doubleAt(link + kCountBytes));
+    }
+  }
+  // The file ends: of the link that is cut the vertex may be there.
+  for (; links > 0; --links) {
+    addLink(node, readCount(), 0);
+    mFile.drop();
+  }
+}
+
+void Reading::addLink(int node, std::uint32_t vertex, double weight) {
+  if (mFill) {
+    mFill->addLink(node, vertex, weight);
+  } else {
+    mCollector.AddLink(node, UxZel::CZelUUID{}, vertex, weight);
   }
 }
 
 }  // namespace
 
-XCAMOFileIOTool::XCAMOFileIOTool(CChemin inPath) : mPath(std::move(inPath)) {}
+XCAMOFileIOTool::XCAMOFileIOTool(CChemin path) : mPath(std::move(path)) {}
 
 XCAMOFileIOTool::~XCAMOFileIOTool() = default;
 

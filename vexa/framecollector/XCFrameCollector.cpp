@@ -4,6 +4,7 @@
 #include <new>
 #include <utility>
 
+#include "vexa/framecollector/CollectorFill_internal.h"
 #include "vexa/framecollector/NodePose_internal.h"
 #include "vexa/framecollector/VertexLinks_internal.h"
 #include "vexa/mesh/MeshEditor.h"

@@ -11,7 +11,9 @@
 
 namespace Norvel::Vexa {
 
+class CollectorFill;
 class VertexLinks;
+struct FrameSlab;
 
 /// The frame collector: blends the matrices of linked nodes and deforms copies of a rest mesh.
 ///
@@ -50,6 +52,7 @@ class VEXA_EXPORT XCFrameCollector : public XIFrameCollector {
   XCTMPTake* GetTake(unsigned int index) const;
 
  private:
+  friend class CollectorFill;
   struct sCloneDefinitions;
   struct Blend;
 
@@ -64,6 +67,7 @@ class VEXA_EXPORT XCFrameCollector : public XIFrameCollector {
   void deformInto(UXS::Mesh& outMesh, unsigned int take, unsigned int frame);
   unsigned int nodeCount() const { return static_cast<unsigned int>(mNodes.size()); }
 
+  std::unique_ptr<FrameSlab> mSlab;  // of the nodes that came from a file; null when none did
   std::vector<XCTransformationNode> mNodes;
   UXS::uxs_generic_mat4<float> mGlobalTransformation;
   std::unique_ptr<VertexLinks> mLinks;

@@ -34,6 +34,7 @@ class VEXA_EXPORT XCTransformationNode {
   unsigned int GetTransformationsNbr(unsigned int take) const;
 
  private:
+  friend class CollectorFill;
   friend class XCFrameCollector;
   using Matrix = UXS::uxs_generic_mat4<float>;
   using MatrixArray = UXS::uxs_array<Matrix, unsigned int>;

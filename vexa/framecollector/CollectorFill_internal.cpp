@@ -1,0 +1,56 @@
+#include "vexa/framecollector/CollectorFill_internal.h"
+
+#include <typeinfo>
+#include <utility>
+
+#include "vexa/framecollector/VertexLinks_internal.h"
+#include "vexa/framecollector/XCFrameCollector.h"
+
+namespace Norvel::Vexa {
+
+// A class derived from XCFrameCollector may have overridden what fills it.
+std::unique_ptr<CollectorFill> CollectorFill::of(XIFrameCollector& collector) {
+  if (typeid(collector) != typeid(XCFrameCollector)) return nullptr;
+  auto& own = static_cast<XCFrameCollector&>(collector);
+  if (!own.mTakes.empty() || !own.mNodes.empty()) return nullptr;
+  return std::unique_ptr<CollectorFill>(new CollectorFill(own));
+}
+
+void CollectorFill::reserveNodes(const std::vector<std::uint32_t>& frameCounts,
+                                 std::uint32_t nodes) {
+  auto slab = std::make_unique<FrameSlab>();
+  slab->mStarts.reserve(frameCounts.size() + 1);
+  slab->mStarts.push_back(0);
+  for (const std::uint32_t count : frameCounts) {
+    slab->mStarts.push_back(slab->mStarts.back() + count);
+  }
+  slab->mValues.reset(new float[std::size_t{16} * slab->mStarts.back() * nodes]);
+  mCollector.mNodes.reserve(nodes);
+  mCollector.mSlab = std::move(slab);
+}
+
+void CollectorFill::reserveLinks(std::uint32_t links, std::uint64_t most) {
+  mCollector.mLinks->reserve(links, std::size_t(most));
+}
+
+CollectorFill::Matrix* CollectorFill::nextNode() {
+  const FrameSlab& slab = *mCollector.mSlab;
+  return reinterpret_cast<Matrix*>(slab.mValues.get()) + mNodes * slab.mStarts.back();
+}
+
+int CollectorFill::addNode() {
+  const std::vector<std::uint32_t>& starts = mCollector.mSlab->mStarts;
+  mCollector.mNodes.push_back(XCTransformationNode(starts, nextNode()));
+  mCollector.mSize += 64 * starts.back() + 32 + 48 * mCollector.GetNbrTakes();
+  return int(mNodes++);
+}
+
+void CollectorFill::addLink(int node, std::uint32_t vertex, double weight) {
+  mCollector.XCFrameCollector::AddLink(node, UxZel::CZelUUID{}, vertex, weight);
+}
+
+void CollectorFill::finish() {
+  mCollector.mLinks->layOut(mCollector.restVertices().size(), mCollector.nodeCount());
+}
+
+}  // namespace Norvel::Vexa
