@@ -267,9 +267,9 @@ TEST(XCAMOFileIOTool, FillsACollectorOfTheLibraryAsAnyOther) {
               stateAfter<FilledOneByOne>(bytes, mesh));
   };
   const std::string good = encodeAnimationFile(example());
-  for (std::size_t size = 1; size <= good.size(); size += 3) check(good.substr(0, size));
+  for (std::size_t size = 1; size <= good.size(); size += 5) check(good.substr(0, size));
   for (std::size_t offset = 4; offset + 4 <= good.size(); offset += 4) {
-    for (const std::uint32_t odd : {0u, 1u, 9u, 1000u, ~0u}) {
+    for (const std::uint32_t odd : {1u, 9u, ~0u}) {
       std::string bad = good;
       std::memcpy(&bad[offset], &odd, 4);
       check(bad);

@@ -7,6 +7,7 @@
 #include "vexa/framecollector/CollectorFill_internal.h"
 #include "vexa/framecollector/NodePose_internal.h"
 #include "vexa/framecollector/VertexLinks_internal.h"
+#include "vexa/math/simd/Quads.h"
 #include "vexa/mesh/MeshEditor.h"
 #include "vexa/mesh/MeshImpl.h"
 #include "vexa/mesh/uxs_autoptr.h"
@@ -33,8 +34,22 @@ class VertexEditor : public UXS::Mesh::Editor {
   Point* vertices() { return data().mVertices.data(); }
 };
 
-// Reports that a link can not be followed. The text is whole: a rig may have many such links.
-void reportLink(const char* text) { XCReporter::SendMsg2Reporter(XIReporter::kMsgWarning, text); }
+// Why a link can not be followed. The texts are whole: a rig may have many such links.
+constexpr char kBadNode[] =
+    "XCFrameCollector::FillMatrix : XCFrameCollector::GetTransformation : bad node index "
+    "(assertion failed)";
+constexpr char kBadTake[] =
+    "XCFrameCollector::FillMatrix : XCTransformationNode::GetTransformationsNbr : bad take index "
+    "(assertion failed)";
+constexpr char kNoFrames[] =
+    "XCFrameCollector::FillMatrix : XCTransformationNode::GetTransformation : bad transformation "
+    "index (assertion failed)";
+
+// Out of line: the registers of a blend need not be saved where no link fails.
+__attribute__((noinline, cold)) const Matrix* reportLink(const char* text) {
+  XCReporter::SendMsg2Reporter(XIReporter::kMsgWarning, text);
+  return nullptr;
+}
 
 }  // namespace
 
@@ -50,8 +65,21 @@ struct XCFrameCollector::sCloneDefinitions {
 
 // The weighted sum of the matrices of a vertex's nodes, before the global transformation.
 struct XCFrameCollector::Blend {
-  Matrix mMatrix;
-  double mWeightSum;
+  Quads mColumns[4] = {Quads::zero(), Quads::zero(), Quads::zero(), Quads::zero()};
+  double mWeightSum = 0;
+
+  // The product global * this, column by column.
+  void multiply(const Matrix& global, Quads outColumns[4]) const {
+    const float* const g = global.e;
+    for (int c = 0; c < 4; ++c) {
+      alignas(16) float a[4];
+      mColumns[c].store(a);
+      // order: exact floats
+      outColumns[c] =
+          ((Quads::load(g) * a[0] + Quads::load(g + 4) * a[1]) + Quads::load(g + 8) * a[2]) +
+          Quads::load(g + 12) * a[3];
+    }
+  }
 };
 
 XCFrameCollector::XCFrameCollector(UXS::Mesh* mesh)
@@ -112,14 +140,18 @@ void XCFrameCollector::AddLink(int node, const UxZel::CZelUUID& /*definition*/, 
 Matrix XCFrameCollector::GetVertexTransformation(const Point* vertex, unsigned int take,
                                                  unsigned int frame, double& outWeightSum) const {
   Blend blend;
-  if (!FillMatrix(indexOf(vertex), take, frame, blend)) return Matrix();
+  Matrix matrix;
+  if (!FillMatrix(indexOf(vertex), take, frame, blend)) return matrix;
   outWeightSum = blend.mWeightSum;
-  return mGlobalTransformation * blend.mMatrix;
+  Quads columns[4];
+  blend.multiply(mGlobalTransformation, columns);
+  for (int c = 0; c < 4; ++c) columns[c].store(matrix.e + 4 * c);
+  return matrix;
 }
 
 Point XCFrameCollector::TransformPoint(const Point* vertex, unsigned int take,
                                        unsigned int frame) const {
-  UxThrow::IfNULL(vertex, "XCFrameCollector::TransformPoint : bad vertex");
+  if (vertex == nullptr) UxThrow::SignalNULL("XCFrameCollector::TransformPoint : bad vertex");
   return deformed(indexOf(vertex), *vertex, take, frame);
 }
 
@@ -173,28 +205,13 @@ std::size_t XCFrameCollector::indexOf(const Point* vertex) const {
 // The matrix of a node at a frame; null when it can not be followed, which is reported.
 // Required behaviour: a frame past the end becomes the last one and stays so for the links visited
 // afterwards; a take without frames makes it 0xFFFFFFFF.
-const Matrix* XCFrameCollector::follow(unsigned int node, unsigned int take,
-                                       unsigned int& ioFrame) const {
-  if (node >= mNodes.size()) {
-    reportLink(
-        "XCFrameCollector::FillMatrix : XCFrameCollector::GetTransformation : bad node index "
-        "(assertion failed)");
-    return nullptr;
-  }
-  if (take >= mNodes[node].mTakeCount) {
-    reportLink(
-        "XCFrameCollector::FillMatrix : XCTransformationNode::GetTransformationsNbr : bad take "
-        "index (assertion failed)");
-    return nullptr;
-  }
+inline const Matrix* XCFrameCollector::follow(unsigned int node, unsigned int take,
+                                              unsigned int& ioFrame) const {
+  if (node >= mNodes.size()) return reportLink(kBadNode);
+  if (take >= mNodes[node].mTakeCount) return reportLink(kBadTake);
   const XCTransformationNode::Frames frames = mNodes[node].frames(take);
   if (ioFrame >= frames.mCount) ioFrame = frames.mCount - 1;
-  if (ioFrame >= frames.mCount) {
-    reportLink(
-        "XCFrameCollector::FillMatrix : XCTransformationNode::GetTransformation : bad "
-        "transformation index (assertion failed)");
-    return nullptr;
-  }
+  if (ioFrame >= frames.mCount) return reportLink(kNoFrames);
   return frames.mFirst + ioFrame;
 }
 
@@ -207,16 +224,17 @@ bool XCFrameCollector::FillMatrix(std::size_t vertex, unsigned int take, unsigne
     UxThrow::IfFalse(true, "XCFrameCollector::FillMatrix : Bad vertex index");
     return false;
   }
-  Matrix sum = {{0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0}};
-  double weightSum = 0;
+  Blend blend;
   mLinks->visit(vertex, [&](std::uint32_t node, double weight) {
     const Matrix* const matrix = follow(node, take, frame);
     if (matrix == nullptr) return;
     const float w = float(weight);
-    for (int k = 0; k < 16; ++k) sum.e[k] = matrix->e[k] * w + sum.e[k];  // order: exact floats
-    weightSum += weight;                                                  // order: exact floats
+    for (int c = 0; c < 4; ++c) {
+      blend.mColumns[c] = Quads::load(matrix->e + 4 * c) * w + blend.mColumns[c];
+    }
+    blend.mWeightSum += weight;  // order: exact floats
   });
-  outBlend = {sum, weightSum};
+  outBlend = blend;
   return true;
 }
 
@@ -225,15 +243,18 @@ bool XCFrameCollector::FillMatrix(std::size_t vertex, unsigned int take, unsigne
 Point XCFrameCollector::deformed(std::size_t vertex, const Point& rest, unsigned int take,
                                  unsigned int frame) const {
   Blend blend;
-  Matrix matrix;
-  double weightSum = 0;
+  Quads c[4];
   if (FillMatrix(vertex, take, frame, blend)) {
-    weightSum = blend.mWeightSum;
-    matrix = mGlobalTransformation * blend.mMatrix;
+    blend.multiply(mGlobalTransformation, c);
+  } else {
+    const Matrix identity;
+    for (int i = 0; i < 4; ++i) c[i] = Quads::load(identity.e + 4 * i);
   }
-  const float s = 1.0f / float(weightSum);
-  return {s * rowTimesPoint(matrix.e, 0, rest), s * rowTimesPoint(matrix.e, 2, rest),
-          s * rowTimesPoint(matrix.e, 1, rest)};
+  const float s = 1.0f / float(blend.mWeightSum);
+  alignas(16) float row[4];
+  ((((c[0] * rest.x + c[1] * rest.y) + c[2] * rest.z) + c[3]) * s)
+      .store(row);  // order: exact floats
+  return {row[0], row[2], row[1]};
 }
 
 // Deforms all vertices by blocks. What a kernel leaves is done one by one, in the order of the

@@ -53,20 +53,7 @@ unsigned int XCTransformationNode::GetTransformationsNbr(unsigned int take) cons
   return frames(take).mCount;
 }
 
-XCTransformationNode::Frames XCTransformationNode::frames(unsigned int take) const {
-  if (take >= mTakeCount) return {nullptr, 0};
-  if (mStarts != nullptr) {
-    const std::uint32_t start = (*mStarts)[take];
-    return {mSlab + start, (*mStarts)[take + 1] - start};
-  }
-  const Take* const found = find(take);
-  return found == nullptr ? Frames{nullptr, 0}
-                          : Frames{found->mFrames.begin(), found->mFrames.size()};
-}
-
-// Where every take has frames, a take is at its own index.
 const XCTransformationNode::Take* XCTransformationNode::find(unsigned int take) const {
-  if (take < mTakes.size() && mTakes[take].mIndex == take) return &mTakes[take];
   const auto found =
       std::lower_bound(mTakes.begin(), mTakes.end(), take,
                        [](const Take& a, unsigned int index) { return a.mIndex < index; });

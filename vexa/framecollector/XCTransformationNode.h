@@ -64,4 +64,17 @@ class VEXA_EXPORT XCTransformationNode {
   std::vector<Take> mTakes;  // those with frames, by ascending index
 };
 
+inline XCTransformationNode::Frames XCTransformationNode::frames(unsigned int take) const {
+  if (take >= mTakeCount) return {nullptr, 0};
+  if (mStarts != nullptr) {
+    const std::uint32_t start = (*mStarts)[take];
+    return {mSlab + start, (*mStarts)[take + 1] - start};
+  }
+  // Where every take has frames, a take is at its own index.
+  const bool isAtIndex = take < mTakes.size() && mTakes[take].mIndex == take;
+  const Take* const found = isAtIndex ? &mTakes[take] : find(take);
+  return found == nullptr ? Frames{nullptr, 0}
+                          : Frames{found->mFrames.begin(), found->mFrames.size()};
+}
+
 }  // namespace Norvel::Vexa

@@ -155,13 +155,13 @@ class Kernel {
     void operator()(const float* blends, const float* points, const float* scales,
                     float* out) const {
       Q row[4];
-      for (int k = 0; k < 4; ++k) row[k] = Q::loadApart(blends + 4 * k, 16);
+      Q::loadRows(blends, row);
       if (fromColumns) Q::transpose(row);
       const Q point = Q::loadPoints(points);
       // Required behaviour: y comes from row 2 and z from row 1.
-      Q term[4] = {product(row, 0) * point, product(row, 2) * point, product(row, 1) * point};
-      term[3] = term[2];
-      Q::transpose(term);
+      Q term[4];
+      Q::transposeThree(product(row, 0) * point, product(row, 2) * point, product(row, 1) * point,
+                        term);
       // order: exact floats
       ((((term[0] + term[1]) + term[2]) + term[3]) * Q::spread(scales)).storePoints(out);
     }

@@ -23,8 +23,10 @@ struct PlainQuads {
 
   static PlainQuads zero() { return {{0, 0, 0, 0}}; }
   static PlainQuads load(const float* from) { return {{from[0], from[1], from[2], from[3]}}; }
-  /// Quad i comes from from + i * step.
-  static PlainQuads loadApart(const float* from, int /*step*/) { return load(from); }
+  /// Row k of kQuads 4x4 matrices of sixteen floats each, which lie row by row, becomes out[k].
+  static void loadRows(const float* from, PlainQuads out[4]) {
+    for (int k = 0; k < 4; ++k) out[k] = load(from + 4 * k);
+  }
   /// Points of three floats without gaps; the last lane of each quad is 1.
   static PlainQuads loadPoints(const float* from) { return {{from[0], from[1], from[2], 1}}; }
   /// Quad i is four times from[i].
@@ -47,6 +49,11 @@ struct PlainQuads {
     const PlainQuads a = io[0], b = io[1], c = io[2], d = io[3];
     for (int i = 0; i < 4; ++i) io[i] = {{a.lane[i], b.lane[i], c.lane[i], d.lane[i]}};
   }
+  /// Quad by quad, lane i of a, b, c becomes lanes 0, 1, 2 of out[i]; lane 3 is any number.
+  static void transposeThree(const PlainQuads& a, const PlainQuads& b, const PlainQuads& c,
+                             PlainQuads out[4]) {
+    for (int i = 0; i < 4; ++i) out[i] = {{a.lane[i], b.lane[i], c.lane[i], c.lane[i]}};
+  }
 };
 
 #if defined(__SSE2__) || defined(__ARM_NEON)
@@ -64,7 +71,9 @@ struct VectorQuads {
     std::memcpy(&result.lanes, from, sizeof(Lanes));
     return result;
   }
-  static VectorQuads loadApart(const float* from, int /*step*/) { return load(from); }
+  static void loadRows(const float* from, VectorQuads out[4]) {
+    for (int k = 0; k < 4; ++k) out[k] = load(from + 4 * k);
+  }
   static VectorQuads loadPoints(const float* from) { return {Lanes{from[0], from[1], from[2], 1}}; }
   static VectorQuads spread(const float* from) { return {Lanes{*from, *from, *from, *from}}; }
   void store(float* to) const { std::memcpy(to, &lanes, sizeof(Lanes)); }
@@ -83,6 +92,14 @@ struct VectorQuads {
     io[2].lanes = __builtin_shufflevector(ac23, bd23, 0, 4, 1, 5);
     io[3].lanes = __builtin_shufflevector(ac23, bd23, 2, 6, 3, 7);
   }
+  static void transposeThree(VectorQuads a, VectorQuads b, VectorQuads c, VectorQuads out[4]) {
+    const Lanes ab01 = __builtin_shufflevector(a.lanes, b.lanes, 0, 4, 1, 5);
+    const Lanes ab23 = __builtin_shufflevector(a.lanes, b.lanes, 2, 6, 3, 7);
+    out[0].lanes = __builtin_shufflevector(ab01, c.lanes, 0, 1, 4, 4);
+    out[1].lanes = __builtin_shufflevector(ab01, c.lanes, 2, 3, 5, 5);
+    out[2].lanes = __builtin_shufflevector(ab23, c.lanes, 0, 1, 6, 6);
+    out[3].lanes = __builtin_shufflevector(ab23, c.lanes, 2, 3, 7, 7);
+  }
 };
 
 #endif
@@ -96,9 +113,11 @@ struct AvxQuads {
 
   static AvxQuads zero() { return {_mm256_setzero_ps()}; }
   static AvxQuads load(const float* from) { return {_mm256_loadu_ps(from)}; }
-  static AvxQuads loadApart(const float* from, int step) {
-    return {_mm256_insertf128_ps(_mm256_castps128_ps256(_mm_loadu_ps(from)),
-                                 _mm_loadu_ps(from + step), 1)};
+  static void loadRows(const float* from, AvxQuads out[4]) {
+    for (int k = 0; k < 4; ++k) {
+      out[k].lanes = _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_loadu_ps(from + 4 * k)),
+                                          _mm_loadu_ps(from + 16 + 4 * k), 1);
+    }
   }
   static AvxQuads loadPoints(const float* from) {
     const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
@@ -133,6 +152,14 @@ struct AvxQuads {
     io[2].lanes = _mm256_unpacklo_ps(ac23, bd23);
     io[3].lanes = _mm256_unpackhi_ps(ac23, bd23);
   }
+  static void transposeThree(AvxQuads a, AvxQuads b, AvxQuads c, AvxQuads out[4]) {
+    const __m256 ab01 = _mm256_unpacklo_ps(a.lanes, b.lanes);
+    const __m256 ab23 = _mm256_unpackhi_ps(a.lanes, b.lanes);
+    out[0].lanes = _mm256_shuffle_ps(ab01, c.lanes, _MM_SHUFFLE(0, 0, 1, 0));
+    out[1].lanes = _mm256_shuffle_ps(ab01, c.lanes, _MM_SHUFFLE(1, 1, 3, 2));
+    out[2].lanes = _mm256_shuffle_ps(ab23, c.lanes, _MM_SHUFFLE(2, 2, 1, 0));
+    out[3].lanes = _mm256_shuffle_ps(ab23, c.lanes, _MM_SHUFFLE(3, 3, 3, 2));
+  }
 };
 
 #endif
@@ -144,20 +171,29 @@ struct Avx512Quads {
 
   // Operations without a mask take an undefined register, of which gcc 12 warns.
   static constexpr __mmask16 kAll = 0xFFFF;
+  static constexpr __mmask16 kPoints = 0x0FFF;  // four points of three floats
 
   __m512 lanes;
 
   static Avx512Quads zero() { return {_mm512_setzero_ps()}; }
   static Avx512Quads load(const float* from) { return {_mm512_loadu_ps(from)}; }
-  static Avx512Quads loadApart(const float* from, int step) {
-    __m512 result = _mm512_castps128_ps512(_mm_loadu_ps(from));
-    result = _mm512_insertf32x4(result, _mm_loadu_ps(from + step), 1);
-    result = _mm512_insertf32x4(result, _mm_loadu_ps(from + 2 * step), 2);
-    return {_mm512_insertf32x4(result, _mm_loadu_ps(from + 3 * step), 3)};
+  static void loadRows(const float* from, Avx512Quads out[4]) {
+    const __m512 a = _mm512_loadu_ps(from), b = _mm512_loadu_ps(from + 16);
+    const __m512 c = _mm512_loadu_ps(from + 32), d = _mm512_loadu_ps(from + 48);
+    const __m512 ab01 = _mm512_maskz_shuffle_f32x4(kAll, a, b, _MM_SHUFFLE(1, 0, 1, 0));
+    const __m512 ab23 = _mm512_maskz_shuffle_f32x4(kAll, a, b, _MM_SHUFFLE(3, 2, 3, 2));
+    const __m512 cd01 = _mm512_maskz_shuffle_f32x4(kAll, c, d, _MM_SHUFFLE(1, 0, 1, 0));
+    const __m512 cd23 = _mm512_maskz_shuffle_f32x4(kAll, c, d, _MM_SHUFFLE(3, 2, 3, 2));
+    out[0].lanes = _mm512_maskz_shuffle_f32x4(kAll, ab01, cd01, _MM_SHUFFLE(2, 0, 2, 0));
+    out[1].lanes = _mm512_maskz_shuffle_f32x4(kAll, ab01, cd01, _MM_SHUFFLE(3, 1, 3, 1));
+    out[2].lanes = _mm512_maskz_shuffle_f32x4(kAll, ab23, cd23, _MM_SHUFFLE(2, 0, 2, 0));
+    out[3].lanes = _mm512_maskz_shuffle_f32x4(kAll, ab23, cd23, _MM_SHUFFLE(3, 1, 3, 1));
   }
-  // The masks leave out the lane behind each point, and what lies behind the last point.
+  // The mask leaves out what lies behind the last point.
   static Avx512Quads loadPoints(const float* from) {
-    return {_mm512_mask_expandloadu_ps(_mm512_set1_ps(1), 0x7777, from)};
+    const __m512i apart = _mm512_setr_epi32(0, 1, 2, 2, 3, 4, 5, 5, 6, 7, 8, 8, 9, 10, 11, 11);
+    return {_mm512_mask_permutexvar_ps(_mm512_set1_ps(1), 0x7777, apart,
+                                       _mm512_maskz_loadu_ps(kPoints, from))};
   }
   static Avx512Quads spread(const float* from) {
     const __m512i quads = _mm512_setr_epi32(0, 0, 0, 0, 1, 1, 1, 1, 2, 2, 2, 2, 3, 3, 3, 3);
@@ -165,7 +201,8 @@ struct Avx512Quads {
   }
   void store(float* to) const { _mm512_storeu_ps(to, lanes); }
   void storePoints(float* to) const {
-    _mm512_mask_storeu_ps(to, 0x0FFF, _mm512_maskz_compress_ps(0x7777, lanes));
+    const __m512i packed = _mm512_setr_epi32(0, 1, 2, 4, 5, 6, 8, 9, 10, 12, 13, 14, 0, 0, 0, 0);
+    _mm512_mask_storeu_ps(to, kPoints, _mm512_maskz_permutexvar_ps(kAll, packed, lanes));
   }
 
   Avx512Quads operator+(Avx512Quads b) const { return {_mm512_add_ps(lanes, b.lanes)}; }
@@ -180,6 +217,14 @@ struct Avx512Quads {
     io[1].lanes = _mm512_maskz_unpackhi_ps(kAll, ac01, bd01);
     io[2].lanes = _mm512_maskz_unpacklo_ps(kAll, ac23, bd23);
     io[3].lanes = _mm512_maskz_unpackhi_ps(kAll, ac23, bd23);
+  }
+  static void transposeThree(Avx512Quads a, Avx512Quads b, Avx512Quads c, Avx512Quads out[4]) {
+    const __m512 ab01 = _mm512_maskz_unpacklo_ps(kAll, a.lanes, b.lanes);
+    const __m512 ab23 = _mm512_maskz_unpackhi_ps(kAll, a.lanes, b.lanes);
+    out[0].lanes = _mm512_maskz_shuffle_ps(kAll, ab01, c.lanes, _MM_SHUFFLE(0, 0, 1, 0));
+    out[1].lanes = _mm512_maskz_shuffle_ps(kAll, ab01, c.lanes, _MM_SHUFFLE(1, 1, 3, 2));
+    out[2].lanes = _mm512_maskz_shuffle_ps(kAll, ab23, c.lanes, _MM_SHUFFLE(2, 2, 1, 0));
+    out[3].lanes = _mm512_maskz_shuffle_ps(kAll, ab23, c.lanes, _MM_SHUFFLE(3, 3, 3, 2));
   }
 };
 
