@@ -45,6 +45,25 @@ if(TARGET vexa_scene)
   vexa_install_room(scene vexa_scene_player vexa_scene)
 endif()
 
+if(TARGET vexa_c)
+  set_target_properties(vexa_c PROPERTIES INSTALL_RPATH "$ORIGIN")
+  install(TARGETS vexa_c EXPORT vexa-cTargets
+          LIBRARY DESTINATION "${CMAKE_INSTALL_LIBDIR}"
+                  COMPONENT runtime NAMELINK_COMPONENT development
+          FILE_SET HEADERS DESTINATION "${CMAKE_INSTALL_INCLUDEDIR}" COMPONENT development)
+  install(EXPORT vexa-cTargets NAMESPACE vexa:: DESTINATION "${package_dir}" COMPONENT development)
+endif()
+if(TARGET vexa_python)
+  # Where the system's Python looks below its prefix: dist-packages for Debian's.
+  set(VEXA_PYTHON_DIR "lib/python3/dist-packages" CACHE STRING "Folder of Python modules")
+  file(RELATIVE_PATH python_to_lib "${CMAKE_INSTALL_PREFIX}/${VEXA_PYTHON_DIR}/vexa"
+       "${CMAKE_INSTALL_FULL_LIBDIR}")
+  set_target_properties(vexa_python PROPERTIES INSTALL_RPATH "$ORIGIN/${python_to_lib}")
+  install(TARGETS vexa_python LIBRARY DESTINATION "${VEXA_PYTHON_DIR}/vexa" COMPONENT python)
+  install(DIRECTORY "${PROJECT_SOURCE_DIR}/python/vexa" DESTINATION "${VEXA_PYTHON_DIR}"
+          COMPONENT python FILES_MATCHING PATTERN "*.py" PATTERN "*.pyi" PATTERN "py.typed")
+endif()
+
 configure_package_config_file(
   "${PROJECT_SOURCE_DIR}/cmake/vexaConfig.cmake.in" "${PROJECT_BINARY_DIR}/vexaConfig.cmake"
   INSTALL_DESTINATION "${package_dir}")
@@ -59,6 +78,9 @@ file(RELATIVE_PATH VEXA_PC_PREFIX "${pkgconfig_dir}" "${CMAKE_INSTALL_PREFIX}")
 file(RELATIVE_PATH VEXA_PC_LIBDIR "${CMAKE_INSTALL_PREFIX}" "${CMAKE_INSTALL_FULL_LIBDIR}")
 file(RELATIVE_PATH VEXA_PC_INCLUDEDIR "${CMAKE_INSTALL_PREFIX}" "${CMAKE_INSTALL_FULL_INCLUDEDIR}")
 set(pc_files vexa vexa-refhost)
+if(TARGET vexa_c)
+  list(APPEND pc_files vexa_c)
+endif()
 foreach(name ${pc_files})
   configure_file("${PROJECT_SOURCE_DIR}/cmake/${name}.pc.in" "${PROJECT_BINARY_DIR}/${name}.pc" @ONLY)
   install(FILES "${PROJECT_BINARY_DIR}/${name}.pc" DESTINATION "${CMAKE_INSTALL_LIBDIR}/pkgconfig"

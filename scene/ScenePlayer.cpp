@@ -68,6 +68,8 @@ void checkPosition(const refhost::Scene& scene, const Property& value) {
   }
 }
 
+}  // namespace
+
 /// The manager answers a request that cannot be met with zeros; here it is refused beforehand.
 void checkValue(const refhost::Scene& scene, const Property& value) {
   if (value.mKeys.mElements.empty()) refuse("value", value.mName, "has no key");
@@ -94,6 +96,8 @@ void checkValue(const refhost::Scene& scene, const Property& value) {
     refuse("value", value.mName, "the object of instance \"" + instance.mName + "\" has no take");
   }
 }
+
+namespace {
 
 /// A take that the animation file lacks has no pose.
 void checkTakes(const refhost::Definition& definition) {
@@ -194,17 +198,16 @@ const UXS::Mesh* ScenePlayer::mesh(const Instance& instance) const {
 void ScenePlayer::setFrame(int frame) {
   for (const std::size_t i : mOrder) {
     Property& value = mScene.mProperties[i];
-    Sample sample;
-    if (drivesAnInstance(value)) {
-      Instance& instance = mScene.mInstances.mElements[value.mInstance];
-      sample.mValue = mManager->ManageAnimatedObjectInstance(
-          &mScene, &instance, &mScene.mDefinitions[instance.mDefinition], &value, frame,
-          &sample.mDirection);
-      instance.mState.mCurrentFrame = sample.mValue.mInteger;
-    } else {
-      double* rate = value.mRate ? &*value.mRate : nullptr;
-      sample.mValue = mManager->InterpolateValue(&mScene, &value, frame, &sample.mDirection, rate);
+    if (!drivesAnInstance(value)) {
+      mSamples[i] = sample(i, frame);
+      continue;
     }
+    Sample sample;
+    Instance& instance = mScene.mInstances.mElements[value.mInstance];
+    sample.mValue = mManager->ManageAnimatedObjectInstance(
+        &mScene, &instance, &mScene.mDefinitions[instance.mDefinition], &value, frame,
+        &sample.mDirection);
+    instance.mState.mCurrentFrame = sample.mValue.mInteger;
     mSamples[i] = sample;
   }
 }
@@ -231,6 +234,18 @@ void ScenePlayer::edit(refhost::Scene edited) {
 
 Matrix ScenePlayer::toWorld(const Instance& instance) const {
   return placementOf(mScene, instance).mToWorld;
+}
+
+ScenePlayer::Sample ScenePlayer::sample(std::size_t value, int frame) {
+  Property& property = mScene.mProperties[value];
+  if (drivesAnInstance(property)) {
+    setFrame(frame);
+    return mSamples[value];
+  }
+  Sample sample;
+  double* rate = property.mRate ? &*property.mRate : nullptr;
+  sample.mValue = mManager->InterpolateValue(&mScene, &property, frame, &sample.mDirection, rate);
+  return sample;
 }
 
 UxZel::CZelPoint ScenePlayer::worldPosition(const Instance& instance) const {

@@ -37,6 +37,10 @@ class ScenePlayer {
   /// Computes every value of the scene at a frame, 0 or more, and drives the instances.
   void setFrame(int frame);
 
+  /// One value at a frame, 0 or more, as setFrame computes it. The frame is shown only when the
+  /// value drives an instance.
+  Sample sample(std::size_t value, int frame);
+
   /// One per value of the scene, in its order.
   const std::vector<Sample>& samples() const { return mSamples; }
 
@@ -70,5 +74,8 @@ class ScenePlayer {
   /// in its parent depends on where the parent stands at the same frame.
   std::vector<std::size_t> mOrder;
 };
+
+/// Throws std::runtime_error that names the value when it cannot be played in this scene.
+void checkValue(const refhost::Scene& scene, const refhost::Property& value);
 
 }  // namespace vexa::scene

@@ -349,4 +349,9 @@ Scene readEditedScene(const std::string& text) {
   return SceneReader(formats::JsonValue(document), {}, SceneReader::Meshes::kSkip).read();
 }
 
+Scene readSceneText(const std::string& text, const std::string& folder) {
+  const nlohmann::json document = formats::parseJson(text);
+  return SceneReader(formats::JsonValue(document), folder, SceneReader::Meshes::kRead).read();
+}
+
 }  // namespace vexa::scene

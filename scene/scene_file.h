@@ -17,4 +17,8 @@ refhost::Scene readSceneFile(const std::string& file);
 /// meshes of the objects are not read. Throws std::runtime_error "JSON PATH: what was expected".
 refhost::Scene readEditedScene(const std::string& text);
 
+/// Reads a scene from the text of a scene file; file names in it are relative to `folder`. Throws
+/// std::runtime_error "JSON PATH: what was expected".
+refhost::Scene readSceneText(const std::string& text, const std::string& folder);
+
 }  // namespace vexa::scene

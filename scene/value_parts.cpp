@@ -1,5 +1,7 @@
 #include "scene/value_parts.h"
 
+#include <algorithm>
+
 namespace vexa::scene {
 namespace {
 
@@ -49,26 +51,55 @@ std::vector<std::string> partNames(const refhost::Property& value) {
   }
 }
 
-std::vector<double> parts(const refhost::Property& value, const ScenePlayer::Sample& sample) {
-  const UxZel::IZelKeyFrame::uValue& v = sample.mValue;
-  const UxZel::CZelVector& d = sample.mDirection;
+std::size_t partCount(const refhost::Property& value) {
   switch (shapeOf(value)) {
     case Shape::kPosition:
-      return {v.mVector[0], v.mVector[1], v.mVector[2], d.x, d.y, d.z};
+      return 6;
     case Shape::kVector:
-      return {v.mVector[0], v.mVector[1], v.mVector[2]};
+      return 3;
     case Shape::kColor:
-      return {double(v.mColor[0]), double(v.mColor[1]), double(v.mColor[2]), double(v.mColor[3])};
-    case Shape::kInteger:
-      return {double(v.mInteger)};
-    case Shape::kDate:
-      return {double(v.mDate)};
-    case Shape::kStep:
-      return {double(v.mStep)};
-    case Shape::kReal:
-      return {v.mReal};
+      return 4;
+    default:
+      return 1;
   }
-  return {};
+}
+
+void writeParts(const refhost::Property& value, const ScenePlayer::Sample& sample,
+                double* outNumbers) {
+  const UxZel::IZelKeyFrame::uValue& v = sample.mValue;
+  const UxZel::CZelVector& d = sample.mDirection;
+  const Shape shape = shapeOf(value);
+  switch (shape) {
+    case Shape::kPosition:
+    case Shape::kVector:
+      std::copy_n(v.mVector, 3, outNumbers);
+      if (shape == Shape::kVector) return;
+      outNumbers[3] = d.x;
+      outNumbers[4] = d.y;
+      outNumbers[5] = d.z;
+      return;
+    case Shape::kColor:
+      std::copy_n(v.mColor, 4, outNumbers);
+      return;
+    case Shape::kInteger:
+      *outNumbers = double(v.mInteger);
+      return;
+    case Shape::kDate:
+      *outNumbers = double(v.mDate);
+      return;
+    case Shape::kStep:
+      *outNumbers = double(v.mStep);
+      return;
+    case Shape::kReal:
+      *outNumbers = v.mReal;
+      return;
+  }
+}
+
+std::vector<double> parts(const refhost::Property& value, const ScenePlayer::Sample& sample) {
+  std::vector<double> numbers(partCount(value));
+  writeParts(value, sample, numbers.data());
+  return numbers;
 }
 
 bool isDate(const refhost::Property& value) { return shapeOf(value) == Shape::kDate; }

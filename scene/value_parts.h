@@ -11,7 +11,12 @@ namespace vexa::scene {
 
 /// Their names: "x", "y", "z", "r", ...; one empty name for a value that is a single number.
 std::vector<std::string> partNames(const refhost::Property& value);
-/// The numbers of a sample, as many as there are names.
+/// How many there are.
+std::size_t partCount(const refhost::Property& value);
+/// Writes the numbers of a sample, as many as partCount says.
+void writeParts(const refhost::Property& value, const ScenePlayer::Sample& sample,
+                double* outNumbers);
+/// The numbers of a sample as a list.
 std::vector<double> parts(const refhost::Property& value, const ScenePlayer::Sample& sample);
 
 bool isDate(const refhost::Property& value);

@@ -50,6 +50,17 @@ for cxx in g++ clang++; do
   "$client/first17" | grep -q '^ 50 0.5000$'
 done
 
+if [ -e "$pkgconfig/vexa_c.pc" ]; then
+  # shellcheck disable=SC2046
+  cc -std=c99 -Wall -Wextra -pedantic -Werror "$here/../../c/example.c" -o "$scratch/example" \
+     $(pkg-config --cflags --libs vexa_c) -Wl,-rpath,"$(pkg-config --variable=libdir vexa_c)"
+  "$scratch/example" | grep -q '^height 10 8.00$'
+fi
+module=$(find "$prefix" -path '*/vexa/__init__.py')
+if [ -n "$module" ]; then
+  PYTHONPATH=$(dirname "$(dirname "$module")") /usr/bin/python3 -c 'import vexa; vexa.Scene({})'
+fi
+
 library=$(dirname "$pkgconfig")/libvexa.so.0
 if [ -e "$library" ]; then
   foreign=$(nm -DC --defined-only "$library" | cut -d' ' -f3- |

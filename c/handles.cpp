@@ -1,0 +1,48 @@
+#include <cstdint>
+#include <mutex>
+#include <unordered_map>
+
+#include "c/handles_internal.h"
+
+namespace vexa::c {
+namespace {
+
+struct Registry {
+  std::mutex mMutex;
+  std::unordered_map<std::uintptr_t, std::shared_ptr<Object>> mObjects;
+  std::uintptr_t mNext = 1;
+};
+
+/// Never destroyed: a host may end its handles while the process ends.
+Registry& registry() {
+  static Registry& instance = *new Registry;
+  return instance;
+}
+
+std::uintptr_t numberOf(const void* handle) { return reinterpret_cast<std::uintptr_t>(handle); }
+
+}  // namespace
+
+void* addHandle(std::shared_ptr<Object> object) {
+  Registry& all = registry();
+  const std::lock_guard<std::mutex> lock(all.mMutex);
+  const std::uintptr_t number = all.mNext;
+  all.mObjects.emplace(number, std::move(object));
+  all.mNext += 2;  // odd, so that no address of an object looks like a handle
+  return reinterpret_cast<void*>(number);
+}
+
+std::shared_ptr<Object> findHandle(const void* handle) {
+  Registry& all = registry();
+  const std::lock_guard<std::mutex> lock(all.mMutex);
+  const auto found = all.mObjects.find(numberOf(handle));
+  return found == all.mObjects.end() ? nullptr : found->second;
+}
+
+void endHandle(const void* handle) {
+  Registry& all = registry();
+  const std::lock_guard<std::mutex> lock(all.mMutex);
+  all.mObjects.erase(numberOf(handle));
+}
+
+}  // namespace vexa::c
