@@ -93,6 +93,10 @@ install(FILES "${PROJECT_SOURCE_DIR}/docs/scene.schema.json"
               "${PROJECT_SOURCE_DIR}/docs/info.schema.json"
         DESTINATION "${CMAKE_INSTALL_DATADIR}/vexa" COMPONENT command)
 
+# The page's template comes from another build, by scripts/web.
+install(FILES "${PROJECT_SOURCE_DIR}/build/web/share/vexa/view.html"
+        DESTINATION "${CMAKE_INSTALL_DATADIR}/vexa" COMPONENT command OPTIONAL)
+
 # The libraries are found relative to the program, so the tree may be moved.
 if(TARGET vexa_command)
   file(RELATIVE_PATH bin_to_lib "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")

@@ -6,11 +6,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include "formats/little_endian.h"
 #include "formats/write_file.h"
-
-#if defined(__BYTE_ORDER__) && __BYTE_ORDER__ != __ORDER_LITTLE_ENDIAN__
-#error "the animation file is little-endian, and values are written as they lie in memory"
-#endif
 
 namespace vexa::formats {
 namespace {
@@ -24,7 +21,8 @@ class Writer {
   template <class T>
   void put(const T& inValue) {
     char bytes[sizeof(T)];
-    std::memcpy(bytes, &inValue, sizeof(T));
+    const T ordered = littleEndian(inValue);
+    std::memcpy(bytes, &ordered, sizeof(T));
     mBytes.append(bytes, sizeof(T));
   }
   void putCount(std::size_t inCount, const char* inWhat) {
@@ -69,7 +67,7 @@ class Reader {
     T value{};
     std::memcpy(&value, mBytes.data() + mOffset, sizeof(T));
     mOffset += sizeof(T);
-    return value;
+    return littleEndian(value);
   }
   // A count of elements that need at least so many bytes each.
   std::uint32_t getCount(std::uint64_t inBytesEach, const char* inWhat) {
