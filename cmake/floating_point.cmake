@@ -1,5 +1,13 @@
 include(CheckCXXSourceCompiles)
 
+# Our option comes after the user's flags and wins, so a build would go on in silence with other
+# flags than were asked for; a host that compiles our headers that way would get other results.
+string(TOUPPER "${CMAKE_BUILD_TYPE}" build_type)
+if("${CMAKE_CXX_FLAGS} ${CMAKE_CXX_FLAGS_${build_type}}" MATCHES "-ffp-contract=(fast|on)")
+  message(FATAL_ERROR "Vexa's results are exact: a fused multiply-add changes them. "
+                      "Remove ${CMAKE_MATCH_0} from the compiler flags.")
+endif()
+
 # gcc 12.0 to 12.2 fuse in their SLP vectorizer although contraction is off, wherever the target has
 # the instructions (-march=native, x86-64-v3): a product that is added in one lane and subtracted in
 # the next becomes vfmaddsub. The vectorizer is then switched off for our own sources; the arithmetic

@@ -12,3 +12,7 @@
     (defined(__FINITE_MATH_ONLY__) && __FINITE_MATH_ONLY__)
 #error "Vexa's results are exact: compile without -ffast-math, -Ofast and what they switch on"
 #endif
+// The x87 unit keeps more digits than float and double have.
+#if defined(__FLT_EVAL_METHOD__) && (__FLT_EVAL_METHOD__ == 2 || __FLT_EVAL_METHOD__ == -1)
+#error "Vexa's results are exact: compile without x87, that is with -msse2 -mfpmath=sse"
+#endif
