@@ -1,10 +1,13 @@
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 #include <stdexcept>
 #include <string>
+#include <unistd.h>
 #include <vector>
 
 #include "cli/commands.h"
+#include "formats/printable.h"
 #include "importer/import_files.h"
 
 namespace vexa::cli {
@@ -26,20 +29,68 @@ importer::ImportedModel importOrSayWhichFile(const Options& options) {
   }
 }
 
+void showProgress(std::size_t done, std::size_t count) {
+  const bool isRound = done % 100 == 0 || done == count;
+  if (!isRound) return;
+  std::fprintf(stderr, "\r%zu of %zu poses compared%s", done, count, done == count ? "\n" : "");
+}
+
+// The terminal is told how far it is when the import takes long.
+importer::ImportProgress progressFor(const importer::ImportedModel& model) {
+  constexpr std::size_t kLong = 1000;
+  std::size_t poses = 0;
+  for (const auto& take : model.mTakes) poses += std::size_t(take.mFrameCount);
+  if (poses < kLong || isatty(STDERR_FILENO) == 0) return nullptr;
+  return showProgress;
+}
+
+// Before the work starts, so that it can be stopped.
+void warnOfSize(const importer::ImportedModel& model) {
+  constexpr double kLarge = 1073741824;
+  double bytes = 0;
+  for (const auto& node : model.mAnimation.mNodes) {
+    bytes += double(node.mMatrices.size()) * double(sizeof(node.mMatrices[0])) +
+             double(node.mLinks.size()) * 12;
+  }
+  if (bytes > kLarge) {
+    std::fprintf(stderr,
+                 "vexa: the animation file takes %.1f GiB; fewer clips or frames per second "
+                 "make it smaller\n",
+                 bytes / kLarge);
+  }
+}
+
+// The notes on a clip stand below its take, the others at the end.
+void printTakes(const importer::ImportedModel& model) {
+  std::vector<std::string> others = model.mNotes;
+  for (const auto& take : model.mTakes) {
+    std::printf("take \"%s\": %d frames at %g per second\n", formats::printable(take.mName).c_str(),
+                take.mFrameCount, take.mFramesPerSecond);
+    const std::string start = "clip '" + take.mName + "'";
+    const auto isOn = [&](const std::string& note) { return note.rfind(start, 0) == 0; };
+    for (const std::string& note : others) {
+      if (isOn(note)) std::printf("  note: %s\n", formats::printable(note).c_str());
+    }
+    others.erase(std::remove_if(others.begin(), others.end(), isOn), others.end());
+  }
+  for (const std::string& note : others) {
+    std::printf("note: %s\n", formats::printable(note).c_str());
+  }
+}
+
 void importModelFile(const Options& options) {
   const importer::ImportedModel model = importOrSayWhichFile(options);
-  const importer::ImportFiles files = importer::writeImport(model, options.stem);
+  warnOfSize(model);
+  const importer::ImportFiles files =
+      importer::writeImport(model, options.stem, progressFor(model));
   std::printf("%zu vertices, %zu triangles, %zu nodes\n", model.mMesh.points.size(),
               model.mMesh.triangles.size(), model.mAnimation.mNodes.size());
-  for (const auto& take : model.mTakes) {
-    std::printf("take \"%s\": %d frames at %g per second\n", take.mName.c_str(), take.mFrameCount,
-                take.mFramesPerSecond);
-  }
-  for (const std::string& note : model.mNotes) std::printf("note: %s\n", note.c_str());
+  printTakes(model);
   std::printf(
-      "largest difference to the importer's own skinning: %.3g of the model's size, in %zu poses\n",
+      "largest difference to the baked curves of the same file: %.3g of the model's size, in "
+      "%zu poses\n",
       files.mCheck.mLargestDifference, files.mCheck.mPoseCount);
-  for (const std::string& file : files.mFiles) std::puts(file.c_str());
+  for (const std::string& file : files.mFiles) std::puts(formats::printable(file).c_str());
 }
 
 }  // namespace

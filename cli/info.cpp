@@ -3,13 +3,31 @@
 #include <string>
 
 #include "cli/commands.h"
+#include "formats/printable.h"
+#include "importer/describe_model.h"
 #include "scene/describe.h"
 
 namespace vexa::cli {
 namespace {
 
+std::string asText(const scene::Description& value);
+
+// "walk (seconds 1.5, keys 20)": the name, then the rest of an object.
+std::string asFacts(const scene::Description& object) {
+  std::string name, rest;
+  for (const auto& [key, value] : object.items()) {
+    if (key == "name") {
+      name = asText(value);
+    } else {
+      rest += (rest.empty() ? "" : ", ") + key + " " + asText(value);
+    }
+  }
+  return name + " (" + rest + ")";
+}
+
 std::string asText(const scene::Description& value) {
   if (value.is_string()) return value.get<std::string>();
+  if (value.is_object()) return asFacts(value);
   if (!value.is_array()) return value.dump();
   std::string text;
   for (const auto& element : value) text += (text.empty() ? "" : ", ") + asText(element);
@@ -19,16 +37,20 @@ std::string asText(const scene::Description& value) {
 void printText(const scene::Description& description) {
   for (const auto& [name, value] : description.items()) {
     if (name == "notes" || name == "faults" || name == "formatVersion") continue;
-    std::printf("%-26s %s\n", name.c_str(), asText(value).c_str());
+    std::printf("%-26s %s\n", name.c_str(), formats::printable(asText(value)).c_str());
   }
-  for (const auto& note : description["notes"]) std::printf("note: %s\n", asText(note).c_str());
-  for (const auto& fault : description["faults"]) std::printf("fault: %s\n", asText(fault).c_str());
+  for (const auto& note : description["notes"])
+    std::printf("note: %s\n", formats::printable(asText(note)).c_str());
+  for (const auto& fault : description["faults"])
+    std::printf("fault: %s\n", formats::printable(asText(fault)).c_str());
 }
 
 void info(const std::string& file, bool json) {
-  const scene::Description description = scene::describeFile(file);
+  const scene::Description description =
+      importer::isModelFile(file) ? importer::describeModel(file) : scene::describeFile(file);
   if (json) {
-    std::puts(description.dump(2).c_str());
+    std::puts(
+        description.dump(2, ' ', false, scene::Description::error_handler_t::replace).c_str());
   } else {
     printText(description);
   }
@@ -48,9 +70,10 @@ struct Options {
 
 void addInfo(CLI::App& app) {
   CLI::App* command = app.add_subcommand(
-      "info", "Say what is in an animation file, a scene or a mesh, and what is wrong with it");
+      "info",
+      "Say what is in an animation file, a scene, a mesh or a model, and what is wrong with it");
   const auto options = std::make_shared<Options>();
-  command->add_option("FILE", options->file, "an .amo, .json or .obj file")->required();
+  command->add_option("FILE", options->file, "an .amo, .json or .obj file, or a model")->required();
   command->add_flag("--json", options->json, "print JSON");
   command->footer("Example: vexa info bison.amo --json");
   command->callback([options] { info(options->file, options->json); });

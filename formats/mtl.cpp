@@ -1,6 +1,7 @@
 #include "formats/mtl.h"
 
 #include <filesystem>
+#include <locale>
 #include <map>
 #include <sstream>
 #include <stdexcept>
@@ -45,6 +46,17 @@ std::vector<MtlMaterial> readMaterialsOf(const std::string& objText, const std::
     }
   }
   return materials;
+}
+
+std::string formatMtl(const std::vector<MtlMaterial>& materials) {
+  std::ostringstream text;
+  text.imbue(std::locale::classic());
+  for (const MtlMaterial& each : materials) {
+    text << "newmtl " << each.name << "\nKd " << each.color[0] << ' ' << each.color[1] << ' '
+         << each.color[2] << '\n';
+    if (!each.texture.empty()) text << "map_Kd " << each.texture << '\n';
+  }
+  return text.str();
 }
 
 }  // namespace vexa::formats

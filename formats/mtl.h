@@ -17,4 +17,7 @@ struct MtlMaterial {
 /// file that cannot be read has none: colours are no more than decoration.
 std::vector<MtlMaterial> readMaterialsOf(const std::string& objText, const std::string& folder);
 
+/// The text of an MTL file, of which readMaterialsOf gives the same materials.
+std::string formatMtl(const std::vector<MtlMaterial>& materials);
+
 }  // namespace vexa::formats

@@ -204,14 +204,6 @@ void append(std::string& ioText, const ObjCorner& corner, std::size_t uv) {
   if (uv != 0) ioText += '/' + std::to_string(uv);
 }
 
-std::string nameOf(const ObjModel& model, unsigned int material) {
-  if (material >= model.materials.size()) return std::to_string(material);
-  std::string name = model.materials[material];
-  std::replace_if(
-      name.begin(), name.end(), [](unsigned char c) { return c < ' '; }, '_');
-  return name;
-}
-
 void checkCorners(const ObjModel& model) {
   for (std::size_t t = 0; t < model.triangles.size(); ++t) {
     for (const ObjCorner& corner : model.triangles[t].corners) {
@@ -259,7 +251,7 @@ ObjModel parseObj(const std::string& text, const std::string& name) {
 
 ObjModel readObj(const std::string& path) { return parseObj(readFile(path), path); }
 
-std::string formatObj(const ObjModel& model) {
+std::string formatObj(const ObjModel& model, const std::string& materialFile) {
   checkCorners(model);
   std::string points, uvs, faces;
   for (const auto& p : model.points) {
@@ -272,16 +264,27 @@ std::string formatObj(const ObjModel& model) {
   for (std::size_t t = 0; t < model.triangles.size(); ++t) {
     const ObjTriangle& triangle = model.triangles[t];
     if (t == 0 || triangle.material != model.triangles[t - 1].material) {
-      faces += "usemtl " + nameOf(model, triangle.material) + '\n';
+      faces += "usemtl " + nameInObj(model, triangle.material) + '\n';
     }
     faces += 'f';
     for (const ObjCorner& c : triangle.corners) append(faces, c, withUV ? numbers.add(c, uvs) : 0);
     faces += '\n';
   }
-  return points + uvs + faces;
+  const std::string library = materialFile.empty() ? "" : "mtllib " + materialFile + '\n';
+  return library + points + uvs + faces;
 }
 
-void writeObj(const std::string& path, const ObjModel& model) { writeFile(path, formatObj(model)); }
+void writeObj(const std::string& path, const ObjModel& model, const std::string& materialFile) {
+  writeFile(path, formatObj(model, materialFile));
+}
+
+std::string nameInObj(const ObjModel& model, unsigned int material) {
+  if (material >= model.materials.size()) return std::to_string(material);
+  std::string name = model.materials[material];
+  std::replace_if(
+      name.begin(), name.end(), [](unsigned char c) { return c < ' '; }, '_');
+  return name;
+}
 
 ObjModel objOf(const UXS::Mesh& mesh) {
   ObjModel model;

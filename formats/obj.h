@@ -41,11 +41,15 @@ ObjModel parseObj(const std::string& text, const std::string& name);
 ObjModel readObj(const std::string& path);
 
 /// The text of an OBJ file, whatever the locale: parseObj gives the same floats back. Uv that are
-/// all zero are left out. Throws std::invalid_argument for a corner past the last point.
-std::string formatObj(const ObjModel& model);
+/// all zero are left out. `materialFile`, if any, is named as the one that holds the materials.
+/// Throws std::invalid_argument for a corner past the last point.
+std::string formatObj(const ObjModel& model, const std::string& materialFile = "");
 /// Writes a file whole or not at all. Throws as formatObj, and std::runtime_error "PATH: what is
 /// wrong" when it cannot be written.
-void writeObj(const std::string& path, const ObjModel& model);
+void writeObj(const std::string& path, const ObjModel& model, const std::string& materialFile = "");
+
+/// How a material is called in the text: its name on one line, or its number.
+std::string nameInObj(const ObjModel& model, unsigned int material);
 
 /// A committed mesh as a model; its materials have no names.
 ObjModel objOf(const UXS::Mesh& mesh);

@@ -6,7 +6,6 @@
 #include <assimp/mesh.h>
 #include <assimp/postprocess.h>
 #include <assimp/scene.h>
-#include <cctype>
 #include <cmath>
 #include <new>
 #include <stdexcept>
@@ -14,6 +13,7 @@
 #include <unordered_set>
 
 #include "importer/assimp_reader_internal.h"
+#include "importer/file_name_internal.h"
 #include "importer/unique_names_internal.h"
 
 namespace vexa::importer {
@@ -232,9 +232,8 @@ Oru::TVector3D<double> axisOf(const aiMetadata& settings, const std::string& nam
 
 // Formats that have +Z up and whose readers do not turn them.
 bool hasZUp(const std::string& file) {
-  std::string extension = file.substr(file.find_last_of('.') + 1);
-  for (char& c : extension) c = char(std::tolower(static_cast<unsigned char>(c)));
-  return extension == "smd" || extension == "csm";
+  const std::string ending = endingOf(file);
+  return ending == "smd" || ending == "csm";
 }
 
 constexpr double kZUpToYUp[16] = {1, 0, 0, 0, 0, 0, -1, 0, 0, 1, 0, 0, 0, 0, 0, 1};
@@ -294,6 +293,10 @@ SourceModel readWithAssimp(const std::string& file, double ticksPerSecond) {
   if (scene == nullptr) failFor(importer.GetErrorString());
   if (scene->mRootNode == nullptr) throw std::runtime_error("it has no nodes");
   return convert(*scene, file, ticksPerSecond);
+}
+
+bool isKnownToAssimp(const std::string& ending) {
+  return Assimp::Importer().IsExtensionSupported("." + ending);
 }
 
 }  // namespace vexa::importer

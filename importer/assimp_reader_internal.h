@@ -11,4 +11,7 @@ namespace vexa::importer {
 /// Throws std::runtime_error with the reader's reason.
 SourceModel readWithAssimp(const std::string& file, double ticksPerSecond);
 
+/// Whether libassimp reads files of an ending, which comes without a dot.
+bool isKnownToAssimp(const std::string& ending);
+
 }  // namespace vexa::importer

@@ -57,7 +57,8 @@ void compare(const Reference& expected, const Posed& actual, std::size_t take, s
 }  // namespace
 
 ImportCheck verifyImport(const ImportedModel& model, const std::string& animationFile,
-                         const std::vector<Oru::TVector3D<float>>& restPoints) {
+                         const std::vector<Oru::TVector3D<float>>& restPoints,
+                         const ImportProgress& progress) {
   if (restPoints.size() != model.mReference.mBound.size()) {
     throw std::runtime_error("the rest mesh has " + std::to_string(restPoints.size()) +
                              " points, the model " +
@@ -69,10 +70,13 @@ ImportCheck verifyImport(const ImportedModel& model, const std::string& animatio
   Norvel::XCAMOFileIOTool(Norvel::CChemin(animationFile.c_str())).Read(&collector);
 
   ImportCheck check;
+  std::size_t poses = 0;
+  for (const auto& take : model.mTakes) poses += std::size_t(take.mFrameCount);
   for (std::size_t take = 0; take < model.mTakes.size(); ++take) {
     for (std::size_t frame = 0; frame < std::size_t(model.mTakes[take].mFrameCount); ++frame) {
       const UXS::Mesh* posed = collector.GetCurrentDefinition(unsigned(take), unsigned(frame), {});
       compare(model.mReference.pose(take, frame), posed->GetVerticesArray(), take, frame, check);
+      if (progress) progress(check.mPoseCount, poses);
     }
   }
   // A model of no size is compared as it is.

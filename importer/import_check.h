@@ -1,12 +1,16 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
 #include "importer/model_import.h"
 
 namespace vexa::importer {
+
+/// Is told how many of how many poses have been compared.
+using ImportProgress = std::function<void(std::size_t done, std::size_t count)>;
 
 /// How far the runtime's poses are from the importer's own.
 struct ImportCheck {
@@ -31,6 +35,7 @@ constexpr double kImportTolerance = 1e-5;
 /// std::runtime_error when the number of points is another than the model's, and what the library's
 /// reader throws.
 ImportCheck verifyImport(const ImportedModel& model, const std::string& animationFile,
-                         const std::vector<Oru::TVector3D<float>>& restPoints);
+                         const std::vector<Oru::TVector3D<float>>& restPoints,
+                         const ImportProgress& progress = nullptr);
 
 }  // namespace vexa::importer

@@ -9,6 +9,7 @@
 #include <stdexcept>
 
 #include "formats/OutputFolder.h"
+#include "formats/mtl.h"
 #include "formats/write_file.h"
 
 namespace vexa::importer {
@@ -88,26 +89,86 @@ void requireFaithful(const ImportCheck& check, const ImportedModel& model,
                            ("take \"" + model.mTakes[check.mTake].mName + "\""));
 }
 
+// The ending that fits the bytes of a picture.
+std::string endingFor(const std::string& picture) {
+  return picture.compare(0, 3, "\xff\xd8\xff") == 0 ? ".jpg" : ".png";
+}
+
+// Writes the import's files one after the other and remembers their names.
+class ImportWriter {
+ public:
+  ImportWriter(const ImportedModel& model, const fs::path& target)
+      : mModel(model),
+        mName(target.filename().string()),
+        mTarget(target.parent_path()),
+        mFolder(mTarget.string()) {}
+
+  ImportFiles write(const std::string& stem, const ImportProgress& progress) {
+    const std::string animation = add(mName + ".amo"), mesh = add(mName + ".obj");
+    formats::writeAnimationFile(mModel.mAnimation, animation);
+    formats::writeObj(mesh, mModel.mMesh, writeMaterials());
+    formats::writeFile(add(mName + ".json"), asText(sceneOf(mModel, mName), stem));
+    ImportFiles result;
+    result.mCheck = verifyImport(mModel, animation, formats::readObj(mesh).points, progress);
+    requireFaithful(result.mCheck, mModel, stem);
+    mFolder.publish();
+    for (const std::string& each : mNames) result.mFiles.push_back(mFolder.finalPath(each));
+    return result;
+  }
+
+ private:
+  std::string add(const std::string& name) {
+    mNames.push_back(name);
+    return mFolder.pathFor(name);
+  }
+
+  // The name of the file of materials; empty when the model states neither colour nor picture.
+  std::string writeMaterials() {
+    const auto& all = mModel.mReference.mSource.mMaterials;
+    const bool hasColors = std::any_of(all.begin(), all.end(), [](const auto& material) {
+      return material.mHasColor || !material.mTexture.empty();
+    });
+    if (!hasColors) return "";
+    std::vector<formats::MtlMaterial> materials;
+    for (std::size_t i = 0; i < all.size(); ++i) {
+      formats::MtlMaterial material;
+      material.name = formats::nameInObj(mModel.mMesh, unsigned(i));
+      for (std::size_t c = 0; c < 3; ++c) material.color[c] = all[i].mColor[c];
+      material.texture = textureFor(all[i], i);
+      materials.push_back(material);
+    }
+    formats::writeFile(add(mName + ".mtl"), formats::formatMtl(materials));
+    return mName + ".mtl";
+  }
+
+  // As seen from the target folder.
+  std::string textureFor(const SourceModel::Material& material, std::size_t index) {
+    if (!material.mTextureBytes.empty()) {
+      const std::string name =
+          mName + "_" + std::to_string(index + 1) + endingFor(material.mTextureBytes);
+      formats::writeFile(add(name), material.mTextureBytes);
+      return name;
+    }
+    if (material.mTexture.empty()) return "";
+    return fs::path(material.mTexture)
+        .lexically_relative(mTarget.empty() ? fs::current_path() : fs::absolute(mTarget))
+        .string();
+  }
+
+  const ImportedModel& mModel;
+  const std::string mName;
+  const fs::path mTarget;
+  formats::OutputFolder mFolder;
+  std::vector<std::string> mNames;
+};
+
 }  // namespace
 
-ImportFiles writeImport(const ImportedModel& model, const std::string& stem) {
+ImportFiles writeImport(const ImportedModel& model, const std::string& stem,
+                        const ImportProgress& progress) {
   const fs::path target(stem);
-  const std::string name = target.filename().string();
-  if (name.empty()) throw std::runtime_error(stem + ": names no file");
-  const std::string names[] = {name + ".amo", name + ".obj", name + ".json"};
-  formats::OutputFolder folder(target.parent_path().string());
-  const auto temporary = [&](int i) { return folder.pathFor(names[i]); };
-
-  formats::writeAnimationFile(model.mAnimation, temporary(0));
-  formats::writeObj(temporary(1), model.mMesh);
-  formats::writeFile(temporary(2), asText(sceneOf(model, name), stem));
-  ImportFiles result;
-  result.mCheck = verifyImport(model, temporary(0), formats::readObj(temporary(1)).points);
-  requireFaithful(result.mCheck, model, stem);
-
-  folder.publish();
-  for (const std::string& each : names) result.mFiles.push_back(folder.finalPath(each));
-  return result;
+  if (target.filename().empty()) throw std::runtime_error(stem + ": names no file");
+  return ImportWriter(model, target).write(stem, progress);
 }
 
 }  // namespace vexa::importer

@@ -10,6 +10,7 @@
 #include "importer/model_motion.h"
 #include "importer/model_pose.h"
 #include "importer/model_reader.h"
+#include "importer/model_textures.h"
 #include "importer/model_travel.h"
 #include "importer/nearest_name.h"
 #include "importer/rest_mesh_internal.h"
@@ -254,7 +255,9 @@ void applyTravel(const Vec3& travel, const Matrix& toHost, SourceModel& ioModel)
 }  // namespace
 
 ImportedModel importModel(const std::string& file, const ImportOptions& options) {
-  return importModel(readModel(file, options.mLimits, options.mTicksPerSecond), options);
+  SourceModel model = readModel(file, options.mLimits, options.mTicksPerSecond);
+  findTextures(file, model);
+  return importModel(std::move(model), options);
 }
 
 ImportedModel importModel(SourceModel model, const ImportOptions& options) {

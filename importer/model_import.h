@@ -37,7 +37,7 @@ struct ImportOptions {
   /// How far each take leads away, evenly, in host space; for clips that walk in place.
   Oru::TVector3D<double> mTravel;
   /// Bytes that the animation file may have.
-  std::uint64_t mLargestAnimation = std::uint64_t{1} << 30;
+  std::uint64_t mLargestAnimation = std::uint64_t{4} << 30;
   ChildLimits mLimits;
 };
 

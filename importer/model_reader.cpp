@@ -1,6 +1,5 @@
 #include "importer/model_reader.h"
 
-#include <cctype>
 #include <cerrno>
 #include <cstring>
 #include <fstream>
@@ -11,6 +10,7 @@
 #include "importer/assimp_reader_internal.h"
 #include "importer/fbx_document_internal.h"
 #include "importer/fbx_reader_internal.h"
+#include "importer/file_name_internal.h"
 #include "importer/gltf_reader_internal.h"
 #include "importer/model_bytes_internal.h"
 
@@ -26,17 +26,6 @@ void checkIsReadableFile(const std::string& file) {
   if (!S_ISREG(status.st_mode)) throw std::runtime_error("is not a regular file");
   if (!std::ifstream(file)) throw std::runtime_error(std::strerror(errno));
   if (status.st_size == 0) throw std::runtime_error("is empty");
-}
-
-std::string endingOf(const std::string& file) {
-  std::string ending = file.substr(file.find_last_of("./") + 1);
-  for (char& c : ending) c = char(std::tolower(static_cast<unsigned char>(c)));
-  return ending;
-}
-
-std::string folderOf(const std::string& file) {
-  const std::size_t slash = file.find_last_of('/');
-  return slash == std::string::npos ? "." : file.substr(0, slash + 1);
 }
 
 // glTF 2.0 and FBX 7 are read here, everything else by libassimp.

@@ -2,6 +2,7 @@
 
 usage: command_test.py PATH_OF_VEXA
 """
+import base64
 import json
 import os
 import pathlib
@@ -41,6 +42,27 @@ SCENE = {
         {"name": "frame", "kind": "takeFrame", "instance": "red", "cyclic": True, "repeat": 9,
          "keys": [{"frame": 0, "value": 0}, {"frame": 5, "value": 4}]}],
 }
+
+
+def slide(name, colour=0.5, kind="translation"):
+    """A triangle as glTF, on a node that the clip "slide" moves by 4 along X in two seconds."""
+    data = struct.pack("<9f2f6f", 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 2, 0, 0, 0, 4, 0, 0)
+    uri = "data:application/octet-stream;base64," + base64.b64encode(data).decode()
+    views = [(0, 36), (36, 8), (44, 24)]
+    counts = [(3, "VEC3"), (2, "SCALAR"), (2, "VEC3")]
+    return json.dumps({
+        "asset": {"version": "2.0"}, "scene": 0, "scenes": [{"nodes": [0]}],
+        "nodes": [{"name": name, "mesh": 0}],
+        "meshes": [{"primitives": [{"attributes": {"POSITION": 0}, "material": 0}]}],
+        "materials": [{"name": "paint", "pbrMetallicRoughness": {
+            "baseColorFactor": [colour, 0, 1, 1], "baseColorTexture": {"index": 0}}}],
+        "textures": [{"source": 0}], "images": [{"uri": "lost.png"}],
+        "buffers": [{"uri": uri, "byteLength": len(data)}],
+        "bufferViews": [{"buffer": 0, "byteOffset": o, "byteLength": n} for o, n in views],
+        "accessors": [{"bufferView": i, "componentType": 5126, "count": n, "type": t}
+                      for i, (n, t) in enumerate(counts)],
+        "animations": [{"name": "slide", "samplers": [{"input": 1, "output": 2}], "channels": [
+            {"sampler": 0, "target": {"node": 0, "path": kind}}]}]})
 
 
 class Command(unittest.TestCase):
@@ -124,6 +146,43 @@ class Command(unittest.TestCase):
         facts = json.loads(self.vexa("info", "flag.amo", "--json").stdout)
         self.assertEqual((facts["takes"], facts["framesPerTake"], facts["links"]), (1, [5], 3))
         self.assertIn("values", self.vexa("info", "scene.json").stdout)
+
+    def test_a_model_is_described_and_imported(self):
+        (self.folder / "body.gltf").write_text(slide("body"))
+        facts = json.loads(self.vexa("info", "body.gltf", "--json").stdout)
+        self.assertEqual(facts["clips"], [{"name": "slide", "seconds": 2.0, "nodes": 1, "keys": 4}])
+        self.assertEqual(facts["notes"],
+                         ["the picture 'lost.png' of material 'paint' is not there"])
+        self.vexa("import", "body.gltf", "--out", "out", "--fps", "12.5", "--scale", "10")
+        self.assertEqual((self.folder / "out.mtl").read_text(),
+                         "newmtl paint\nKd 0.735357 0 1\n")
+        self.assertTrue((self.folder / "out.obj").read_text().startswith("mtllib out.mtl\nv 0 0 0\n"))
+        self.assertEqual(json.loads((self.folder / "out.json").read_text())["objects"][0]["takes"],
+                         [{"name": "slide", "frames": 26, "rate": 13}])
+        self.vexa("run", "out.json", "--frames", "25", "--mesh", "obj", "--out", "run")
+        self.assertIn("v 40 0 0", (self.folder / "run" / "frame_000025.obj").read_text())
+
+    def test_clips_of_other_files_and_strict(self):
+        for name in ("body", "other"):
+            (self.folder / f"{name}.gltf").write_text(slide(name))
+        (self.folder / "walk.gltf").write_text(slide("body"))
+        told = self.vexa("import", "body.gltf", "--motion", "walk.gltf", "--out", "out").stdout
+        self.assertIn('take "walk": 61 frames', told)
+        for arguments, text in (
+                (["--motion", "other.gltf"], "'other.gltf' moves no node that the model has: 'other'"),
+                (["--clip", "slid"], "it has no clip 'slid'; did you mean 'slide'? its clips are 'slide'"),
+                (["--strict"], "it cannot be shown exactly as the file means it: the picture "
+                               "'lost.png' of material 'paint' is not there")):
+            result = self.vexa("import", "body.gltf", "--out", "no", *arguments, expect=1)
+            self.assertEqual(result.stderr, f"vexa: body.gltf: {text}\n")
+        self.assertEqual(list(self.folder.glob("no*")), [])
+
+    def test_an_import_without_standard_streams_works(self):
+        (self.folder / "body.gltf").write_text(slide("body"))
+        subprocess.run(["sh", "-c", f"{VEXA} import body.gltf --out out <&- >&- 2>&-"],
+                       cwd=self.folder)
+        self.assertIn("v 0 0 0", (self.folder / "out.obj").read_text())
+        self.vexa("info", "out.amo")
 
     def test_bad_input_is_one_line_and_exit_1(self):
         (self.folder / "cut.amo").write_bytes(self.read("flag.amo")[:200])

@@ -28,8 +28,8 @@ with tempfile.TemporaryDirectory() as folder:
     stem = f"{folder}/skin"
     subprocess.run([VEXA, "import", MODEL, "--out", stem], check=True, stdout=subprocess.DEVNULL)
     scene.validate(json.loads(pathlib.Path(stem + ".json").read_text()))
-    for ending in ("amo", "obj", "json"):
-        printed = subprocess.run([VEXA, "info", f"{stem}.{ending}", "--json"], check=True,
+    for file in (MODEL, stem + ".amo", stem + ".obj", stem + ".json"):
+        printed = subprocess.run([VEXA, "info", file, "--json"], check=True,
                                  capture_output=True, text=True).stdout
         info.validate(json.loads(printed))
         broken = {**json.loads(printed), "formatVersion": 2}
