@@ -77,6 +77,7 @@
 #include "vexa/paths/XCZELPathInfo.h"
 #include "vexa/paths/XTBezierCurve.h"
 #include "vexa/paths/XTBezierPath.h"
+#include "vexa/paths/XTHostPoints.h"
 #include "vexa/paths/XTPathAgent.h"
 #include "vexa/paths/XTPathInfo.h"
 #include "vexa/paths/path_position.h"

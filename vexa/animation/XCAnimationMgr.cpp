@@ -4,6 +4,7 @@
 
 #include "vexa/animation/entry_point_internal.h"
 #include "vexa/framecollector/XCFrameCollector.h"
+#include "vexa/paths/path_cache_internal.h"
 
 namespace Norvel::Vexa {
 
@@ -16,6 +17,8 @@ typename Map::mapped_type valueOrNull(const Map& map, const Key& key) {
 }
 
 }  // namespace
+
+XCAnimationMgr::XCAnimationMgr() : mPaths(std::make_unique<PathCache>()) {}
 
 XIAnimationMgr* XIAnimationMgr::Create() {
   return guardEntryPoint<XIAnimationMgr*>("XIAnimationMgr::Create", nullptr,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <map>
+#include <memory>
 #include <optional>
 
 #include "vexa/Export.h"
@@ -9,6 +10,7 @@
 
 namespace Norvel::Vexa {
 
+class PathCache;
 class XCFrameCollector;
 
 /// The animation manager that XIAnimationMgr::Create() makes, with the steps that it is made of.
@@ -25,7 +27,7 @@ class VEXA_EXPORT XCAnimationMgr : public XIAnimationMgr {
     UXS::Mesh* mMesh;                    ///< its mesh at rest
   };
 
-  XCAnimationMgr() = default;
+  XCAnimationMgr();
   XCAnimationMgr(const XCAnimationMgr&) = delete;
   XCAnimationMgr& operator=(const XCAnimationMgr&) = delete;
 
@@ -125,6 +127,7 @@ class VEXA_EXPORT XCAnimationMgr : public XIAnimationMgr {
 
   std::map<const UxZel::IZelAnimatedObject*, sAnimatedInstanceData*> mInstancesByAnimatedObject;
   std::map<UxZel::CZelUUID, sAnimatedInstanceData*> mInstancesByUUID;
+  const std::unique_ptr<PathCache> mPaths;
 };
 
 }  // namespace Norvel::Vexa

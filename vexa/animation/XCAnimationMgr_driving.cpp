@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdint>
+#include <memory>
 #include <optional>
 
 #include "vexa/animation/CZelObjectInstanceTool.h"
@@ -11,7 +12,7 @@
 #include "vexa/framecollector/XCFrameCollector.h"
 #include "vexa/math/conversion.h"
 #include "vexa/mesh/Mesh.h"
-#include "vexa/paths/XC3DPath.h"
+#include "vexa/paths/path_cache_internal.h"
 
 namespace Norvel::Vexa {
 
@@ -247,8 +248,9 @@ uValue XCAnimationMgr::walkAlongPath(UxZel::IZelMgr* mgr, UxZel::IZelObjectInsta
       GetAnimatedObjectFrame(mgr, instance, definition, value, std::min(frame, lastFrame), cycles,
                              startOffset, true, false);
 
-  const XCZELPathInfo pathInfo(find3DPath(mgr, *value->GetPathUUID()));
-  const XC3DPath path(&pathInfo);
+  const std::shared_ptr<const BezierPath> builtPath =
+      mPaths->pathOf(find3DPath(mgr, *value->GetPathUUID()));
+  const BezierPath& path = *builtPath;
   const unsigned int takeIndex = state.GetTakeIndex();
   const UxZel::IZelTake& take = takeOf(*object, takeIndex, kDriving);
   Walk walk;

@@ -8,7 +8,7 @@
 #include "vexa/animation/host_access_internal.h"
 #include "vexa/animation/keyframe_curves.h"
 #include "vexa/math/conversion.h"
-#include "vexa/paths/path_position.h"
+#include "vexa/paths/path_cache_internal.h"
 
 namespace Norvel::Vexa {
 
@@ -73,16 +73,18 @@ int frameAtRate(const UxZel::IZelMgr& mgr, const UxZel::IZelInterpolatedValue& v
 }
 
 /// Position on the value's path, and the direction there.
-uValue positionAt(const UxZel::IZelMgr& mgr, const UxZel::IZelInterpolatedValue& value, int min,
-                  int max, int frame, uValue& direction, const double* rate) {
+uValue positionAt(PathCache& paths, const UxZel::IZelMgr& mgr,
+                  const UxZel::IZelInterpolatedValue& value, int min, int max, int frame,
+                  uValue& direction, const double* rate) {
   const UxZel::IZel3DPath* path = find3DPath(&mgr, *value.GetPathUUID());
   if (path == nullptr) raise(kOperation, "key frame of position, but the path doesn't exists !");
-  const Keys* keys = value.GetKeyFrames();
+  const Keys& keys = *value.GetKeyFrames();
+  const std::shared_ptr<const BezierPath> bezier = paths.pathOf(path);
   uValue position{};
   if (rate == nullptr) {
-    uxInterpolated3DPath(keys, path, min, max, frame, position, direction);
+    positionOn(*bezier, *path, keys, min, max, frame, position, direction);
   } else {
-    uxInterpolated3DPath(keys, path, min, max, frame, position, direction, *rate);
+    positionOn(*bezier, *path, keys, min, max, frame, position, direction, *rate);
   }
   return position;
 }
@@ -130,7 +132,7 @@ uValue XCAnimationMgr::InterpolateValue(UxZel::IZelMgr* mgr,
       case UxZel::kPropertyPosition:
       case UxZel::kPropertyPositionTarget:
       case UxZel::kPropertyPositionObject:
-        result = positionAt(*mgr, *value, min, max, pass.mFrame, direction, rate);
+        result = positionAt(*mPaths, *mgr, *value, min, max, pass.mFrame, direction, rate);
         if (outDirection != nullptr) {
           std::memcpy(outDirection, direction.mBytes, sizeof(*outDirection));
         }

@@ -6,8 +6,10 @@ namespace Norvel::Vexa {
 
 namespace {
 
-UxZel::CZelPoint sum(const UxZel::CZelPoint& point, const UxZel::CZelVector& offset) {
-  return {point.x + offset.x, point.y + offset.y, point.z + offset.z};
+// The host is asked for the offset first, whatever the compiler: a host may record its calls.
+UxZel::CZelPoint absolute(const UxZel::CZelVector& offset, const UxZel::IZelBezierPoint& point) {
+  const UxZel::CZelPoint& passage = *point.GetPassagePoint();
+  return {passage.x + offset.x, passage.y + offset.y, passage.z + offset.z};
 }
 
 float weight(const UxZel::CZelVector& offset) {
@@ -19,11 +21,11 @@ float weight(const UxZel::CZelVector& offset) {
 }  // namespace
 
 UxZel::CZelPoint XCBezierPointTool::getBeforeCtrlPoint() const {
-  return sum(*mPoint->GetPassagePoint(), *mPoint->GetBeforeControlOffset());
+  return absolute(*mPoint->GetBeforeControlOffset(), *mPoint);
 }
 
 UxZel::CZelPoint XCBezierPointTool::getAfterCtrlPoint() const {
-  return sum(*mPoint->GetPassagePoint(), *mPoint->GetAfterControlOffset());
+  return absolute(*mPoint->GetAfterControlOffset(), *mPoint);
 }
 
 float XCBezierPointTool::getBeforeCtrlPtWeight() const {

@@ -2,8 +2,6 @@
 
 #include <stdexcept>
 
-#include "vexa/paths/host_points_internal.h"
-
 namespace Norvel::Vexa {
 
 namespace {
@@ -23,100 +21,75 @@ UxZel::CZelVector offsetTo(const UXS::uxs_generic_vec3<float>& control,
 }  // namespace
 
 XCZELPathAgent::XCZELPathAgent(UxZel::IZel3DPath* path)
-    : mPath(path),
-      mEditablePoints(path != nullptr ? path->GetBezierPoints() : nullptr),
-      mPoints(mEditablePoints),
+    : XTHostPoints(path, path != nullptr ? path->GetBezierPoints() : nullptr),
       mBuiltFromPath(true) {}
 
 XCZELPathAgent::XCZELPathAgent(const PointList* points)
-    : mPath(nullptr), mEditablePoints(nullptr), mPoints(points), mBuiltFromPath(false) {}
-
-bool XCZELPathAgent::PointsMgrExist() const { return mPoints != nullptr; }
-
-unsigned int XCZELPathAgent::getNbBezierPoints() const {
-  return host_points::getNbBezierPoints(mPoints);
-}
+    : XTHostPoints(nullptr, points), mBuiltFromPath(false) {}
 
 bool XCZELPathAgent::addNewPointAt(unsigned int index) {
-  editableList("addNewPointAt")->InsertAt(index);
+  editableList("XC3DPath::addNewPointAt - can not get path's BezierPointsMgr")->InsertAt(index);
   return true;
 }
 
 bool XCZELPathAgent::removePointAt(unsigned int index) {
-  editableList("removePointAt")->RemoveAt(index);
+  editableList("XC3DPath::removePointAt - can not get path's BezierPointsMgr")->RemoveAt(index);
   return true;
 }
 
-XCZELPathAgent::V3 XCZELPathAgent::getPassagePointPositionAt(unsigned int index) const {
-  return host_points::getPassagePointPositionAt(mPoints, index);
+void XCZELPathAgent::setPassagePointPositionAt(unsigned int index, const V3& position) {
+  UxZel::IZelBezierPoint* edited =
+      point(index, "XC3DPath::setPassagePointPositionAt - can not get path's BezierPointsMgr",
+            "XCZELPathAgent::setPassagePointPositionAt : can not get BezierPoint");
+  const UxZel::CZelPoint stored{double(position.x), double(position.y), double(position.z)};
+  edited->SetPassagePoint(&stored);
 }
 
-void XCZELPathAgent::setPassagePointPositionAt(unsigned int index, const V3& point) {
-  const UxZel::CZelPoint position{double(point.x), double(point.y), double(point.z)};
-  host_points::pointAt(mPoints, index, "setPassagePointPositionAt")->SetPassagePoint(&position);
-}
-
-XCZELPathAgent::V3 XCZELPathAgent::getBeforeControlPointAt(unsigned int index) const {
-  return host_points::getBeforeControlPointAt(mPoints, index);
-}
-
-void XCZELPathAgent::setBeforeControlPointAt(unsigned int index, const V3& point) {
-  UxZel::IZelBezierPoint* edited = host_points::pointAt(mPoints, index, "setBeforeControlPointAt");
-  const UxZel::CZelVector offset = offsetTo(point, *edited);
+void XCZELPathAgent::setBeforeControlPointAt(unsigned int index, const V3& control) {
+  UxZel::IZelBezierPoint* edited =
+      point(index, "XC3DPath::setBeforeControlPointAt - can not get path's BezierPointsMgr",
+            "XCZELPathAgent::setBeforeControlPointAt : can not get BezierPoint");
+  const UxZel::CZelVector offset = offsetTo(control, *edited);
   edited->SetBeforeControlOffset(&offset);
 }
 
-XCZELPathAgent::V3 XCZELPathAgent::getAfterControlPointAt(unsigned int index) const {
-  return host_points::getAfterControlPointAt(mPoints, index);
-}
-
-void XCZELPathAgent::setAfterControlPointAt(unsigned int index, const V3& point) {
-  UxZel::IZelBezierPoint* edited = host_points::pointAt(mPoints, index, "setAfterControlPointAt");
-  const UxZel::CZelVector offset = offsetTo(point, *edited);
+void XCZELPathAgent::setAfterControlPointAt(unsigned int index, const V3& control) {
+  UxZel::IZelBezierPoint* edited =
+      point(index, "XC3DPath::setAfterControlPointAt - can not get path's BezierPointsMgr",
+            "XCZELPathAgent::setAfterControlPointAt : can not get BezierPoint");
+  const UxZel::CZelVector offset = offsetTo(control, *edited);
   edited->SetAfterControlOffset(&offset);
 }
 
-XCZELPathAgent::V3 XCZELPathAgent::getToBeforeCtrlPtAt(unsigned int index) const {
-  return host_points::getToBeforeCtrlPtAt(mPoints, index);
-}
-
 void XCZELPathAgent::setToBeforeCtrlPtAt(unsigned int index, const V3& offset) {
+  UxZel::IZelBezierPoint* edited =
+      point(index, "XC3DPath::setToBeforeCtrlPtAt - can not get path's BezierPointsMgr",
+            "XCZELPathAgent::setToBeforeCtrlPtAt : can not get BezierPoint");
   const UxZel::CZelVector stored = widened(offset);
-  host_points::pointAt(mPoints, index, "setToBeforeCtrlPtAt")->SetBeforeControlOffset(&stored);
-}
-
-XCZELPathAgent::V3 XCZELPathAgent::getToAfterCtrlPtAt(unsigned int index) const {
-  return host_points::getToAfterCtrlPtAt(mPoints, index);
+  edited->SetBeforeControlOffset(&stored);
 }
 
 void XCZELPathAgent::setToAfterCtrlPtAt(unsigned int index, const V3& offset) {
+  UxZel::IZelBezierPoint* edited =
+      point(index, "XC3DPath::setToAfterCtrlPtAt - can not get path's BezierPointsMgr",
+            "XCZELPathAgent::setToAfterCtrlPtAt : can not get BezierPoint");
   const UxZel::CZelVector stored = widened(offset);
-  host_points::pointAt(mPoints, index, "setToAfterCtrlPtAt")->SetAfterControlOffset(&stored);
-}
-
-float XCZELPathAgent::getAfterControlPointWeightAt(unsigned int index) const {
-  return host_points::getAfterControlPointWeightAt(mPoints, index);
-}
-
-float XCZELPathAgent::getBeforeControlPointWeightAt(unsigned int index) const {
-  return host_points::getBeforeControlPointWeightAt(mPoints, index);
-}
-
-bool XCZELPathAgent::getTangentLockedAt(unsigned int index) const {
-  return host_points::getTangentLockedAt(mPoints, index);
+  edited->SetAfterControlOffset(&stored);
 }
 
 void XCZELPathAgent::setTangentLockedAt(unsigned int index, bool locked) {
-  host_points::pointAt(mPoints, index, "setTangentLockedAt")->SetTangentLocked(locked);
+  UxZel::IZelBezierPoint* edited =
+      point(index, "XC3DPath::setTangentLockedAt - can not get path's BezierPointsMgr",
+            "XCZELPathAgent::setTangentLockedAt : can not get BezierPoint");
+  edited->SetTangentLocked(locked);
 }
-
-bool XCZELPathAgent::getPathClosed() const { return mPath != nullptr && mPath->IsPathClosed(); }
 
 void XCZELPathAgent::setPathClosed(bool closed) {
   if (mPath == nullptr) {
     throw std::runtime_error("XCZELPathAgent::setPathClosed - mPath is not initialized");
   }
-  mPath->SetPathClosed(closed);
+  // The constructor took a path to edit.
+  const_cast<UxZel::IZel3DPath*>(mPath)->SetPathClosed(closed);
 }
 
 void XCZELPathAgent::BlockSynchronization() {}
@@ -125,13 +98,13 @@ void XCZELPathAgent::UnBlockSynchronization() {}
 
 XCZELPathAgent::~XCZELPathAgent() = default;
 
-XCZELPathAgent::PointList* XCZELPathAgent::editableList(const char* operation) const {
+XCZELPathAgent::PointList* XCZELPathAgent::editableList(const char* missingList) const {
   // Required behaviour: a leading blank, and addNewPointAt whatever the operation.
   if (!mBuiltFromPath) {
     throw std::runtime_error(" XCZELPathAgent::addNewPointAt - mPath is not initialized");
   }
-  host_points::checkList(mEditablePoints, operation);
-  return mEditablePoints;
+  // The path handed out this list to be edited; only an agent's own list may be const.
+  return const_cast<PointList*>(list(missingList));
 }
 
 }  // namespace Norvel::Vexa

@@ -6,6 +6,7 @@
 #include "vexa/math/conversion.h"
 #include "vexa/paths/XC3DPath.h"
 #include "vexa/paths/XCZELPathInfo.h"
+#include "vexa/paths/path_position_internal.h"
 #include "vexa/paths/vector_length_internal.h"
 
 namespace Norvel::Vexa {
@@ -48,7 +49,7 @@ void write(const V3& v, IZelKeyFrame::uValue& out) {
 }
 
 // From a place of the path to its end, and a unit step further.
-V3 beyondTheEnd(const XC3DPath& path, const V3& place) {
+V3 beyondTheEnd(const BezierPath& path, const V3& place) {
   const V3 end = path.valueAt(1);
   V3 step = path.directionAt(1);
   const float length = vectorLength(step);
@@ -79,15 +80,13 @@ double getInterpolatedPathPosition(const KeyList* keys, int minIndex, int maxInd
   return OneMinSqerp(startTime, endTime, start, end, time);
 }
 
-void uxInterpolated3DPath(const KeyList* keys, const UxZel::IZel3DPath* path, int minIndex,
-                          int maxIndex, int frame, IZelKeyFrame::uValue& outPosition,
-                          IZelKeyFrame::uValue& outDirection) {
-  const XCZELPathInfo info(path);
-  const XC3DPath bezier(&info);
-  const float fraction = fractionAt(*keys, *path, minIndex, maxIndex, frame);
+void positionOn(const BezierPath& bezier, const UxZel::IZel3DPath& path, const KeyList& keys,
+                int minIndex, int maxIndex, int frame, IZelKeyFrame::uValue& outPosition,
+                IZelKeyFrame::uValue& outDirection) {
+  const float fraction = fractionAt(keys, path, minIndex, maxIndex, frame);
   const V3 position = bezier.valueAt(fraction);
   V3 direction = bezier.directionAt(fraction);
-  if (atOneFrame(*keys, minIndex, maxIndex)) {
+  if (atOneFrame(keys, minIndex, maxIndex)) {
     const float length = vectorLength(direction);
     if (length > 0) direction = divided(direction, length);
   }
@@ -95,12 +94,10 @@ void uxInterpolated3DPath(const KeyList* keys, const UxZel::IZel3DPath* path, in
   write(direction, outDirection);
 }
 
-void uxInterpolated3DPath(const KeyList* keys, const UxZel::IZel3DPath* path, int minIndex,
-                          int maxIndex, int frame, IZelKeyFrame::uValue& outPosition,
-                          IZelKeyFrame::uValue& outDirection, double lookAhead) {
-  const XCZELPathInfo info(path);
-  const XC3DPath bezier(&info);
-  const float fraction = fractionAt(*keys, *path, minIndex, maxIndex, frame);
+void positionOn(const BezierPath& bezier, const UxZel::IZel3DPath& path, const KeyList& keys,
+                int minIndex, int maxIndex, int frame, IZelKeyFrame::uValue& outPosition,
+                IZelKeyFrame::uValue& outDirection, double lookAhead) {
+  const float fraction = fractionAt(keys, path, minIndex, maxIndex, frame);
   const V3 position = bezier.valueAt(fraction);
   const float total = bezier.getTotalLength();
   const float ahead = (float(lookAhead) + fraction * total) / total;  // order: exact floats
@@ -108,6 +105,21 @@ void uxInterpolated3DPath(const KeyList* keys, const UxZel::IZel3DPath* path, in
       0 <= ahead && ahead <= 1 ? bezier.valueAt(ahead) - position : beyondTheEnd(bezier, position);
   write(position, outPosition);
   write(direction, outDirection);
+}
+
+void uxInterpolated3DPath(const KeyList* keys, const UxZel::IZel3DPath* path, int minIndex,
+                          int maxIndex, int frame, IZelKeyFrame::uValue& outPosition,
+                          IZelKeyFrame::uValue& outDirection) {
+  const XCZELPathInfo info(path);
+  positionOn(XC3DPath(&info), *path, *keys, minIndex, maxIndex, frame, outPosition, outDirection);
+}
+
+void uxInterpolated3DPath(const KeyList* keys, const UxZel::IZel3DPath* path, int minIndex,
+                          int maxIndex, int frame, IZelKeyFrame::uValue& outPosition,
+                          IZelKeyFrame::uValue& outDirection, double lookAhead) {
+  const XCZELPathInfo info(path);
+  positionOn(XC3DPath(&info), *path, *keys, minIndex, maxIndex, frame, outPosition, outDirection,
+             lookAhead);
 }
 
 }  // namespace Norvel::Vexa
