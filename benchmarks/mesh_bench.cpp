@@ -136,7 +136,7 @@ void remap(benchmark::State& state) {
 const std::vector<std::vector<std::int64_t>> kMeshes{{50000, 200000}, {kBands, kRandom}};
 BENCHMARK(firstCommit)->ArgsProduct(kMeshes);
 BENCHMARK(laterCommit)->ArgsProduct(kMeshes);
-BENCHMARK(copyCommit)->ArgsProduct({{10000, 50000, 200000}, {kBands, kRandom}});
+BENCHMARK(copyCommit)->ArgsProduct({{1000, 10000, 50000, 200000}, {kBands, kRandom}});
 BENCHMARK(adjacency)->ArgsProduct(kMeshes);
 BENCHMARK(merging);
 BENCHMARK(remap);

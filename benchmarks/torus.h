@@ -27,9 +27,11 @@ struct TorusSize {
   unsigned mAround;
   unsigned mAcross;
 };
-/// 10,000, 50,000, 100,000 or 200,000 vertices.
+/// 1,000, 10,000, 50,000, 100,000 or 200,000 vertices.
 inline TorusSize torusSize(long vertices) {
   switch (vertices) {
+    case 1000:
+      return {40, 25};
     case 10000:
       return {100, 100};
     case 50000:

@@ -23,6 +23,7 @@ constexpr Forms kPlain{1, faceNormals<PlainFloat1>, drawnEdges<PlainFloat1>};
 
 Forms widestForms() {
 #if defined(VEXA_AVX2)
+  if (__builtin_cpu_supports("avx512f")) return {16, faceNormalsBySixteen, drawnEdgesBySixteen};
   if (__builtin_cpu_supports("avx2")) return {8, faceNormalsByEight, drawnEdgesByEight};
 #endif
   return kPlain;

@@ -2,8 +2,8 @@
 
 #include <cstddef>
 
-// What a commit computes per triangle and per edge, written once over the lanes of simd/Float8.h:
-// PlainFloat1 and AvxFloat8 give the same bits. No standard headers in here, see
+// What a commit computes per triangle and per edge, written once over the lanes of simd/Float8.h and
+// simd/Float16.h, which all give the same bits. No standard headers in here, see
 // mesh_frame_avx2_internal.cpp.
 namespace UXS::mesh_frame {
 
@@ -50,10 +50,15 @@ std::size_t drawnEdges(const float* rows, const unsigned int* faces, const unsig
   return drawn;
 }
 
-// The AVX2 forms.
+// The AVX2 and the AVX-512 forms.
 void faceNormalsByEight(const float* positions, const unsigned int* triangles, std::size_t count,
                         float* outRows, float* outCorners);
 std::size_t drawnEdgesByEight(const float* rows, const unsigned int* faces,
                               const unsigned int* edges, std::size_t count, unsigned int* outEdges);
+void faceNormalsBySixteen(const float* positions, const unsigned int* triangles, std::size_t count,
+                          float* outRows, float* outCorners);
+std::size_t drawnEdgesBySixteen(const float* rows, const unsigned int* faces,
+                                const unsigned int* edges, std::size_t count,
+                                unsigned int* outEdges);
 
 }  // namespace UXS::mesh_frame
