@@ -27,13 +27,6 @@ UXS::Mesh* newMesh() {
   return mesh;
 }
 
-// An editor that gives the vertices as an array.
-class VertexEditor : public UXS::Mesh::Editor {
- public:
-  using Editor::Editor;
-  Point* vertices() { return data().mVertices.data(); }
-};
-
 // Why a link can not be followed. The texts are whole: a rig may have many such links.
 constexpr char kBadNode[] =
     "XCFrameCollector::FillMatrix : XCFrameCollector::GetTransformation : bad node index "
@@ -285,10 +278,9 @@ void XCFrameCollector::deformVertices(unsigned int take, unsigned int frame, Poi
 // Commits within its own scope: where memory runs out the caller gets to know.
 void XCFrameCollector::deformInto(UXS::Mesh& outMesh, unsigned int take, unsigned int frame) {
   if (restVertices().empty()) return;
-  VertexEditor editor(outMesh, false);
+  UXS::Mesh::Editor editor(outMesh, false);
   try {
-    editor.Copy(*mMesh, true);
-    deformVertices(take, frame, editor.vertices());
+    deformVertices(take, frame, editor.CopyWithoutPositions(*mMesh));
     editor.Commit();
   } catch (...) {
     editor.Abandon();

@@ -24,10 +24,11 @@ Mesh::Impl::Topology::Topology(const SharedVector<Corners>& triangles,
 // The arrays that a commit fills: those of the mesh, or, where these have no room, those of a copy
 // that is gone. Making it takes the memory; filling it cannot fail.
 struct Mesh::Impl::Frame {
+  // Where normals stay, the face normals go to a scratch array from `spare` if it is not null.
   Frame(Impl& mesh, const TriangleArrays& arrays, const FrameTopology& topology,
-        Spare<FaceNormalRows>* spareRows);
+        Spare<FrameMemory>* spare);
   ~Frame() {
-    if (mSpareRows) mSpareRows->keep(std::move(mRows));
+    if (mSpare && mScratch) mSpare->keep(std::move(mScratch));
   }
 
   // Fills in the edges, and the normals where there are none.
@@ -36,42 +37,40 @@ struct Mesh::Impl::Frame {
   Impl& mMesh;
   const FrameTopology& mTopology;
   bool mIsWithoutNormals;
+  Spare<FrameMemory>* mSpare;
+  std::unique_ptr<FrameMemory> mScratch;  // null where the mesh is without normals
   std::vector<CornerPositions>* mNormals;
   std::vector<Edge>* mEdges;
-  Spare<FaceNormalRows>* mSpareRows;  // where mRows come from and go to, or null
-  std::unique_ptr<FaceNormalRows> mRows;
 };
 
 Mesh::Impl::Frame::Frame(Impl& mesh, const TriangleArrays& arrays, const FrameTopology& topology,
-                         Spare<FaceNormalRows>* spareRows)
+                         Spare<FrameMemory>* spare)
     : mMesh(mesh),
       mTopology(topology),
       mIsWithoutNormals(
           (arrays.mHasNewNormals ? arrays.mSmoothNormals : mesh.mSmoothNormals).empty()),
+      mSpare(spare),
       mNormals(&mesh.mSmoothNormals),
-      mEdges(&mesh.mEdges),
-      mSpareRows(spareRows),
-      mRows(spareRows ? spareRows->take() : nullptr) {
-  const std::size_t triangles = arrays.mTriangles.size(), edges = topology.mEdges.mEdges.size();
+      mEdges(&mesh.mEdges) {
+  const std::size_t triangles = topology.mOffsets.size(), edges = topology.mEdges.mEdges.size();
   FrameMemory* const memory = mesh.mFrameMemory.get();
   if (memory && mNormals->capacity() < triangles) mNormals = &memory->mSmoothNormals;
   if (memory && mEdges->capacity() < edges) mEdges = &memory->mEdges;
-  if (mIsWithoutNormals) mNormals->reserve(triangles);
+  if (!mIsWithoutNormals) {
+    if (mSpare) mScratch = mSpare->take();
+    if (!mScratch) mScratch = std::make_unique<FrameMemory>();
+    mNormals = &mScratch->mSmoothNormals;
+  }
+  mNormals->reserve(triangles);
   mEdges->reserve(edges);
-  if (!mRows) mRows = std::make_unique<FaceNormalRows>();
-  if (mRows->size() <= triangles) mRows->resize(triangles + 1);
 }
 
 void Mesh::Impl::Frame::fill() {
-  const std::size_t triangles = mTopology.mOffsets.size();
-  if (mIsWithoutNormals) {
-    mNormals->resize(triangles);
-    if (mNormals != &mMesh.mSmoothNormals) mNormals->swap(mMesh.mSmoothNormals);
-  }
-  mesh_frame::fillFaceNormals(mMesh.mVertices, mTopology, *mRows,
-                              mIsWithoutNormals ? mMesh.mSmoothNormals.data() : nullptr);
+  mNormals->resize(mTopology.mOffsets.size());
+  mesh_frame::fillFaceNormals(mMesh.mVertices, mTopology, *mNormals);
+  mesh_frame::fillEdges(*mNormals, mTopology.mEdges, *mEdges);
   if (mEdges != &mMesh.mEdges) mEdges->swap(mMesh.mEdges);
-  mesh_frame::fillEdges(*mRows, mTopology.mEdges, mMesh.mEdges);
+  if (mIsWithoutNormals && mNormals != &mMesh.mSmoothNormals) mNormals->swap(mMesh.mSmoothNormals);
 }
 
 // What is in step already is shared.
@@ -131,7 +130,7 @@ void Mesh::Impl::Process() {
   if (!isKnown) {
     topology = std::make_shared<Topology>(arrays.mTriangles, arrays.mMaterialIDs, mVertices.size());
   }
-  Frame frame(*this, arrays, topology->mFrame, &topology->mFaceNormals);
+  Frame frame(*this, arrays, topology->mFrame, &topology->mFrameMemory);
   std::vector<Oru::TBox3D<float>> groupBoxes(topology->mVertexGroups.size());
   MeshExtent extent{{}, std::vector<Oru::TBox3D<float>>(topology->mSections.size())};
   if (!mMaterialAABBs.reserve(unsigned(extent.mSections.size()))) throw std::bad_alloc();
@@ -156,7 +155,7 @@ void Mesh::Impl::ProcessLightWeight() {
   std::optional<FrameTopology> derived;
   if (!isKnown) derived.emplace(mTriangles, mVertices.size());
   Frame frame(*this, arrays, isKnown ? mTopology->mFrame : *derived,
-              isKnown ? &mTopology->mFaceNormals : nullptr);
+              isKnown ? &mTopology->mFrameMemory : nullptr);
 
   // From here on nothing fails.
   adopt(std::move(arrays));

@@ -28,12 +28,6 @@ class Spare {
   std::atomic<T*> mObject{nullptr};
 };
 
-// A face normal as wide code stores and reads it.
-struct FaceNormalRow {
-  float x = 0, y = 0, z = 0, mUnused = 0;
-};
-using FaceNormalRows = std::vector<FaceNormalRow>;
-
 // The arrays of one deformed copy of a mesh. New pages cost more than all that is computed into
 // them, so that the next copy uses the arrays of one that is gone.
 struct Mesh::Impl::FrameMemory {
@@ -59,7 +53,6 @@ struct Mesh::Impl::Topology {
   VertexGroups mVertexGroups;
 
   mutable Spare<FrameMemory> mFrameMemory;
-  mutable Spare<FaceNormalRows> mFaceNormals;
 };
 
 }  // namespace UXS

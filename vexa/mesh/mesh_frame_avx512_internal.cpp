@@ -8,14 +8,14 @@ namespace UXS::mesh_frame {
 using Norvel::Vexa::Avx512Float16;
 
 void faceNormalsBySixteen(const float* positions, const unsigned int* triangles, std::size_t count,
-                        float* outRows, float* outCorners) {
-  faceNormals<Avx512Float16>(positions, triangles, count, outRows, outCorners);
+                          float* outNormals) {
+  faceNormals<Avx512Float16>(positions, triangles, count, outNormals);
 }
 
-std::size_t drawnEdgesBySixteen(const float* rows, const unsigned int* faces,
-                              const unsigned int* edges, std::size_t count,
-                              unsigned int* outEdges) {
-  return drawnEdges<Avx512Float16>(rows, faces, edges, count, outEdges);
+std::size_t drawnEdgesBySixteen(const float* normals, const unsigned int* faces,
+                                const unsigned char* boundary, const unsigned int* edges,
+                                std::size_t count, unsigned int* outEdges) {
+  return drawnEdges<Avx512Float16>(normals, faces, boundary, edges, count, outEdges);
 }
 
 }  // namespace UXS::mesh_frame

@@ -32,17 +32,15 @@ Forms widestForms() {
 }  // namespace
 
 void fillFaceNormals(const std::vector<Mesh::Position>& positions, const FrameTopology& topology,
-                     FaceNormalRows& outRows, Mesh::CornerPositions* outCorners) {
+                     std::vector<Mesh::CornerPositions>& outNormals) {
   const Forms wide = widestForms();
   const std::vector<Mesh::Corners>& offsets = topology.mOffsets;
   const std::size_t count = offsets.size();
-  outRows[count] = {};
   std::size_t done = 0;
   const auto run = [&](const Forms& forms, std::size_t end) {
     const std::size_t rest = (end - done) / forms.mLanes * forms.mLanes;
     if (rest == 0) return;
-    forms.mFaceNormals(&positions[0].x, &offsets[done].x, rest, &outRows[done].x,
-                       outCorners ? &outCorners[done].x.x : nullptr);
+    forms.mFaceNormals(&positions[0].x, &offsets[done].x, rest, &outNormals[done].x.x);
     done += rest;
   };
   // Wide code also writes past its last triangle, which must therefore not be the last of all.
@@ -54,10 +52,10 @@ void fillFaceNormals(const std::vector<Mesh::Position>& positions, const FrameTo
   run(kPlain, count);
 }
 
-// In pieces that stay in the nearest cache, so that the array need not have room for edges that are
-// not drawn, which would have to be cleared first.
-void fillEdges(const FaceNormalRows& rows, const EdgeCandidates& candidates,
-               std::vector<Edge>& ioEdges) {
+// In pieces that stay in the nearest cache where the array is too short: making it longer before it
+// is known by how much would clear memory for edges that are not drawn.
+void fillEdges(const std::vector<Mesh::CornerPositions>& faceNormals,
+               const EdgeCandidates& candidates, std::vector<Edge>& ioEdges) {
   constexpr std::size_t kPiece = 1024;
   const Forms wide = widestForms();
   const std::size_t count = candidates.mEdges.size();
@@ -65,17 +63,18 @@ void fillEdges(const FaceNormalRows& rows, const EdgeCandidates& candidates,
   std::size_t drawn = 0;
   for (std::size_t done = 0; done < count; done += kPiece) {
     const std::size_t size = std::min(kPiece, count - done), whole = size - size % wide.mLanes;
-    const auto* const faces = &candidates.mFaces[done].mOwn;
-    const auto* const edges = &candidates.mEdges[done].x;
-    std::size_t found = wide.mDrawnEdges(&rows[0].x, faces, edges, whole, &piece[0].x);
-    found += kPlain.mDrawnEdges(&rows[0].x, faces + 2 * whole, edges + 2 * whole, size - whole,
-                                &piece[0].x + 2 * found);
-    const Edge* const first = piece.data();
-    if (drawn + found > ioEdges.size()) {
+    const auto run = [&](const Forms& forms, std::size_t first, std::size_t end, Edge* to) {
+      return forms.mDrawnEdges(&faceNormals[0].x.x, &candidates.mFaces[done + first].mOwn,
+                               &candidates.mIsBoundary[(done + first) / 8],
+                               &candidates.mEdges[done + first].x, end - first, &to->x);
+    };
+    const bool hasRoom = drawn + size <= ioEdges.size();
+    Edge* const to = hasRoom ? &ioEdges[drawn] : piece.data();
+    std::size_t found = run(wide, 0, whole, to);
+    if (whole < size) found += run(kPlain, whole, size, to + found);
+    if (!hasRoom) {
       ioEdges.resize(drawn);
-      ioEdges.insert(ioEdges.end(), first, first + found);
-    } else {
-      std::copy(first, first + found, ioEdges.begin() + std::ptrdiff_t(drawn));
+      ioEdges.insert(ioEdges.end(), to, to + found);
     }
     drawn += found;
   }

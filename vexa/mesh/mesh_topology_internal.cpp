@@ -154,15 +154,18 @@ VertexTriangleAdjacency::VertexTriangleAdjacency(const std::vector<Mesh::Corners
 EdgeCandidates findEdgeCandidates(const std::vector<Mesh::Corners>& triangles,
                                   const VertexTriangleAdjacency& adjacency) {
   const std::vector<Mesh::Corners> fates = edgeFates(triangles, adjacency);
-  const auto past = unsigned(4 * triangles.size());
   EdgeCandidates candidates;
   candidates.mEdges.reserve(triangles.size() * 3 / 2);  // as many as a closed mesh has
   candidates.mFaces.reserve(triangles.size() * 3 / 2);
+  candidates.mIsBoundary.reserve(triangles.size() / 5);
   const auto add = [&](unsigned int t, unsigned int a, unsigned int b, unsigned int fate) {
     if (fate == kNever) return;
+    const std::size_t i = candidates.mEdges.size();
+    const bool isBoundary = fate == kBoundary;
     candidates.mEdges.emplace_back(a, b);
-    candidates.mFaces.push_back(fate == kBoundary ? EdgeCandidates::Faces{past, past}
-                                                  : EdgeCandidates::Faces{4 * t, 4 * fate});
+    candidates.mFaces.push_back({9 * t, isBoundary ? 0 : 9 * fate});
+    if (i % 8 == 0) candidates.mIsBoundary.push_back(0);
+    if (isBoundary) candidates.mIsBoundary.back() |= static_cast<unsigned char>(1U << i % 8);
   };
   for (unsigned int t = 0; t < triangles.size(); ++t) {
     const auto& [a, b, c] = triangles[t];
@@ -174,7 +177,7 @@ EdgeCandidates findEdgeCandidates(const std::vector<Mesh::Corners>& triangles,
 }
 
 FrameTopology::FrameTopology(const std::vector<Mesh::Corners>& triangles, std::size_t vertices) {
-  constexpr std::size_t kMost = 0xFFFFFFFF / 4;
+  constexpr std::size_t kMost = 0xFFFFFFFF / 9;
   if (vertices > kMost || triangles.size() >= kMost) throw std::length_error("Mesh : too large");
   mEdges = findEdgeCandidates(triangles, VertexTriangleAdjacency(triangles, vertices));
   mOffsets.reserve(triangles.size());

@@ -45,14 +45,15 @@ class VertexTriangleAdjacency {
 // each the two triangles whose planes are compared. An edge of several triangles belongs to each
 // but the last and is compared with the last.
 //
-// Invariant: both arrays have the same length. A boundary edge, which is always drawn, names twice
-// the row past the last triangle, where the normal counts as zero.
+// Invariant: the first two arrays have the same length, and the third a bit for each element, eight
+// to an entry. The faces of a boundary edge, which is always drawn, mean nothing.
 struct EdgeCandidates {
   struct Faces {
-    unsigned int mOwn, mOther;  // in floats, where rows of four hold the normals
+    unsigned int mOwn, mOther;  // in floats, where each triangle has nine of corner normals
   };
   std::vector<Edge> mEdges;
   std::vector<Faces> mFaces;
+  std::vector<unsigned char> mIsBoundary;
 };
 
 EdgeCandidates findEdgeCandidates(const std::vector<Mesh::Corners>& triangles,

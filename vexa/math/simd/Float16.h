@@ -43,22 +43,30 @@ struct Avx512Point16 {
   }
   void split(struct Avx512Float16& outX, struct Avx512Float16& outY,
              struct Avx512Float16& outZ) const;
-  static Avx512Point16 join(struct Avx512Float16 x, struct Avx512Float16 y,
-                            struct Avx512Float16 z);
-  void store(float* to) const {
-    for (int i = 0; i < 4; ++i) _mm512_storeu_ps(to + 16 * i, rows[i]);
-  }
+  static Avx512Point16 join(struct Avx512Float16 x, struct Avx512Float16 y, struct Avx512Float16 z);
+  // Nine registers of 16 floats: each row gives 36 of the 144 floats. A place from 16 on is one of
+  // the second row.
   void storeTripled(float* to) const {
-    const __m512i front = _mm512_setr_epi32(0, 1, 2, 0, 1, 2, 0, 1, 2, 4, 5, 6, 4, 5, 6, 4);
-    const __m512i middle =
-        _mm512_setr_epi32(5, 6, 8, 9, 10, 8, 9, 10, 8, 9, 10, 12, 13, 14, 12, 13);
-    const __m512i back = _mm512_setr_epi32(14, 12, 13, 14, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0);
-    for (int i = 0; i < 4; ++i) {
-      _mm512_storeu_ps(to + 36 * i, _mm512_permutexvar_ps(front, rows[i]));
-      _mm512_storeu_ps(to + 36 * i + 16, _mm512_permutexvar_ps(middle, rows[i]));
-      _mm_storeu_ps(to + 36 * i + 32,
-                    _mm512_castps512_ps128(_mm512_permutexvar_ps(back, rows[i])));
-    }
+    const auto from = [&](int row, const __m512i& places) {
+      return _mm512_permutexvar_ps(places, rows[row]);
+    };
+    const auto fromTwo = [&](int row, const __m512i& places) {
+      return _mm512_permutex2var_ps(rows[row], places, rows[row + 1]);
+    };
+    const __m512 parts[9] = {
+        from(0, _mm512_setr_epi32(0, 1, 2, 0, 1, 2, 0, 1, 2, 4, 5, 6, 4, 5, 6, 4)),
+        from(0, _mm512_setr_epi32(5, 6, 8, 9, 10, 8, 9, 10, 8, 9, 10, 12, 13, 14, 12, 13)),
+        fromTwo(0,
+                _mm512_setr_epi32(14, 12, 13, 14, 16, 17, 18, 16, 17, 18, 16, 17, 18, 20, 21, 22)),
+        from(1, _mm512_setr_epi32(4, 5, 6, 4, 5, 6, 8, 9, 10, 8, 9, 10, 8, 9, 10, 12)),
+        fromTwo(1,
+                _mm512_setr_epi32(13, 14, 12, 13, 14, 12, 13, 14, 16, 17, 18, 16, 17, 18, 16, 17)),
+        from(2, _mm512_setr_epi32(2, 4, 5, 6, 4, 5, 6, 4, 5, 6, 8, 9, 10, 8, 9, 10)),
+        fromTwo(2, _mm512_setr_epi32(8, 9, 10, 12, 13, 14, 12, 13, 14, 12, 13, 14, 16, 17, 18, 16)),
+        from(3, _mm512_setr_epi32(1, 2, 0, 1, 2, 4, 5, 6, 4, 5, 6, 4, 5, 6, 8, 9)),
+        from(3, _mm512_setr_epi32(10, 8, 9, 10, 8, 9, 10, 12, 13, 14, 12, 13, 14, 12, 13, 14)),
+    };
+    for (int i = 0; i < 9; ++i) _mm512_storeu_ps(to + 16 * i, parts[i]);
   }
 };
 
@@ -98,10 +106,11 @@ struct Avx512Float16 {
                                     unsigned int* to) {
     const unsigned int front = mask & 0xFF, back = mask >> 8;
     const auto count = static_cast<unsigned int>(__builtin_popcount(front));
-    _mm512_storeu_si512(to, _mm512_maskz_compress_epi64(static_cast<__mmask8>(front),
-                                                        _mm512_loadu_si512(pairs)));
-    _mm512_storeu_si512(to + 2 * count, _mm512_maskz_compress_epi64(static_cast<__mmask8>(back),
-                                                                    _mm512_loadu_si512(pairs + 16)));
+    _mm512_storeu_si512(
+        to, _mm512_maskz_compress_epi64(static_cast<__mmask8>(front), _mm512_loadu_si512(pairs)));
+    _mm512_storeu_si512(
+        to + 2 * count,
+        _mm512_maskz_compress_epi64(static_cast<__mmask8>(back), _mm512_loadu_si512(pairs + 16)));
     return count + static_cast<unsigned int>(__builtin_popcount(back));
   }
 };

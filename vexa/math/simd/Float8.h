@@ -35,9 +35,7 @@ struct PlainPoint1 {
   /// The components, one point to a lane, in an order that join() knows.
   void split(struct PlainFloat1& outX, struct PlainFloat1& outY, struct PlainFloat1& outZ) const;
   static PlainPoint1 join(struct PlainFloat1 x, struct PlainFloat1 y, struct PlainFloat1 z);
-  /// As rows x, y, z, 0.
-  void store(float* to) const { to[0] = x, to[1] = y, to[2] = z, to[3] = 0; }
-  /// Each point three times without a gap. The wide form writes one float past the last.
+  /// Each point three times without a gap. The form of eight writes one float past the last.
   void storeTripled(float* to) const {
     for (int i = 0; i < 3; ++i) to[3 * i] = x, to[3 * i + 1] = y, to[3 * i + 2] = z;
   }
@@ -66,8 +64,8 @@ struct PlainFloat1 {
   /// Bit i: lane i is at least that of b; false where one is NaN.
   unsigned int maskOfAtLeast(PlainFloat1 b) const { return value >= b.value ? 1 : 0; }
 
-  /// Lane i: the dot product, from z to x, of the rows at rows[pairs[2 * i]] and
-  /// rows[pairs[2 * i + 1]].
+  /// Lane i: the dot product, from z to x, of the points at rows[pairs[2 * i]] and
+  /// rows[pairs[2 * i + 1]]. The wide forms read one float past each.
   static PlainFloat1 dotRowsZYX(const float* rows, const unsigned int* pairs) {
     const float *const a = rows + pairs[0], *const b = rows + pairs[1];
     return {a[2] * b[2] + a[1] * b[1] + a[0] * b[0]};  // order: exact floats
@@ -136,9 +134,6 @@ struct AvxPoint8 {
   }
   void split(struct AvxFloat8& outX, struct AvxFloat8& outY, struct AvxFloat8& outZ) const;
   static AvxPoint8 join(struct AvxFloat8 x, struct AvxFloat8 y, struct AvxFloat8 z);
-  void store(float* to) const {
-    for (int i = 0; i < 4; ++i) _mm256_storeu_ps(to + 8 * i, rows[i]);
-  }
   // In ascending order, as each store writes over the float past the one before.
   void storeTripled(float* to) const {
     const __m256i front = _mm256_setr_epi32(0, 1, 2, 0, 1, 2, 0, 1);
