@@ -33,7 +33,7 @@ void atEveryAllocation(Attempt attempt) {
       attempt([&](const auto& call) { failures += throwsAt(allocation, onwards, call); });
       ASSERT_EQ(gMemory.mBlocks, before) << allocation;
     } while (++allocation, gMemory.mFired);
-    EXPECT_GT(failures, 10);
+    EXPECT_GE(failures, 10);
   }
 }
 
@@ -75,6 +75,11 @@ TEST_F(MemoryRunsOut, WhileAFileIsRead) {
 }
 
 TEST_F(MemoryRunsOut, WhileADefinitionIsComputed) {
+  {  // from here on the mesh keeps the memory of one copy
+    XCFrameCollector collector(mMesh.get());
+    read(collector);
+    collector.GetCurrentDefinition(0, 0, kNone);
+  }
   atEveryAllocation([&](const auto& failing) {
     XCFrameCollector collector(mMesh.get());
     read(collector);

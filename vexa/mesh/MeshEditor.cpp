@@ -125,6 +125,7 @@ void Mesh::EditorBase::MergeTriangleVertices(const std::vector<unsigned int>& tr
   VertexFinder finder(data().mVertices, 3 * triangles.size());
   std::vector<Corners>& all = data().mTriangles.edit();
   for (const unsigned int t : triangles) finder.merge(entry(all, t));
+  finder.finish();
 } catch (const std::bad_alloc&) {  // what is left keeps its vertices
 }
 
@@ -140,6 +141,7 @@ void Mesh::EditorBase::MergeTriangleVertices(unsigned int material) try {
         s + 1 < mesh.mSections.size() ? std::min<std::size_t>(mesh.mSections[s + 1], count) : count;
     VertexFinder finder(mesh.mVertices, 3 * (end - begin));
     for (std::size_t t = begin; t < end; ++t) finder.merge(all[t]);
+    finder.finish();
   }
 } catch (const std::bad_alloc&) {
 }

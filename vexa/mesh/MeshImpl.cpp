@@ -39,7 +39,7 @@ Mesh::Impl::Impl() : mDate(get_time()) {}
 
 // The arrays go to the next copy.
 Mesh::Impl::~Impl() {
-  if (!mFrameMemory) return;
+  if (!mFrameMemory || !mTopology) return;
   mFrameMemory->mVertices.swap(mVertices);
   mFrameMemory->mSmoothNormals.swap(mSmoothNormals);
   mFrameMemory->mEdges.swap(mEdges);

@@ -96,7 +96,8 @@ void Mesh::Impl::Copy(const Impl& source, bool skipNormals) {
 }
 
 void Mesh::Impl::CopyWithoutPositions(const Impl& source) {
-  if (!mFrameMemory && source.mTopology) mFrameMemory = source.mTopology->mFrameMemory.take();
+  mTopology = source.mTopology;  // to which the memory returns
+  if (!mFrameMemory && mTopology) mFrameMemory = mTopology->mFrameMemory.take();
   if (!mFrameMemory) mFrameMemory = std::make_unique<FrameMemory>();
   const std::size_t count = source.mVertices.size();
   if (mVertices.capacity() < count) {

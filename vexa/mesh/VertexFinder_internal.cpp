@@ -16,7 +16,8 @@ std::uint32_t bitsOf(float value) {
   return bits;
 }
 
-// Any spreading will do: which vertex is found does not depend on it.
+// Which vertex is found does not depend on it. The factors are large and odd, so that each bit of a
+// coordinate reaches the upper bits of the product; the shifts bring those down.
 std::uint32_t hashOf(const Mesh::Position& p) {
   const std::uint32_t x = bitsOf(p.x) * 0x9E3779B1u, y = bitsOf(p.y) * 0x85EBCA77u;
   const std::uint32_t h = x ^ y ^ bitsOf(p.z) * 0xC2B2AE3Du;
@@ -33,26 +34,40 @@ VertexFinder::VertexFinder(const std::vector<Mesh::Position>& vertices, std::siz
   mSlots.assign(size, kFree);
 }
 
-void VertexFinder::merge(Mesh::Corners& ioCorners) {
-  ioCorners = {firstAt(ioCorners.x), firstAt(ioCorners.y), firstAt(ioCorners.z)};
+void VertexFinder::finish() {
+  std::uint32_t hashes[3 * kBatch], *hash = hashes;
+  for (std::size_t i = 0; i < mWaitingCount; ++i) {
+    for (const unsigned int vertex : {mWaiting[i]->x, mWaiting[i]->y, mWaiting[i]->z}) {
+      *hash = hashOf(entry(mVertices, vertex));
+      __builtin_prefetch(&mSlots[*hash++ & (mSlots.size() - 1)]);
+    }
+  }
+  hash = hashes;
+  for (std::size_t i = 0; i < mWaitingCount; ++i, hash += 3) {
+    Mesh::Corners& c = *mWaiting[i];
+    c.x = firstAt(c.x, hash[0]);
+    c.y = firstAt(c.y, hash[1]);
+    c.z = firstAt(c.z, hash[2]);
+  }
+  mWaitingCount = 0;
 }
 
-// Where the vertex at this position stands, or is to stand.
-unsigned int& VertexFinder::slotOf(const Mesh::Position& p) {
+// Where the vertex at this position is, or is to be put.
+unsigned int& VertexFinder::slotOf(const Mesh::Position& p, std::uint32_t hash) {
   const std::size_t mask = mSlots.size() - 1;
-  std::size_t i = hashOf(p) & mask;
+  std::size_t i = hash & mask;
   while (mSlots[i] != kFree && mVertices[mSlots[i]] != p) i = (i + 1) & mask;
   return mSlots[i];
 }
 
-unsigned int VertexFinder::firstAt(unsigned int vertex) {
-  const Mesh::Position& p = entry(mVertices, vertex);
-  unsigned int* slot = &slotOf(p);
+unsigned int VertexFinder::firstAt(unsigned int vertex, std::uint32_t hash) {
+  const Mesh::Position& p = mVertices[vertex];
+  unsigned int* slot = &slotOf(p, hash);
   if (*slot != kFree) return *slot;
   if (p != p) return vertex;  // NOLINT(misc-redundant-expression): a NaN
   if (2 * ++mTaken > mSlots.size()) {
     grow();
-    slot = &slotOf(p);
+    slot = &slotOf(p, hash);
   }
   return *slot = vertex;
 }
@@ -61,7 +76,7 @@ void VertexFinder::grow() {
   std::vector<unsigned int> taken(2 * mSlots.size(), kFree);
   taken.swap(mSlots);
   for (const unsigned int vertex : taken) {
-    if (vertex != kFree) slotOf(mVertices[vertex]) = vertex;
+    if (vertex != kFree) slotOf(mVertices[vertex], hashOf(mVertices[vertex])) = vertex;
   }
 }
 
