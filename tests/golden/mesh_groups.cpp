@@ -78,7 +78,8 @@ void runLight(Recorder& r) {
 // One call that changes triangles that are there.
 void editTriangles(Numbers& n, Mesh::EditorBase& editor, unsigned int triangles) {
   const unsigned int t = n.below(triangles), u = n.below(triangles);
-  switch (n.below(6)) {
+  constexpr float kAngles[] = {0, -1};  // others pass through libm
+  switch (n.below(9)) {
     case 0:
       return editor.SetTriangleMaterialID(t, drawMaterial(n));
     case 1:
@@ -89,6 +90,12 @@ void editTriangles(Numbers& n, Mesh::EditorBase& editor, unsigned int triangles)
       return editor.RemoveTriangle(t);
     case 4:
       return editor.MergeTriangleVertices(std::vector<unsigned int>{t, u, t});
+    case 5:
+      return editor.ReorientTriangleSmoothNormals(std::vector<unsigned int>{t, u});
+    case 6:
+      return editor.ReorientTriangleSmoothNormals(drawMaterial(n));
+    case 7:
+      return editor.SmoothTriangleNormals(drawMaterial(n), n.oneOf(kAngles));
     default:
       return editor.MergeTriangleVertices(drawMaterial(n));
   }
@@ -142,7 +149,7 @@ void runSteps(Recorder& r) {
     impl.mMaterialIDs = drawn.mMaterials;
     std::vector<unsigned int> listed;
     for (unsigned int t = 0; t < drawn.mTriangles.size(); ++t) {
-      if (!n.oneIn(4)) listed.push_back(t);
+      if (!n.oneIn(4)) listed.push_back(n.oneIn(3) ? n.below(t + 1) : t);  // in any order
     }
     impl.ProcessTrianglesSort();
     impl.ProcessSections();
@@ -199,6 +206,25 @@ void runSmoothing(Recorder& r, bool wantsNormals) {
     for (std::size_t v = 0; v < few.size(); ++v) {
       for (const unsigned int t : few[v]) r.out(t);
     }
+  }
+}
+
+// Corners at one position come to use one vertex, triangle by triangle.
+void runMerges(Recorder& r) {
+  Numbers& n = r.numbers();
+  for (int i = 0; i < kMeshes; ++i) {
+    r.begin();
+    const DrawnMesh drawn = drawMesh(n);
+    inMesh(r, drawn);
+    Mesh::Impl impl;
+    impl.mVertices = drawn.mVertices;
+    impl.mTriangles = drawn.mTriangles;
+    UXS::uxs_hashtable<Position, unsigned int> table(n.oneIn(2) ? 1024 : 7);
+    for (std::size_t k = drawn.mTriangles.size(); k > 0; --k) {
+      const auto t = n.below(std::uint32_t(drawn.mTriangles.size()));
+      UXS::InternalMergeTriangleVertices(t, impl, table);
+    }
+    r.out(impl.mTriangles.get(), table.count());
   }
 }
 
@@ -301,6 +327,7 @@ void addMeshGroups(Groups& out) {
   add("mesh_light", kExact, runLight);
   add("mesh_edits", kExact, runEdits);
   add("mesh_steps", kExact, runSteps);
+  add("mesh_merges", kExact, runMerges);
   add("mesh_coplanar", kExact, runCoplanar);
   add("mesh_smooth_data", Kind::kLibm, [](Recorder& r) { runSmoothing(r, false); });
   add("mesh_smooth_normals", Kind::kLibm, [](Recorder& r) { runSmoothing(r, true); });

@@ -3,7 +3,6 @@
 #include <ctime>
 #include <gtest/gtest.h>
 
-#include "models/mesh_walks.h"
 #include "tests/mesh/mesh_fixtures.h"
 #include "vexa/mesh/MeshSmoothData.h"
 #include "vexa/mesh/MeshSmoothList.h"
@@ -24,61 +23,11 @@ void fillFold(Mesh::Impl& outMesh, float degrees) {
 
 }  // namespace
 
-// Lists in any order and of any of the triangles, corners that repeat, edges of many triangles.
-TEST(MeshProcessing, EdgesAndGroupsFollowTheListsAsTheyAre) {
-  for (unsigned int seed = 0; seed < 300; ++seed) {
-    Dice dice(seed);
-    Mesh::Impl mesh;
-    std::vector<Corners> triangles;
-    for (int v = 0; v < 8; ++v) mesh.mVertices.push_back(dice.position());
-    for (int t = 0; t < 12; ++t) triangles.emplace_back(dice(8), dice(8), dice(8));
-    mesh.mTriangles = triangles;
-    mesh.mSections = std::vector<unsigned int>{0, 5, 6};
-    Walks walks(mesh.mVertices, triangles);
-    walks.mLists.assign(8, {});
-    std::vector<unsigned int> listed;
-    for (unsigned int i = dice(15); i > 0; --i) {
-      listed.push_back(dice(12));
-      const auto& [a, b, c] = triangles[listed.back()];
-      for (const unsigned int v : {a, b, c}) walks.mLists[v].push_back(listed.back());
-    }
-    mesh.ProcessEdges(MeshSmoothData(mesh), MeshSmoothList(mesh, listed));
-    ASSERT_EQ(mesh.mEdges.size(), walks.edges().size()) << seed;
-    ASSERT_TRUE(same(mesh.mEdges, walks.edges())) << seed;
-    mesh.ProcessGroupID(MeshSmoothList(mesh, listed));
-    ASSERT_TRUE(same(mesh.mGroupIDs, walks.groups({0, 5, 6}))) << seed;
-  }
+TEST(MeshProcessing, EdgesFollowTheOrderOfTheLists) {
   Mesh::Impl fold;
   fillFold(fold, 90);
   fold.ProcessEdges(MeshSmoothData(fold), MeshSmoothList(fold, {1, 0}));
   EXPECT_EQ(fold.mEdges.size(), 5u);
-}
-
-TEST(MeshProcessing, TablesCanBeMadeOfAFewTriangles) {
-  Mesh::Impl mesh;
-  fillFold(mesh, 90);
-  mesh.mTriangles.push_back({3, 3, 0});
-  EXPECT_TRUE(same(MeshSmoothData(mesh, {1})[0].mNormal, {}));
-  EXPECT_TRUE(std::isnan(MeshSmoothData(mesh, {2, 1})[2].mAngles[2])) << "an edge of no length";
-  EXPECT_TRUE(MeshSmoothList(mesh, {2, 1})[2].empty());
-  const MeshSmoothList list(mesh, {2, 1});
-  EXPECT_EQ(std::vector<unsigned int>(list[3].begin(), list[3].end()),
-            (std::vector<unsigned int>{2, 2, 1}));
-}
-
-// Folds of 0.256 degrees, where the last bit of the product decides.
-TEST(MeshProcessing, CreasesAreDecidedToTheBit) {
-  Dice dice(1);
-  for (int i = 0; i < 3000; ++i) {
-    Mesh::Impl mesh;
-    fillFold(mesh, 0.25f + static_cast<float>(dice(1000)) * 1.2e-5f);
-    const Position axis{static_cast<float>(dice(9)) + 1, static_cast<float>(dice(9)), 5};
-    for (Position& p : mesh.mVertices) {
-      p = {p.x * axis.x + p.z, p.y * axis.x + p.x * axis.y, p.z * axis.x + p.y};
-    }
-    mesh.ProcessLightWeight();
-    ASSERT_TRUE(same(mesh.mEdges, Walks(mesh.mVertices, mesh.mTriangles).edges())) << i;
-  }
 }
 
 TEST(MeshProcessing, AReachedSectionStillUsesUpALabel) {

@@ -1,7 +1,5 @@
 #include "vexa/mesh/uxs_hashtable.h"
 
-#include <cmath>
-#include <cstring>
 #include <gtest/gtest.h>
 
 using namespace UXS;
@@ -10,13 +8,6 @@ using Positions = uxs_hashtable<V3, unsigned int>;
 using Boxes = uxs_hashtable<unsigned int, Oru::TBox3D<float>>;
 
 namespace {
-
-/// The float with these bits.
-float fromBits(std::uint32_t bits) {
-  float value;
-  std::memcpy(&value, &bits, sizeof(value));
-  return value;
-}
 
 /// A value that cannot be made while `broken` is set.
 struct Fragile {
@@ -32,28 +23,6 @@ unsigned int hashOfInt(const int& key) { return static_cast<unsigned int>(key); 
 bool equalInts(const int& a, const int& b) { return a == b; }
 
 }  // namespace
-
-// Bytes 1, 2, 3, 4, 5, 6 at the even places, 0xFF at the odd ones.
-TEST(Hashtable, HashReadsTheEvenBytes) {
-  const V3 key{fromBits(0xFF02FF01), fromBits(0xFF04FF03), fromBits(0xFF06FF05)};
-  EXPECT_EQ(Positions::default_hashfunc(key),
-            ((((1u * 33 + 2) * 33 + 3) * 33 + 4) * 33 + 5) * 33 + 6);
-  EXPECT_EQ(Boxes::default_hashfunc(0x09070503), 3u * 33 + 7);
-}
-
-TEST(Hashtable, ZerosOfBothSignsAreOneKeyAndNaNIsNone) {
-  Positions table(1024);
-  const unsigned int value = 5;
-  table.link_cell({-0.0f, 0, 0}, &value);
-  ASSERT_NE(table.find({0, -0.0f, 0}), nullptr);
-  EXPECT_EQ(*table.find({0, -0.0f, 0}), 5u);
-  const V3 nan{NAN, 0, 0};
-  table.link_cell(nan, &value);
-  EXPECT_EQ(table.find(nan), nullptr);
-  // Bytes at odd places differ: the same bucket, another key.
-  EXPECT_EQ(Positions::default_hashfunc({fromBits(0x100), 0, 0}), Positions::default_hashfunc({}));
-  EXPECT_EQ(table.find({fromBits(0x100), 0, 0}), nullptr);
-}
 
 TEST(Hashtable, TheNewestOfEqualKeysIsFound) {
   for (const unsigned int buckets : {0u, 1024u}) {
