@@ -319,6 +319,7 @@ void addMeshGroups(Groups& out) {
   constexpr Kind kExact = Kind::kArithmetic;
   add("mesh_sections", kExact, [](Recorder& r) { runCommits(r, outSections); });
   add("mesh_normals", kExact, [](Recorder& r) { runCommits(r, outNormals); });
+  add("mesh_section_normals", kExact, [](Recorder& r) { runCommits(r, outSectionNormals); });
   add("mesh_edges", kExact, [](Recorder& r) {
     runCommits(r, [](Recorder& to, const Mesh& mesh) { to.out(mesh.GetEdgesArray()); });
   });

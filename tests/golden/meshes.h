@@ -147,6 +147,18 @@ inline void outNormals(Recorder& r, const UXS::Mesh& mesh) {
   }
 }
 
+// The same through the sections.
+inline void outSectionNormals(Recorder& r, const UXS::Mesh& mesh) {
+  for (unsigned int s = 0; s < mesh.GetSectionsCount(); ++s) {
+    for (unsigned int k = 0; k < mesh.GetSectionTrianglesCount(s); ++k) {
+      r.out(mesh.GetSectionTriangleCoords(s, k), mesh.GetSectionTriangleNormal(s, k));
+      r.out(mesh.GetSectionTriangleSmoothNormals(s, k));
+      r.out(mesh.GetSectionSmoothNormal(s, k, {0.5f, 0.25f, -0.75f}));
+      if (mesh.HasUVCoords()) r.out(mesh.GetSectionTriangleUVCoords(s, k));
+    }
+  }
+}
+
 inline void outGroups(Recorder& r, const UXS::Mesh& mesh) {
   for (unsigned int t = 0; t < mesh.GetTrianglesArray().size(); ++t) {
     r.out(mesh.GetTriangleGroupID(t));
