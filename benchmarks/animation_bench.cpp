@@ -3,6 +3,7 @@
 #include <string>
 
 #include "benchmarks/animation_references.h"
+#include "models/literal_path.h"
 #include "refhost/scenes/paths.h"
 #include "refhost/scenes/properties.h"
 #include "refhost/scenes/walker.h"
@@ -43,13 +44,41 @@ BENCHMARK(interpolateValue<16>);
 BENCHMARK(interpolateValue<64>);
 BENCHMARK(interpolateValue<512>);
 
-constexpr int kWalkers = 1000;
+/// Where a cart is on a path of 100 segments. `edited`: one point moves before each request, so
+/// that the path is built anew.
+void positionOnPath(benchmark::State& state, bool edited) {
+  Scene scene = scenes::ride(scenes::windingPath(100));
+  double& number = scene.mPaths.mElements[0].mPoints.mElements[50].mPassage.z;
+  int frame = 0;
+  for (auto _ : state) {
+    frame = (frame + 7) % 100;
+    if (edited) number = 0.01 * frame;
+    auto result =
+        manager().InterpolateValue(&scene, &scene.mProperties[0], frame, nullptr, nullptr);
+    benchmark::DoNotOptimize(result);
+  }
+}
+BENCHMARK_CAPTURE(positionOnPath, unchanged, false);
+BENCHMARK_CAPTURE(positionOnPath, edited, true);
+
+/// The literal form of such a request: the tables of all segments, then one place.
+void positionOnLiteralPath(benchmark::State& state) {
+  const Path path = scenes::windingPath(100);
+  for (auto _ : state) {
+    const Norvel::Vexa::XCZELPathInfo info(&path);
+    benchmark::DoNotOptimize(models::LiteralPath(info).valueAt(0.7f));
+  }
+}
+BENCHMARK(positionOnLiteralPath);
+
+constexpr int kWalkers = 10000;
+constexpr int kPaths = 100;
 constexpr int kSegments = 10;
 
 /// The walker's animation file, while it is needed.
 class WalkerFile {
  public:
-  WalkerFile() { writeAnimationFile(scene::walkerAnimation(), mPath); }
+  WalkerFile() { writeAnimationFile(vexa::scene::walkerAnimation(), mPath); }
   ~WalkerFile() { std::filesystem::remove(mPath); }
   WalkerFile(const WalkerFile&) = delete;
   WalkerFile& operator=(const WalkerFile&) = delete;
@@ -59,10 +88,18 @@ class WalkerFile {
   std::string mPath = std::filesystem::temp_directory_path() / "vexa_bench_walker.amo";
 };
 
-/// A thousand registered walkers on one path.
+/// Registered walkers, each on one of the paths in turn.
 Scene& crowd() {
   static Scene sScene = [] {
     Scene scene = scenes::walk(scenes::windingPath(kSegments), kWalkers, 1000);
+    for (unsigned int i = 1; i < kPaths; ++i) {
+      Path path = scenes::windingPath(kSegments);
+      path.mIdentity.mUUID = numberedUUID(100000 + i);
+      scene.mPaths.add(path);
+    }
+    for (std::size_t i = 0; i < scene.mProperties.size(); ++i) {
+      scene.mProperties[i].mPath = scene.mPaths.mElements[i % kPaths].mIdentity.mUUID;
+    }
     const WalkerFile file;
     AnimatedObject& walker = *scene.mDefinitions[0].mAnimatedObject;
     for (Instance& instance : scene.mInstances.mElements) {
@@ -89,31 +126,15 @@ void driveCrowd(benchmark::State& state) {
 }
 BENCHMARK(driveCrowd)->Unit(benchmark::kMicrosecond);
 
-/// What a driven crowd can not do without: a path, two places on it, three anchors, and calls on
-/// the host for each walker.
-void buildPaths(benchmark::State& state) {
-  const Path& path = crowd().mPaths.mElements[0];
-  float fraction = 0;
-  for (auto _ : state) {
-    for (int i = 0; i < kWalkers; ++i) {
-      const Norvel::Vexa::XCZELPathInfo info(&path);
-      const Norvel::Vexa::XC3DPath built(&info);
-      fraction = fraction < 0.9f ? fraction + 0.001f : 0;
-      auto place = built.valueAt(fraction), direction = built.directionAt(fraction);
-      benchmark::DoNotOptimize(place);
-      benchmark::DoNotOptimize(direction);
-    }
-  }
-}
-BENCHMARK(buildPaths)->Unit(benchmark::kMicrosecond);
-
-void transformAnchors(benchmark::State& state) {
-  const Scene scene = scenes::walk(scenes::straightPath(1), 1, 1);
+/// What a driven crowd cannot do without: the calls on the host and three anchors for each walker.
+void callHostAndTransformAnchors(benchmark::State& state) {
+  Scene& scene = crowd();
+  const AnimatedObject& object = *scene.mDefinitions[0].mAnimatedObject;
   UXS::Mesh mesh;
   {
     UXS::Mesh::Editor editor(mesh, false);
-    for (const UxZel::CZelPoint& p : scene.mDefinitions[0].mAnimatedObject->mPoints.mElements) {
-      editor.AddVertex({static_cast<float>(p.x), static_cast<float>(p.y), static_cast<float>(p.z)});
+    for (const UxZel::CZelPoint& p : object.mPoints.mElements) {
+      editor.AddVertex({float(p.x), float(p.y), float(p.z)});
     }
   }
   Norvel::Vexa::XCFrameCollector collector(&mesh);
@@ -123,7 +144,10 @@ void transformAnchors(benchmark::State& state) {
   unsigned int frame = 0;
   for (auto _ : state) {
     frame = (frame + 1) % 24;
-    for (int i = 0; i < kWalkers; ++i) {
+    for (const Property& property : scene.mProperties) {
+      double read = callHost(scene, property, scene.mInstances.mElements[property.mInstance],
+                             scene.mDefinitions[0]);
+      benchmark::DoNotOptimize(read);
       for (const unsigned int takeFrame : {0u, frame, 24u}) {
         auto point = collector.TransformPoint(anchor, 0, takeFrame);
         benchmark::DoNotOptimize(point);
@@ -131,41 +155,7 @@ void transformAnchors(benchmark::State& state) {
     }
   }
 }
-BENCHMARK(transformAnchors)->Unit(benchmark::kMicrosecond);
-
-void callHost(benchmark::State& state) {
-  Scene& scene = crowd();
-  const UxZel::CZelPoint point{1, 2, 3};
-  const UxZel::CZelVector direction{1, 0, 0};
-  for (auto _ : state) {
-    for (const Property& property : scene.mProperties) {
-      UxZel::IZelObjectInstance* instance = &scene.mInstances.mElements[property.mInstance];
-      const UxZel::IZelInterpolatedValue* value = &property;
-      const UxZel::IZelMgr* mgr = &scene;
-      benchmark::DoNotOptimize(instance);
-      benchmark::DoNotOptimize(value);
-      benchmark::DoNotOptimize(mgr);
-      int read = static_cast<int>(value->GetPropertyType()) + value->IsCyclic();
-      const auto* keys = value->GetKeyFrames();
-      read += keys->GetCount() + keys->GetAt(0)->GetFrame() + keys->GetAt(1)->GetFrame();
-      UxZel::IZelAnimationState* animation = instance->GetAnimationState();
-      read += static_cast<int>(animation->GetTakeIndex()) + mgr->GetSettingsList()->GetCount() +
-              mgr->GetSettingsList()->GetAt(0)->GetTimeScale() + mgr->Get3DPaths()->GetCount();
-      bool found = *mgr->Get3DPaths()->GetAt(0)->GetIdentity()->GetUUID() == *value->GetPathUUID();
-      const UxZel::IZelAnimatedObject* object = scene.mDefinitions[0].GetAnimatedObject();
-      const UxZel::IZelTake* take = object->GetTakes()->GetAt(0);
-      read += take->GetFrameCount() + take->GetFrameRate() + object->GetAnimationKind();
-      instance->SetRotation(*instance->GetScale());
-      instance->SetDirection(&direction);
-      instance->SetPosition(&point);
-      instance->SetAnchor(&point);
-      animation->SetStartOffset(animation->GetStartOffset());
-      benchmark::DoNotOptimize(read);
-      benchmark::DoNotOptimize(found);
-    }
-  }
-}
-BENCHMARK(callHost)->Unit(benchmark::kMicrosecond);
+BENCHMARK(callHostAndTransformAnchors)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 

@@ -118,14 +118,18 @@ std::shared_ptr<PathCache::Entry> PathCache::entryOf(const UxZel::IZel3DPath* ho
 // segment, and none of its points is read.
 void PathCache::read(const PointList& points, std::vector<PointReads>& outReads) {
   const int count = points.GetCount();
-  outReads.clear();
-  // Memory comes with the points that are there: a host may count more than it has.
-  for (unsigned int i = 0; count > 1 && i < unsigned(count); ++i) {
-    PointReads& reads = outReads.emplace_back();
+  const std::size_t used = count > 1 ? std::size_t(count) : 0;
+  for (unsigned int i = 0; i < used; ++i) {
+    // Memory comes with the points that are there: a host may count more than it has.
+    if (i == outReads.size()) outReads.emplace_back();
+    PointReads& reads = outReads[i];
     reads.mPassage =
         *pointAt(points, i, "XCZELPathAgent::getPassagePointPositionAt : can not get BezierPoint")
              .GetPassagePoint();
-    if (i > 0) {
+    if (i == 0) {
+      reads.mBefore = {};
+      reads.mBeforePassage = {};
+    } else {
       const UxZel::IZelBezierPoint& point =
           pointAt(points, i, "XCZELPathAgent::getBeforeControlPointAt : can not get BezierPoint");
       reads.mBefore = *point.GetBeforeControlOffset();
@@ -136,6 +140,7 @@ void PathCache::read(const PointList& points, std::vector<PointReads>& outReads)
     reads.mAfter = *point.GetAfterControlOffset();
     reads.mAfterPassage = *point.GetPassagePoint();
   }
+  outReads.resize(used);
 }
 
 // The entry of the request that runs is never the oldest.
