@@ -8,7 +8,7 @@
 namespace vexa::refhost {
 
 /// Where an index names nothing.
-inline constexpr std::size_t kNone = static_cast<std::size_t>(-1);
+inline constexpr std::size_t kNone = std::size_t(-1);
 
 /// The identity of a scene object.
 struct Identity final : UxZel::IZelIdentity {

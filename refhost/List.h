@@ -22,25 +22,25 @@ struct List final : UxZel::TZelObjectMgr<T> {
     return mElements.back();
   }
 
-  int GetCount() const override { return static_cast<int>(mElements.size()); }
+  int GetCount() const override { return int(mElements.size()); }
 
   /// An index outside the list removes nothing.
   void RemoveAt(unsigned int index) override {
     if (index < mElements.size()) {
-      mElements.erase(mElements.begin() + static_cast<std::ptrdiff_t>(index));
+      mElements.erase(mElements.begin() + std::ptrdiff_t(index));
     }
   }
 
   /// Null for an index outside the list.
   T* GetAt(int index) const override {
     const bool inside = index >= 0 && index < GetCount();
-    return inside ? &mElements[static_cast<std::size_t>(index)] : nullptr;
+    return inside ? &mElements[std::size_t(index)] : nullptr;
   }
 
   /// An index past the end appends.
   void InsertAt(unsigned int index) override {
     const std::size_t place = index < mElements.size() ? index : mElements.size();
-    mElements.emplace(mElements.begin() + static_cast<std::ptrdiff_t>(place));
+    mElements.emplace(mElements.begin() + std::ptrdiff_t(place));
   }
 };
 

@@ -17,7 +17,7 @@ void addBox(AnimatedObject& object, UxZel::CZelPoint low, UxZel::CZelPoint high,
   static const unsigned int kFaces[12][3] = {{0, 2, 3}, {0, 3, 1}, {4, 5, 7}, {4, 7, 6},
                                              {0, 1, 5}, {0, 5, 4}, {2, 6, 7}, {2, 7, 3},
                                              {0, 4, 6}, {0, 6, 2}, {1, 3, 7}, {1, 7, 5}};
-  const auto first = static_cast<unsigned int>(object.mPoints.GetCount());
+  const auto first = unsigned(object.mPoints.GetCount());
   for (int corner = 0; corner < 8; ++corner) {
     object.mPoints.add({(corner & 1) != 0 ? high.x : low.x, (corner & 2) != 0 ? high.y : low.y,
                         (corner & 4) != 0 ? high.z : low.z});
@@ -47,19 +47,19 @@ Scene walkers(int count) {
   for (int i = 0; i < count; ++i) {
     Instance& instance = scene.mInstances.add();
     instance.mName = "walker " + std::to_string(i);
-    instance.mIdentity.mUUID = numberedUUID(kFirstInstance + static_cast<std::uint32_t>(i));
+    instance.mIdentity.mUUID = numberedUUID(kFirstInstance + std::uint32_t(i));
     instance.mDefinition = 0;
   }
   return scene;
 }
 
-/// A property of an instance with two integer keys.
+// A property of an instance with two integer keys.
 Property& addProperty(Scene& scene, const char* name, int instance, unsigned int kind,
                       int lastFrame) {
   Property property;
   property.mName = name + std::to_string(instance);
   property.mPropertyType = kind;
-  property.mInstance = static_cast<std::size_t>(instance);
+  property.mInstance = std::size_t(instance);
   property.mKeys.add(integerKey(0, 0));
   property.mKeys.add(integerKey(lastFrame, kWalkerFrames - 1));
   scene.mProperties.push_back(std::move(property));
@@ -69,7 +69,7 @@ Property& addProperty(Scene& scene, const char* name, int instance, unsigned int
 }  // namespace
 
 WalkerFrame walkerFrame(int frame) {
-  const double t = static_cast<double>(frame) / (kWalkerFrames - 1);  // 0 to 1 in a cycle
+  const double t = double(frame) / (kWalkerFrames - 1);  // 0 to 1 in a cycle
   const bool leftSwings = t < 0.5;
   const double swing = leftSwings ? 2 * t : 2 * t - 1;  // 0 to 1 in a step
   const double lift = 0.2 * std::sin(kPi * swing);
@@ -95,7 +95,7 @@ Scene walk(Path path, int count, int lastFrame) {
 Scene parade(int count) {
   Scene scene = walkers(count);
   for (int i = 0; i < count; ++i) {
-    Instance& instance = scene.mInstances.mElements[static_cast<std::size_t>(i)];
+    Instance& instance = scene.mInstances.mElements[std::size_t(i)];
     instance.mPosition = {0, 2.0 * i, 0};
     instance.mState.mFrameOffset = 5 * i;
     Property& show = addProperty(scene, "show ", i, UxZel::kPropertyAnimatedFrame, kWalkerFrames);

@@ -5,7 +5,7 @@
 namespace vexa::refhost::scenes {
 
 /// A walker of three boxes, 1.5 units tall, that strides along its own +X: a body, carried evenly
-/// forward, and two feet that stand still by turns while the other swings ahead.
+/// forward, and two feet that rest in turn while the other swings ahead.
 ///
 /// One take of 25 frames goes from a first step of the left foot to the next, 1.5 units on, so each
 /// further cycle begins where the last one ended. Vertices 0 to 7 belong to the body, 8 to 15 to

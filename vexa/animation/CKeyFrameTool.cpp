@@ -10,18 +10,18 @@ using Norvel::Vexa::wrapSub;
 
 namespace UxZel {
 
-bool CKeyFrameTool::AreKeyFrameDifferents(const IZelKeyFrame& inA, const IZelKeyFrame& inB) {
-  return std::memcmp(inA.GetValue(), inB.GetValue(), sizeof(IZelKeyFrame::uValue)) != 0;
+bool CKeyFrameTool::AreKeyFrameDifferents(const IZelKeyFrame& a, const IZelKeyFrame& b) {
+  return std::memcmp(a.GetValue(), b.GetValue(), sizeof(IZelKeyFrame::uValue)) != 0;
 }
 
-bool CKeyFrameTool::AreValueDifferents(const IZelKeyFrame::uValue& inA,
-                                       const IZelKeyFrame::uValue& inB) {
-  return std::memcmp(&inA, &inB, sizeof(IZelKeyFrame::uValue)) == 0;
+bool CKeyFrameTool::AreValueDifferents(const IZelKeyFrame::uValue& a,
+                                       const IZelKeyFrame::uValue& b) {
+  return std::memcmp(&a, &b, sizeof(IZelKeyFrame::uValue)) == 0;
 }
 
-void CKeyFrameTool::GetTime(const IZelKeyFrame::uValue& inValue, IZelTime* outTime) {
+void CKeyFrameTool::GetTime(const IZelKeyFrame::uValue& value, IZelTime* outTime) {
   Norvel::Vexa::CivilTime time;
-  if (!Norvel::Vexa::civilTimeOf(inValue.mDate, time)) return;
+  if (!Norvel::Vexa::civilTimeOf(value.mDate, time)) return;
   outTime->setDay(time.mDay);
   outTime->setHour(time.mHour);
   outTime->setMinute(time.mMinute);
@@ -29,13 +29,13 @@ void CKeyFrameTool::GetTime(const IZelKeyFrame::uValue& inValue, IZelTime* outTi
   outTime->setYear(wrapAdd(time.mYear, 1900));
 }
 
-IZelKeyFrame::uValue CKeyFrameTool::ComputeValue(const IZelTime& inTime) {
+IZelKeyFrame::uValue CKeyFrameTool::ComputeValue(const IZelTime& when) {
   Norvel::Vexa::CivilTime time;
-  time.mMinute = inTime.getMinute();
-  time.mHour = inTime.getHour();
-  time.mDay = inTime.getDay();
-  time.mMonth = wrapSub(inTime.getMonth(), 1);
-  time.mYear = wrapSub(inTime.getYear(), 1900);
+  time.mMinute = when.getMinute();
+  time.mHour = when.getHour();
+  time.mDay = when.getDay();
+  time.mMonth = wrapSub(when.getMonth(), 1);
+  time.mYear = wrapSub(when.getYear(), 1900);
   IZelKeyFrame::uValue value{};
   value.mDate = Norvel::Vexa::secondsOf(time);
   return value;

@@ -10,7 +10,7 @@ namespace UxZel {
 
 namespace {
 
-/// The angle about +Z that turns +Y towards (x, y); 0 for no direction at all.
+// The angle about +Z that turns +Y towards (x, y); 0 for no direction at all.
 double turnOfY(double x, double y) { return x == 0 && y == 0 ? 0 : std::atan2(-x, y); }
 
 double headingOf(const IZelObjectInstance& instance) {
@@ -40,7 +40,7 @@ Matrix CZelObjectInstanceTool::getObjectTransformToWorld(
     const double x = viewer.x - position.x, y = viewer.y - position.y;
     if (x != 0 || y != 0) heading = turnOfY(x, y);
   }
-  const double factor = static_cast<double>(scale);
+  const double factor = double(scale);
   const double* factors = instance->GetScale();
   Matrix placement;
   placement.scale(factors[0] * factor, factors[1] * factor, factors[2] * factor);

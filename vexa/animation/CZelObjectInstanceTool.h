@@ -8,7 +8,7 @@
 
 namespace UxZel {
 
-/// Where an object instance stands.
+/// Computes the placement of object instances.
 class VEXA_EXPORT CZelObjectInstanceTool {
  public:
   /// The angle about +Z, in radians, by which an instance is turned: its rotation, then the turn of
@@ -22,7 +22,7 @@ class VEXA_EXPORT CZelObjectInstanceTool {
   /// A "Billboard" whose billboard behaviour is enabled is turned, instead of by its heading, so
   /// that its +Y faces `firstAnchor`, a point of the world, where that is given and not straight
   /// above or below. Then throws std::overflow_error when the parent has no inverse.
-  /// The second anchor and the flags but for the order have no influence.
+  /// `secondAnchor` and the four flags are ignored; they are part of the signature that hosts call.
   static Norvel::Vexa::ux_matrix44<double> getObjectTransformToWorld(
       const IZelObjectInstance* instance, float scale,
       const Norvel::Vexa::ux_matrix44<double>& parent, const CZelPoint* firstAnchor,

@@ -77,8 +77,8 @@ class VEXA_EXPORT XCAnimationMgr : public XIAnimationMgr {
                                 const UxZel::IZelInterpolatedValue* value, int frame,
                                 int& outCycles, int speed, bool wrapFreely, bool addOffset) const;
 
-  /// Where the anchor vertex of an instance's object stands at a frame of the state's take, in the
-  /// object's own space: x and y of the deformed vertex, the take's elevation as z. Zero for an
+  /// The position of the anchor vertex of an instance's object at a frame of the state's take, in
+  /// the object's own space: x and y of the deformed vertex, the take's elevation as z. Zero for an
   /// object that is not registered.
   UxZel::CZelPoint GetAEAnchorPos(UxZel::IZelMgr* mgr, UxZel::IZelObjectInstance* instance,
                                   const UxZel::IZelZelObjectDefinition* definition,

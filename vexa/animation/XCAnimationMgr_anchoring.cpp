@@ -1,4 +1,4 @@
-// Where instances stand: their matrix into the world, and their anchors.
+// The placement of instances: their matrices into the world, and their anchors.
 #include <algorithm>
 #include <cmath>
 #include <cstring>
@@ -21,7 +21,7 @@ bool isPlantGroup(const UxZel::IZelObjectInstance& instance) {
 
 float meanScale(const UxZel::IZelObjectInstance& instance) {
   const double* s = instance.GetScale();
-  return static_cast<float>((std::fabs(s[0]) + std::fabs(s[1]) + std::fabs(s[2])) / 3.0);
+  return float((std::fabs(s[0]) + std::fabs(s[1]) + std::fabs(s[2])) / 3.0);
 }
 
 }  // namespace

@@ -32,7 +32,7 @@ uValue frameValue(int frame) {
   return value;
 }
 
-/// Integer division that raises where the processor would trap; 64 bits hold every product of two.
+// Integer division that raises where the processor would trap; 64 bits hold every product of two.
 std::int64_t divide(std::int64_t a, std::int64_t b, const char* fault) {
   if (b == 0) raise(kSelection, fault);
   return a / b;
@@ -56,13 +56,13 @@ const UxZel::IZelKeyFrame& secondKeyOf(const Keys& keys) {
   return *elementAt(&keys, 1, kSelection, "second key frame is missing");
 }
 
-/// The take that an instance shows.
+// The take that an instance shows.
 const UxZel::IZelTake& takeOf(const UxZel::IZelAnimatedObject& object, unsigned int index,
                               const char* operation) {
   return *elementAt(object.GetTakes(), wrapToInt(index), operation, "bad take index");
 }
 
-/// The anchor vertex of a registered object, deformed for frames of one take.
+// The anchor vertex of a registered object, deformed for frames of one take.
 class Anchor {
  public:
   Anchor(const UxZel::IZelAnimatedObject& object,
@@ -77,7 +77,7 @@ class Anchor {
   }
 
   Oru::TVector3D<float> at(int takeFrame) const {
-    const auto frame = static_cast<unsigned int>(takeFrame);
+    const auto frame = unsigned(takeFrame);
     if (mKind == 0) return mCollector.TransformPoint(&mVertices[mIndex], mTake, frame);
     if (mKind == 1) return mCollector.TransformPoint(mIndex, mTake, frame);
     return {};
@@ -90,7 +90,7 @@ class Anchor {
   const std::vector<Oru::TVector3D<float>>& mVertices;
 };
 
-/// What a take does to its anchor in the horizontal plane, object space.
+// What a take does to its anchor in the horizontal plane, object space.
 struct Walk {
   Oru::TVector3D<float> mAnchor;           // at the frame shown
   float mPartial = 0, mStride = 0;         // way from frame 0 to the frame shown, and to the last
@@ -112,26 +112,26 @@ Walk walkOf(const Anchor& anchor, int takeFrame, int lastFrame) {
   return walk;
 }
 
-/// The rotation about +Z that turns the direction of a walk to +Y.
+// The rotation about +Z that turns the direction of a walk to +Y.
 double rotationOf(const Walk& walk) {
   constexpr double kHalfPi = 1.5707963705062866;  // pi/2 as a float
   // The square of a tiny stride loses digits: the quotient may pass 1.
   const float a = std::acos(std::clamp(walk.mDirectionX, -1.0f, 1.0f));
-  return kHalfPi - static_cast<double>(walk.mDirectionY < 0 ? -a : a);
+  return kHalfPi - double(walk.mDirectionY < 0 ? -a : a);
 }
 
-/// The fraction of a path that a walk has covered.
+// The fraction of a path that a walk has covered.
 float fractionOf(const Walk& walk, int cycles, float pathLength) {
-  const float covered = walk.mPartial + walk.mStride * static_cast<float>(cycles);
-  const double fraction = static_cast<double>(covered) / static_cast<double>(pathLength);
-  return static_cast<float>(fraction > 1.0 ? 1.0 : fraction);
+  const float covered = walk.mPartial + walk.mStride * float(cycles);
+  const double fraction = double(covered) / double(pathLength);
+  return float(fraction > 1.0 ? 1.0 : fraction);
 }
 
-/// A direction of unit length; zero where there is next to none.
+// The direction scaled to unit length; zero for a length that counts as zero.
 UxZel::CZelVector unitDirection(const Vector& v) {
   ux_vect3<float> unit(v.x, v.y, v.z);
   unit.normalize();
-  return {static_cast<double>(unit.x), static_cast<double>(unit.y), static_cast<double>(unit.z)};
+  return {double(unit.x), double(unit.y), double(unit.z)};
 }
 
 double elevationOf(const UxZel::IZelTake& take, const UxZel::IZelZelObjectDefinition& definition) {
@@ -142,8 +142,8 @@ double elevationOf(const UxZel::IZelTake& take, const UxZel::IZelZelObjectDefini
   return sizes->mElevation;
 }
 
-/// Where an instance of that heading must stand for its anchor to come to a point of its parent's
-/// space; `factor` is what its parents scale it by.
+// The position at which an instance of that heading has its anchor at `point`, in the parent's
+// space. `factor` is the scale that its parents give it.
 UxZel::CZelPoint positionUnder(const UxZel::CZelPoint& point, const Oru::TVector3D<float>& anchor,
                                const double* scale, float factor, double heading) {
   const double x = double(anchor.x) * (scale[0] * double(factor));
@@ -178,12 +178,12 @@ uValue XCAnimationMgr::GetAnimatedObjectFrame(UxZel::IZelMgr* mgr,
   if (speed != 0) {
     const std::int64_t span = std::int64_t{secondKeyOf(keys).GetFrame()} - firstFrame;
     if (span == 0) raise(kSelection, "first two key frames are equal");
-    elapsed = truncToInt(static_cast<double>(elapsed) * speed / static_cast<double>(span));
+    elapsed = truncToInt(double(elapsed) * speed / double(span));
   }
   std::int64_t shown = divide(elapsed * rate, scale, "time scale is zero");
   if (addOffset) shown += divide(scale * state.GetFrameOffset(), rate, "frame rate is zero");
 
-  outCycles = truncToInt(static_cast<double>(shown) / static_cast<double>(count));
+  outCycles = truncToInt(double(shown) / double(count));
   if (shown < count) return frameValue(wrapToInt(shown));
   if (!wrapFreely && (!value->IsCyclic() || value->GetRepeatCount() < outCycles)) {
     return *secondKeyOf(keys).GetValue();
@@ -202,8 +202,7 @@ UxZel::CZelPoint XCAnimationMgr::GetAEAnchorPos(UxZel::IZelMgr* /*mgr*/,
   const unsigned int index = stateOf(*instance, kAnchoring).GetTakeIndex();
   const UxZel::IZelTake& take = takeOf(*object, index, kAnchoring);
   const Oru::TVector3D<float> anchor = Anchor(*object, *record, index, kAnchoring).at(takeFrame);
-  return {static_cast<double>(anchor.x), static_cast<double>(anchor.y),
-          static_cast<double>(static_cast<float>(take.GetElevation()))};
+  return {double(anchor.x), double(anchor.y), double(float(take.GetElevation()))};
 }
 
 uValue XCAnimationMgr::ManageAnimatedObjectInstance(
@@ -261,8 +260,7 @@ uValue XCAnimationMgr::walkAlongPath(UxZel::IZelMgr* mgr, UxZel::IZelObjectInsta
   const float fraction = fractionOf(walk, cycles, path.getTotalLength());
   const UxZel::CZelVector direction = unitDirection(path.directionAt(fraction));
   const Vector onPath = path.valueAt(fraction);
-  const UxZel::CZelPoint point{static_cast<double>(onPath.x), static_cast<double>(onPath.y),
-                               elevationOf(take, *definition)};
+  const UxZel::CZelPoint point{double(onPath.x), double(onPath.y), elevationOf(take, *definition)};
   const double rotation = rotationOf(walk);
   const double* scale = instance->GetScale();
   const std::optional<Space> parent = parentSpaceOf(mgr, instance);

@@ -19,16 +19,16 @@ using Keys = UxZel::TZelObjectMgr<UxZel::IZelKeyFrame>;
 
 constexpr char kOperation[] = "XCAnimationMgr::InterpolateValue";
 
-/// Exact, whatever the two frames are.
+// Exact, whatever the two frames are.
 std::int64_t frameDifference(std::int64_t a, std::int64_t b) { return a - b; }
 
-/// A frame to look up, and the curve that its pass prescribes; -1 for the keys' own.
+// A frame to look up, and the curve that its pass prescribes; -1 for the keys' own.
 struct Pass {
   int mFrame;
   int mForcedType = -1;
 };
 
-/// Which pass of a cyclic value a frame falls into.
+// Which pass of a cyclic value a frame falls into.
 Pass passOf(const UxZel::IZelInterpolatedValue& value, const Keys& keys, int frame) {
   const UxZel::IZelKeyFrame& firstKey = *keys.GetAt(0);
   const int first = firstKey.GetFrame(), last = keys.GetAt(keys.GetCount() - 1)->GetFrame();
@@ -50,8 +50,8 @@ Pass passOf(const UxZel::IZelInterpolatedValue& value, const Keys& keys, int fra
   return pass;
 }
 
-/// The frame number of an object's own animation, which has `rate` frames and plays once while the
-/// host goes from the first key to the second.
+// The frame number of an object's own animation, which has `rate` frames and plays once while the
+// host goes from the first key to the second.
 int frameAtRate(const UxZel::IZelMgr& mgr, const UxZel::IZelInterpolatedValue& value,
                 const Keys& keys, int frame, const double* rate) {
   const int start = keys.GetAt(0)->GetFrame();
@@ -60,19 +60,19 @@ int frameAtRate(const UxZel::IZelMgr& mgr, const UxZel::IZelInterpolatedValue& v
   const int end = elementAt(&keys, 1, kOperation, "second key frame is missing")->GetFrame();
   const UxZel::IZelSettings& settings = settingsOf(&mgr, kOperation);
   const double scale = settings.GetTimeScale();
-  const double seconds = static_cast<double>(elapsed) / settings.GetTimeScale();
+  const double seconds = double(elapsed) / settings.GetTimeScale();
   const double x = scale * (*rate / 1000.0) * (seconds * 1000.0) /
-                   static_cast<double>(frameDifference(end, start));  // order: exact floats
+                   double(frameDifference(end, start));  // order: exact floats
   const int n = truncToInt(x);
   const bool wraps =
       n > *rate && value.IsCyclic() && value.GetRepeatCount() >= truncToInt(x / *rate);
   if (!wraps) return n;
   const std::int64_t frames = truncToInt(*rate);
   if (frames == 0) raise(kOperation, "rate is less than one frame");
-  return static_cast<int>(n % frames);
+  return int(n % frames);
 }
 
-/// Position on the value's path, and the direction there.
+// Position on the value's path, and the direction there.
 uValue positionAt(PathCache& paths, const UxZel::IZelMgr& mgr,
                   const UxZel::IZelInterpolatedValue& value, int min, int max, int frame,
                   uValue& direction, const double* rate) {
@@ -93,7 +93,7 @@ uValue positionAt(PathCache& paths, const UxZel::IZelMgr& mgr,
 
 void XCAnimationMgr::GetKeyFrameRange(int frame, int& minIndex, int& maxIndex,
                                       const Keys* keys) const {
-  // Selections instead of branches: which keys are taken is nothing that a processor could foresee.
+  // Branch-free: which key wins is unpredictable, so branches would be mispredicted.
   std::int64_t before = std::numeric_limits<std::int64_t>::min();
   std::int64_t after = std::numeric_limits<std::int64_t>::max();
   int beforeIndex = minIndex, afterIndex = maxIndex;

@@ -11,7 +11,7 @@
 #include "vexa/mesh/MeshEditor.h"
 #include "vexa/support/CChemin.h"
 
-/// Present in a process that looks for leaks: what is marked is meant to stay.
+// Defined in a process that looks for leaks; it keeps a marked object from being reported.
 extern "C" __attribute__((weak)) void __lsan_ignore_object(const void*);
 
 namespace Norvel::Vexa {
@@ -20,13 +20,13 @@ namespace {
 
 constexpr char kOperation[] = "XCAnimationMgr::RegisterAnimatedObject";
 
-/// A "file://" URL or a plain path.
+// A "file://" URL or a plain path.
 CChemin pathOf(const char* text) {
   const bool isURL = text != nullptr && std::strncmp(text, "file://", 7) == 0;
   return isURL ? CChemin(CChemin::kTypeURL, text) : CChemin(text);
 }
 
-/// The file of that name in a directory, when there is one; changes `path` then.
+// The file of that name in a directory, when there is one; changes `path` then.
 bool takeFileIn(const CChemin& directory, const std::string& name, CChemin& path) {
   const CChemin candidate = directory.Ajoute(name.c_str());
   if (!candidate.FichierExiste()) return false;
@@ -34,7 +34,7 @@ bool takeFileIn(const CChemin& directory, const std::string& name, CChemin& path
   return true;
 }
 
-/// Leaves in `path` the file to read; false when there is none.
+// Replaces `path` by the file to read; false when no such file exists.
 bool locate(CChemin& path, const char* fallbackDirectory) {
   const std::string name = path.DonneNom();
   if (name.empty()) return false;
@@ -52,7 +52,7 @@ bool locate(CChemin& path, const char* fallbackDirectory) {
   raise(kOperation, ("polygon " + std::to_string(polygon) + fault).c_str());
 }
 
-/// Adds the triangle of a polygon's first three corners.
+// Adds the triangle of a polygon's first three corners.
 void addTriangle(UXS::Mesh::Editor& editor, const UxZel::IZelPolygon& polygon, int index,
                  unsigned int pointCount) {
   const UxZel::TZelObjectMgr<UxZel::sPolygonCorner>& corners = *polygon.GetVertices();
@@ -72,14 +72,14 @@ void fill(UXS::Mesh::Editor& editor, const UxZel::TZelObjectMgr<UxZel::CZelPoint
   unsigned int pointCount = 0;
   for (int i = 0, count = points.GetCount(); i < count; ++i, ++pointCount) {
     const UxZel::CZelPoint& p = *points.GetAt(i);
-    editor.AddVertex({static_cast<float>(p.x), static_cast<float>(p.y), static_cast<float>(p.z)});
+    editor.AddVertex({float(p.x), float(p.y), float(p.z)});
   }
   for (int i = 0, count = polygons.GetCount(); i < count; ++i) {
     addTriangle(editor, *polygons.GetAt(i), i, pointCount);
   }
 }
 
-/// Commits within its own scope: where memory runs out the caller gets to know.
+// Commits within its own scope: where memory runs out the caller gets to know.
 std::unique_ptr<UXS::Mesh> buildMesh(const UxZel::TZelObjectMgr<UxZel::CZelPoint>& points,
                                      const UxZel::TZelObjectMgr<UxZel::IZelPolygon>& polygons) {
   auto mesh = std::make_unique<UXS::Mesh>();

@@ -13,7 +13,7 @@ namespace {
 
 constexpr std::int64_t kSecondsPerDay = 86400;
 
-/// A fresh time, set from a date where that has one.
+// A fresh time, set from a date where that has one.
 XCTimeImpl timeOf(std::int64_t seconds) {
   UxZel::IZelKeyFrame::uValue value{};
   value.mDate = seconds;
@@ -22,7 +22,7 @@ XCTimeImpl timeOf(std::int64_t seconds) {
   return time;
 }
 
-/// Seconds since midnight, by the minute.
+// Seconds since midnight, by the minute.
 std::int64_t timeOfDay(std::int64_t seconds) {
   const XCTimeImpl time = timeOf(seconds);
   return time.getHour() * 3600 + time.getMinute() * 60;
@@ -35,56 +35,55 @@ std::int64_t midnightOf(std::int64_t seconds) {
   return UxZel::CKeyFrameTool::ComputeValue(time).mDate;
 }
 
-/// How far a time has come: `elapsed` of `duration`.
+// How far a time has come: `elapsed` of `duration`.
 struct Progress {
   double mElapsed, mDuration;
 
   double between(std::int64_t from, std::int64_t to) const {
-    return mElapsed * static_cast<double>(wrapSub(to, from)) / mDuration +
-           static_cast<double>(from);  // order: exact floats
+    return mElapsed * double(wrapSub(to, from)) / mDuration + double(from);  // order: exact floats
   }
 };
 
 }  // namespace
 
-XCDateInterpolation::XCDateInterpolation(double inStartTime, double inEndTime,
-                                         const uValue& inStartValue, const uValue& inEndValue)
-    : XCInterpolation(inStartTime, inEndTime), mStartValue(inStartValue), mEndValue(inEndValue) {
-  if (!(inStartTime < inEndTime)) {
+XCDateInterpolation::XCDateInterpolation(double startTime, double endTime, const uValue& startValue,
+                                         const uValue& endValue)
+    : XCInterpolation(startTime, endTime), mStartValue(startValue), mEndValue(endValue) {
+  if (!(startTime < endTime)) {
     throw std::runtime_error(
         "XCDateInterpolation::XCDateInterpolation - startTime superior to endtime");
   }
 }
 
-void XCDateInterpolation::setStartTime(double inStartTime) {
-  if (!(mEndTime > inStartTime)) {
+void XCDateInterpolation::setStartTime(double startTime) {
+  if (!(mEndTime > startTime)) {
     throw std::runtime_error(
         "XTDateInterpolation::setStartTime - inStartTime superior at end Time");
   }
-  mStartTime = inStartTime;
+  mStartTime = startTime;
 }
 
-void XCDateInterpolation::setEndTime(double inEndTime) {
-  if (!(inEndTime > mStartTime)) {
+void XCDateInterpolation::setEndTime(double endTime) {
+  if (!(endTime > mStartTime)) {
     throw std::runtime_error("XTDateInterpolation::setEndTime - inEndTime inferior at start Time");
   }
-  mEndTime = inEndTime;
+  mEndTime = endTime;
 }
 
 auto XCDateInterpolation::getStartValue() const -> const uValue* { return &mStartValue; }
 auto XCDateInterpolation::getEndValue() const -> const uValue* { return &mEndValue; }
-void XCDateInterpolation::setStartValue(const uValue& inValue) { mStartValue = inValue; }
-void XCDateInterpolation::setEndValue(const uValue& inValue) { mEndValue = inValue; }
+void XCDateInterpolation::setStartValue(const uValue& value) { mStartValue = value; }
+void XCDateInterpolation::setEndValue(const uValue& value) { mEndValue = value; }
 
-double XCDateInterpolation::valueAt(double inTime) const {
+double XCDateInterpolation::valueAt(double time) const {
   const std::int64_t start = mStartValue.mDate, end = mEndValue.mDate;
-  if (!(mStartTime < inTime && inTime < mEndTime)) {
-    if (inTime < mStartTime || inTime > mEndTime) {
+  if (!(mStartTime < time && time < mEndTime)) {
+    if (time < mStartTime || time > mEndTime) {
       throw std::runtime_error("XCDateInterpolation::valueAt - inTime is out of range");
     }
-    return static_cast<double>(inTime == mStartTime ? start : end);
+    return double(time == mStartTime ? start : end);
   }
-  const Progress progress{inTime - mStartTime, mEndTime - mStartTime};
+  const Progress progress{time - mStartTime, mEndTime - mStartTime};
   const std::int64_t low = start < end ? start : end, high = start < end ? end : start;
   if (wrapSub(high, low) <= kSecondsPerDay) return progress.between(low, high);
 
@@ -92,8 +91,8 @@ double XCDateInterpolation::valueAt(double inTime) const {
   const double date = progress.between(midnightOf(start), midnightOf(end));
   const double clock = progress.between(timeOfDay(low), timeOfDay(high));
   const std::int64_t midnight = midnightOf(truncToLong(date));
-  const float sum = static_cast<float>(midnight) + static_cast<float>(clock);
-  return static_cast<double>(sum);
+  const float sum = float(midnight) + float(clock);
+  return double(sum);
 }
 
 }  // namespace Norvel::Vexa

@@ -16,19 +16,19 @@ class VEXA_EXPORT XCDateInterpolation : public XCInterpolation {
 
   /// Copies the values. Throws std::runtime_error unless startTime < endTime: the base's text for a
   /// start at or after the end, this class's own for a NaN.
-  XCDateInterpolation(double inStartTime, double inEndTime, const uValue& inStartValue,
-                      const uValue& inEndValue);
+  XCDateInterpolation(double startTime, double endTime, const uValue& startValue,
+                      const uValue& endValue);
   ~XCDateInterpolation() override = default;
 
   /// Each throws std::runtime_error, and changes nothing, unless start time < end time would hold.
   /// Required behaviour: the texts name XTDateInterpolation.
-  void setStartTime(double inStartTime) override;
-  void setEndTime(double inEndTime) override;
+  void setStartTime(double startTime) override;
+  void setEndTime(double endTime) override;
 
   virtual const uValue* getStartValue() const;
   virtual const uValue* getEndValue() const;
-  virtual void setStartValue(const uValue& inValue);
-  virtual void setEndValue(const uValue& inValue);
+  virtual void setStartValue(const uValue& value);
+  virtual void setEndValue(const uValue& value);
 
   /// The date at a time between start and end, in seconds since 1970-01-01 00:00 UTC.
   ///
@@ -38,7 +38,7 @@ class VEXA_EXPORT XCDateInterpolation : public XCInterpolation {
   /// earlier and the later date. Required behaviour: that last sum is taken in single precision,
   /// in steps of 128 s for present dates. Throws std::runtime_error outside of both times; a NaN
   /// gives the end value.
-  virtual double valueAt(double inTime) const;
+  virtual double valueAt(double time) const;
 
  private:
   uValue mStartValue;

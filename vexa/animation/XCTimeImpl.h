@@ -14,15 +14,15 @@ class VEXA_EXPORT XCTimeImpl : public UxZel::IZelTime {
   ~XCTimeImpl() override = default;
 
   int getMonth() const override { return mMonth; }
-  void setMonth(int inMonth) override { mMonth = inMonth; }
+  void setMonth(int month) override { mMonth = month; }
   int getDay() const override { return mDay; }
-  void setDay(int inDay) override { mDay = inDay; }
+  void setDay(int day) override { mDay = day; }
   int getHour() const override { return mHour; }
-  void setHour(int inHour) override { mHour = inHour; }
+  void setHour(int hour) override { mHour = hour; }
   int getMinute() const override { return mMinute; }
-  void setMinute(int inMinute) override { mMinute = inMinute; }
+  void setMinute(int minute) override { mMinute = minute; }
   int getYear() const override { return mYear; }
-  void setYear(int inYear) override { mYear = inYear; }
+  void setYear(int year) override { mYear = year; }
 
  private:
   int mMinute = 0;

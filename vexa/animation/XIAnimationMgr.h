@@ -20,8 +20,8 @@ class Mesh;
 
 namespace Norvel::Vexa {
 
-/// The animation manager: what a host asks for the value of a property, and for the pose and place
-/// of an animated object, at a frame.
+/// The animation manager: gives a host the value of a property, and the pose and place of an
+/// animated object, at a frame.
 ///
 /// Host objects are borrowed for the call; of an animated object, only the address is remembered.
 /// The scene's object `mgr` and the objects asked about must not be null unless said otherwise.
@@ -58,7 +58,8 @@ class VEXA_EXPORT XIAnimationMgr {
   ///   frame numbers (kind 140)     one integer; `rate` is the number of frames of the object's own
   ///                                animation, which plays once from the first key to the second;
   ///                                0 without `rate` and up to the first key
-  ///   any other kind               what the two keys around the frame give, by uxInterpolate
+  ///   any other kind               the value between the two keys around the frame, by
+  ///   uxInterpolate
   ///
   /// Keys may come in any order; those at frame -1 count as absent. Outside of the keys the nearest
   /// one holds. A cyclic value folds the frame into the span from its first to its last key, by
@@ -106,7 +107,7 @@ class VEXA_EXPORT XIAnimationMgr {
   virtual UXS::Mesh* GetCurrentDefinition(unsigned int take, unsigned int frame,
                                           const UxZel::CZelUUID& instance) const = 0;
 
-  /// Where a vertex of the rest mesh stands at a frame of a take; (0, 0, 0) for an unknown
+  /// The position of a vertex of the rest mesh at a frame of a take; (0, 0, 0) for an unknown
   /// instance. `vertex` must be the address of an element of that mesh's own array: a copy of its
   /// coordinates counts as a vertex without links.
   virtual Oru::TVector3D<float> TransformPoint(const Oru::TVector3D<float>* vertex,

@@ -17,24 +17,24 @@ namespace {
 
 Vector unpackVector(const uValue& value) {
   const double* v = value.mVector;
-  return {static_cast<float>(v[0]), static_cast<float>(v[1]), static_cast<float>(v[2])};
+  return {float(v[0]), float(v[1]), float(v[2])};
 }
 
 void packVector(const Vector& vector, uValue& out) {
-  out.mVector[0] = static_cast<double>(vector.x);
-  out.mVector[1] = static_cast<double>(vector.y);
-  out.mVector[2] = static_cast<double>(vector.z);
+  out.mVector[0] = double(vector.x);
+  out.mVector[1] = double(vector.y);
+  out.mVector[2] = double(vector.z);
 }
 
 UXS::uxs_color unpackColor(const uValue& value) {
   constexpr float kByteToUnit = 0.003921569f;
   const unsigned char* c = value.mColor;
-  return {static_cast<float>(c[0]) * kByteToUnit, static_cast<float>(c[1]) * kByteToUnit,
-          static_cast<float>(c[2]) * kByteToUnit, static_cast<float>(c[3]) * kByteToUnit};
+  return {float(c[0]) * kByteToUnit, float(c[1]) * kByteToUnit, float(c[2]) * kByteToUnit,
+          float(c[3]) * kByteToUnit};
 }
 
 unsigned char colorByte(float unit) {
-  return static_cast<unsigned char>(truncToInt(static_cast<double>(unit * 255.0f)));
+  return static_cast<unsigned char>(truncToInt(double(unit * 255.0f)));
 }
 
 void packColor(const UXS::uxs_color& color, uValue& out) {
@@ -44,7 +44,7 @@ void packColor(const UXS::uxs_color& color, uValue& out) {
   out.mColor[3] = colorByte(color.a);
 }
 
-/// Two keys at different frames, and the frame asked for.
+// Two keys at different frames, and the frame asked for.
 struct Segment {
   IZelKeyFrame* mFirst;
   IZelKeyFrame* mSecond;
@@ -55,7 +55,7 @@ struct Segment {
   const uValue& b() const { return *mSecond->GetValue(); }
 };
 
-/// Calls `interior` with the segment between two keys; keys at one frame hold the first value.
+// Calls `interior` with the segment between two keys; keys at one frame hold the first value.
 template <class Interior>
 void onSegment(IZelKeyFrame* first, IZelKeyFrame* second, int frame, uValue& out,
                Interior interior) {
@@ -63,12 +63,11 @@ void onSegment(IZelKeyFrame* first, IZelKeyFrame* second, int frame, uValue& out
   if (start == end) {
     out = *first->GetValue();
   } else {
-    interior(Segment{first, second, static_cast<double>(start), static_cast<double>(end),
-                     static_cast<double>(frame)});
+    interior(Segment{first, second, double(start), double(end), double(frame)});
   }
 }
 
-/// The value types that every curve covers; `curve` maps (start value, end value) of one type.
+// The value types that every curve covers; `curve` maps (start value, end value) of one type.
 template <class Curve>
 void interpolateCommonTypes(const Segment& s, Curve curve, uValue& out) {
   switch (s.valueType()) {
@@ -87,7 +86,7 @@ void interpolateCommonTypes(const Segment& s, Curve curve, uValue& out) {
   }
 }
 
-/// Seconds as the curves other than the date curve see them: the low 32 bits of a date.
+// Seconds as the curves other than the date curve see them: the low 32 bits of a date.
 std::int32_t shortSeconds(const uValue& date) { return wrapToInt(date.mDate); }
 
 uValue dateOfShortSeconds(std::int32_t seconds) {
@@ -96,7 +95,7 @@ uValue dateOfShortSeconds(std::int32_t seconds) {
   return value;
 }
 
-double throughFloat(int frame) { return static_cast<double>(static_cast<float>(frame)); }
+double throughFloat(int frame) { return double(float(frame)); }
 
 }  // namespace
 
@@ -154,7 +153,7 @@ void Daterp(IZelKeyFrame* first, IZelKeyFrame* second, int frame, uValue& out) {
   } else {
     const XCDateInterpolation dates(throughFloat(startFrame), throughFloat(endFrame), start,
                                     *second->GetValue());
-    out = dateOfShortSeconds(truncToInt(dates.valueAt(static_cast<double>(frame))));
+    out = dateOfShortSeconds(truncToInt(dates.valueAt(double(frame))));
   }
 }
 

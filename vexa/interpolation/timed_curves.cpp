@@ -9,8 +9,8 @@
 #include "vexa/interpolation/XTSquareInterpolation.h"
 #include "vexa/interpolation/value_arithmetic_internal.h"
 
-// The bodies of all curves stand together: where the free functions see them, a curve on the stack
-// is evaluated without a virtual call.
+// The bodies of all curves are in this file: the free functions see them here, and a curve on the
+// stack is evaluated without a virtual call.
 namespace Norvel::Vexa {
 
 namespace {

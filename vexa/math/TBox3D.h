@@ -7,7 +7,7 @@ namespace Oru {
 
 /// Axis-aligned box from its lowest to its highest corner, in scene units.
 ///
-/// A value-initialised box is all zeros and empty: mIsValid tells whether it holds any point.
+/// A value-initialised box is all zeros and empty: mIsValid is whether it holds any point.
 template <class T>
 struct VEXA_EXPORT TBox3D {
   TVector3D<T> mMin;

@@ -14,7 +14,7 @@ struct TQuaternion {
 
   /// All zeros, which is no rotation; start from Identity for one.
   constexpr TQuaternion() : x(), y(), z(), w() {}
-  constexpr TQuaternion(T inX, T inY, T inZ, T inW) : x(inX), y(inY), z(inZ), w(inW) {}
+  constexpr TQuaternion(T newX, T newY, T newZ, T newW) : x(newX), y(newY), z(newZ), w(newW) {}
 };
 
 template <>

@@ -24,7 +24,7 @@ class TUxBaseVector {
 
   /// Leaves the components unset.
   TUxBaseVector() = default;
-  constexpr TUxBaseVector(T inX, T inY, T inZ) : x(inX), y(inY), z(inZ) {}
+  constexpr TUxBaseVector(T newX, T newY, T newZ) : x(newX), y(newY), z(newZ) {}
 
   constexpr TUxBaseVector operator-() const { return {-x, -y, -z}; }
   constexpr TUxBaseVector operator+(const TUxBaseVector& v) const {
@@ -109,7 +109,7 @@ class TUxBaseVector {
   static T reciprocalRoot(T s) { return T(1 / std::sqrt(double(s))); }
 };
 
-// These two need the unit vector and the matrix; their bodies stand in the library.
+// These two need the unit vector and the matrix; their bodies are in the library.
 extern template VEXA_EXPORT TUxUnitVector<float> TUxBaseVector<float>::get_up_vector(float) const;
 extern template VEXA_EXPORT TUxUnitVector<double> TUxBaseVector<double>::get_up_vector(
     double) const;

@@ -13,7 +13,7 @@ class ux_vect3;
 template <class T>
 class TUxUnitVector : public TUxBaseVector<T> {
   friend class ux_vect3<T>;
-  TUxUnitVector(T inX, T inY, T inZ) : TUxBaseVector<T>(inX, inY, inZ) { this->Normalize(); }
+  TUxUnitVector(T newX, T newY, T newZ) : TUxBaseVector<T>(newX, newY, newZ) { this->Normalize(); }
 };
 
 }  // namespace Norvel::Vexa

@@ -15,7 +15,7 @@ struct VEXA_EXPORT TVector2D {
   static const TVector2D ZeroVector;
 
   constexpr TVector2D() : x(), y() {}
-  constexpr TVector2D(const T& inX, const T& inY) : x(inX), y(inY) {}
+  constexpr TVector2D(const T& newX, const T& newY) : x(newX), y(newY) {}
 };
 
 /// Exact comparison: 0.0 equals -0.0 and NaN equals nothing.

@@ -16,7 +16,7 @@ struct VEXA_EXPORT TVector3D {
   static const TVector3D ZeroVector;
 
   constexpr TVector3D() : x(), y(), z() {}
-  constexpr TVector3D(const T& inX, const T& inY, const T& inZ) : x(inX), y(inY), z(inZ) {}
+  constexpr TVector3D(const T& newX, const T& newY, const T& newZ) : x(newX), y(newY), z(newZ) {}
 };
 
 /// Exact comparison: 0.0 equals -0.0 and NaN equals nothing.

@@ -11,12 +11,13 @@ namespace Norvel::Vexa {
 /// A homogeneous 4x4 transformation; T is float or double.
 ///
 /// Points and vectors are column vectors on the right, p' = M p, so A B applies B first. Angles are
-/// in radians but for persp_proj. No builder checks its arguments: a view volume of no width or
-/// depth gives infinities or NaN. A plain value of the same layout as UXS::uxs_generic_mat4.
+/// in radians, except fovy of persp_proj. No builder checks its arguments: a view volume of no
+/// width or depth gives infinities or NaN. A plain value of the same layout as
+/// UXS::uxs_generic_mat4.
 template <class T>
 class VEXA_EXPORT ux_matrix44 {
  public:
-  /// Column by column: the element of row r and column c is e[4c + r]. The translation stands at
+  /// Column by column: the element of row r and column c is e[4c + r]. The translation is at
   /// 12, 13, 14, the projective row at 3, 7, 11 and its corner at 15.
   T e[16];
 
@@ -74,7 +75,7 @@ class VEXA_EXPORT ux_matrix44 {
   /// Never throws: an `up` along the view gives a degenerate matrix.
   void lookat(const ux_point3<T>& eye, const ux_point3<T>& center, const TUxBaseVector<T>& up);
 
-  // These set this matrix to X this, so X is applied after what was there.
+  // These set this matrix to X this, so X is applied last.
 
   void add_trans(T x, T y, T z);
   void add_rot(T x, T y, T z, T angle);

@@ -18,7 +18,7 @@ class ux_point3 : public ux_vect3<T> {
 
   /// Leaves the components unset.
   ux_point3() = default;
-  constexpr ux_point3(T inX, T inY, T inZ) : ux_vect3<T>(inX, inY, inZ) {}
+  constexpr ux_point3(T newX, T newY, T newZ) : ux_vect3<T>(newX, newY, newZ) {}
   constexpr ux_point3(const ux_vect3<T>& v) : ux_vect3<T>(v) {}
 
   /// The same storage as a vector from the origin; a point also converts to it implicitly.
@@ -28,7 +28,7 @@ class ux_point3 : public ux_vect3<T> {
   constexpr T operator[](int i) const { return i == 0 ? x : i == 1 ? y : z; }
   constexpr T& operator[](int i) { return i == 0 ? x : i == 1 ? y : z; }
 
-  constexpr void set(const T& inX, const T& inY, const T& inZ) { *this = {inX, inY, inZ}; }
+  constexpr void set(const T& newX, const T& newY, const T& newZ) { *this = {newX, newY, newZ}; }
 
   /// t other + (1 - t) this; t is not clamped.
   constexpr ux_point3 lerp(const ux_point3& other, T t) const {

@@ -12,7 +12,7 @@ class ux_point4 {
 
   /// Leaves the components unset.
   ux_point4() = default;
-  constexpr ux_point4(T inX, T inY, T inZ, T inW) : x(inX), y(inY), z(inZ), w(inW) {}
+  constexpr ux_point4(T newX, T newY, T newZ, T newW) : x(newX), y(newY), z(newZ), w(newW) {}
 };
 
 }  // namespace Norvel::Vexa

@@ -18,7 +18,7 @@ class ux_vect3 : public TUxBaseVector<T> {
 
   /// Leaves the components unset.
   ux_vect3() = default;
-  constexpr ux_vect3(T inX, T inY, T inZ) : Base(inX, inY, inZ) {}
+  constexpr ux_vect3(T newX, T newY, T newZ) : Base(newX, newY, newZ) {}
   /// to - from.
   constexpr ux_vect3(const ux_point3<T>& from, const ux_point3<T>& to)
       : Base(to.x - from.x, to.y - from.y, to.z - from.z) {}
@@ -41,7 +41,7 @@ class ux_vect3 : public TUxBaseVector<T> {
   /// The same storage as a position; include ux_point3.h to use it.
   const ux_point3<T>& as_point() const { return static_cast<const ux_point3<T>&>(*this); }
 
-  constexpr void set(T inX, T inY, T inZ) { *this = {inX, inY, inZ}; }
+  constexpr void set(T newX, T newY, T newZ) { *this = {newX, newY, newZ}; }
 
   ux_vect3& normalize() {
     this->Normalize();

@@ -11,8 +11,8 @@ struct VEXA_EXPORT uxs_color {
   float r, g, b, a;
 
   constexpr uxs_color() : r(), g(), b(), a() {}
-  constexpr uxs_color(float inR, float inG, float inB, float inA)
-      : r(inR), g(inG), b(inB), a(inA) {}
+  constexpr uxs_color(float red, float green, float blue, float alpha)
+      : r(red), g(green), b(blue), a(alpha) {}
 };
 
 constexpr uxs_color operator+(const uxs_color& p, const uxs_color& q) {

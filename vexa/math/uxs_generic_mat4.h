@@ -8,7 +8,7 @@ namespace UXS {
 
 /// A 4x4 transformation as the frame collector stores it: sixteen values, column by column.
 ///
-/// The element of row r and column c is e[4c + r]: the translation stands at 12, 13, 14, the bottom
+/// The element of row r and column c is e[4c + r]: the translation is at 12, 13, 14, the bottom
 /// row at 3, 7, 11, 15. Points are column vectors on the right: p' = M p. A new one is the
 /// identity.
 template <class T>

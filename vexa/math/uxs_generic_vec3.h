@@ -12,7 +12,7 @@ struct VEXA_EXPORT uxs_generic_vec3 {
   T x, y, z;
 
   constexpr uxs_generic_vec3() : x(), y(), z() {}
-  constexpr uxs_generic_vec3(T inX, T inY, T inZ) : x(inX), y(inY), z(inZ) {}
+  constexpr uxs_generic_vec3(T newX, T newY, T newZ) : x(newX), y(newY), z(newZ) {}
 };
 
 template <class T>

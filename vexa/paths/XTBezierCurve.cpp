@@ -28,7 +28,7 @@ S polygonLength(const XTBezierCurve<V, W, S>& curve) {
          vectorLength(curve.getEndValue() - curve.getEndControlPoint());  // order: exact floats
 }
 
-struct sNearestPlace {
+struct NearestPlace {
   double mSquaredGap;
   double mDistance;  // along the piece
   double mLength;    // of the whole piece
@@ -36,7 +36,7 @@ struct sNearestPlace {
 
 // A piece that counts as straight: the foot of the perpendicular on its chord, or an end.
 template <class V, class W, class S>
-sNearestPlace nearestOnChord(const XTBezierCurve<V, W, S>& piece, const V& coordinate) {
+NearestPlace nearestOnChord(const XTBezierCurve<V, W, S>& piece, const V& coordinate) {
   const W chord = piece.getEndValue() - piece.getStartValue();
   const W wanted = coordinate - piece.getStartValue();
   const double squaredChord = dot(chord, chord);
@@ -55,12 +55,12 @@ bool isStraight(const XTBezierCurve<V, W, S>& piece) {
 }
 
 template <class V, class W, class S>
-sNearestPlace nearestPlace(const XTBezierCurve<V, W, S>& piece, const V& coordinate, int depth) {
+NearestPlace nearestPlace(const XTBezierCurve<V, W, S>& piece, const V& coordinate, int depth) {
   if (depth <= 0 || isStraight(piece)) return nearestOnChord(piece, coordinate);
   XTBezierCurve<V, W, S> left, right;
   piece.subdivideCurve(left, right);
-  sNearestPlace nearest = nearestPlace(left, coordinate, depth - 1);
-  const sNearestPlace second = nearestPlace(right, coordinate, depth - 1);
+  NearestPlace nearest = nearestPlace(left, coordinate, depth - 1);
+  const NearestPlace second = nearestPlace(right, coordinate, depth - 1);
   if (second.mSquaredGap < nearest.mSquaredGap) {
     nearest.mSquaredGap = second.mSquaredGap;
     nearest.mDistance = nearest.mLength + second.mDistance;

@@ -67,13 +67,13 @@ void XTBezierPath<V, W, S>::appendTables() {
 
 template <class V, class W, class S>
 V XTBezierPath<V, W, S>::valueAt(S distance) const {
-  const sPlace place = placeAt(distance);
+  const Place place = placeAt(distance);
   return place.mCurve->pointAt(place.mT);
 }
 
 template <class V, class W, class S>
 W XTBezierPath<V, W, S>::directionAt(S distance) const {
-  const sPlace place = placeAt(distance);
+  const Place place = placeAt(distance);
   return place.mCurve->directionAt(place.mT);
 }
 
@@ -100,7 +100,7 @@ S XTBezierPath<V, W, S>::GetTfromDistanceWanted(CurveDistanceRepartition reparti
 }
 
 template <class V, class W, class S>
-typename XTBezierPath<V, W, S>::sPlace XTBezierPath<V, W, S>::placeAt(S distance) const {
+typename XTBezierPath<V, W, S>::Place XTBezierPath<V, W, S>::placeAt(S distance) const {
   if (!(distance >= 0 && distance <= 1)) {
     throw std::runtime_error("XTBezierPath::valueAt - the distance wanted is not between 0 and 1");
   }

@@ -57,13 +57,13 @@ class VEXA_EXPORT XTBezierPath {
   const std::vector<S>& getProportions() const { return mProportions; }
 
  private:
-  struct sPlace {
+  struct Place {
     const Curve* mCurve;  // of this path
     S mT;
   };
 
   void appendTables();
-  sPlace placeAt(S distance) const;
+  Place placeAt(S distance) const;
 
   S mTotalLength;
   std::vector<Curve> mCurves;

@@ -44,7 +44,7 @@ template <class Contract>
 unsigned int XTHostPoints<Contract>::getNbBezierPoints() const {
   const int count =
       list("XC3DPath::getNbBezierPoints - can not get path's BezierPointsMgr")->GetCount();
-  return count > 0 ? static_cast<unsigned int>(count) : 0;
+  return count > 0 ? unsigned(count) : 0;
 }
 
 template <class Contract>

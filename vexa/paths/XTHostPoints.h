@@ -7,8 +7,8 @@
 
 namespace Norvel::Vexa {
 
-/// The getters that a path info and a path agent share: what they read from a host path, narrowed
-/// to float.
+/// The getters that a path info and a path agent share. They read a host path and narrow what it
+/// returns to float.
 ///
 /// `Contract` is the XTPathInfo or XTPathAgent to implement.
 /// Every operation by index, and getNbBezierPoints, throws std::runtime_error when there is no list
@@ -21,7 +21,7 @@ class VEXA_EXPORT XTHostPoints : public Contract {
   using PointList = UxZel::TZelObjectMgr<UxZel::IZelBezierPoint>;
 
   bool PointsMgrExist() const override;
-  /// A negative count of the host is none.
+  /// A negative count of the host counts as 0.
   unsigned int getNbBezierPoints() const override;
   V3 getPassagePointPositionAt(unsigned int index) const override;
   V3 getBeforeControlPointAt(unsigned int index) const override;

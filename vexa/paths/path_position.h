@@ -27,10 +27,10 @@ VEXA_EXPORT double getInterpolatedPathPosition(
     const UxZel::TZelObjectMgr<UxZel::IZelKeyFrame>* keys, int minIndex, int maxIndex, int frame,
     bool pathClosed);
 
-/// Writes position and direction, three components each, at a frame. The Bezier path is built anew
-/// by every call.
-/// Required behaviour: the direction is a unit vector (or zero) when both keys stand at the same
-/// frame; between keys it is the curve's derivative, of any length.
+/// Writes position and direction, three components each, at a frame. Builds the Bezier path; a
+/// manager keeps the paths that it has built. Required behaviour: the direction is a unit vector
+/// (or zero) when both keys are at the same frame; between keys it is the curve's derivative, of
+/// any length.
 VEXA_EXPORT void uxInterpolated3DPath(const UxZel::TZelObjectMgr<UxZel::IZelKeyFrame>* keys,
                                       const UxZel::IZel3DPath* path, int minIndex, int maxIndex,
                                       int frame, UxZel::IZelKeyFrame::uValue& outPosition,

@@ -17,11 +17,11 @@ constexpr std::string_view kScheme = "file://";
 
 bool exists(const std::string& path) { return access(systemPath(path), F_OK) == 0; }
 
-/// Required behaviour: 65 for a character that is no hexadecimal digit.
+// Required behaviour: 65 for a character that is not a hexadecimal digit.
 unsigned int hexDigit(char character) {
-  if (character >= '0' && character <= '9') return static_cast<unsigned int>(character - '0');
-  if (character >= 'A' && character <= 'F') return static_cast<unsigned int>(character - 'A') + 10;
-  if (character >= 'a' && character <= 'f') return static_cast<unsigned int>(character - 'a') + 10;
+  if (character >= '0' && character <= '9') return unsigned(character - '0');
+  if (character >= 'A' && character <= 'F') return unsigned(character - 'A') + 10;
+  if (character >= 'a' && character <= 'f') return unsigned(character - 'a') + 10;
   return 65;
 }
 
@@ -30,7 +30,7 @@ std::string decoded(std::string_view text) {
   path.reserve(text.size());
   for (std::size_t i = 0; i < text.size(); ++i) {
     if (text[i] == '%' && text.size() - i > 2) {
-      path += static_cast<char>((hexDigit(text[i + 1]) * 16 + hexDigit(text[i + 2])) & 0xffu);
+      path += char((hexDigit(text[i + 1]) * 16 + hexDigit(text[i + 2])) & 0xffu);
       i += 2;
     } else {
       path += text[i];
@@ -59,7 +59,7 @@ std::string encoded(const std::string& path) {
   return text;
 }
 
-/// Finds what a URL from another system or another volume means here.
+// The path on this system that a URL from another system or volume means.
 std::string repaired(std::string path) {
   if (path.empty() || exists(path)) return path;
   std::string onVolume = "/Volumes" + path;
@@ -85,9 +85,7 @@ std::map<std::string, std::string> parametersOf(std::string_view query) {
   return parameters;
 }
 
-char upper(char character) {
-  return static_cast<char>(std::toupper(static_cast<unsigned char>(character)));
-}
+char upper(char character) { return char(std::toupper(static_cast<unsigned char>(character))); }
 
 std::size_t lastSlash(const std::string& path) {
   const std::size_t slash = path.rfind('/');

@@ -32,7 +32,7 @@ class VEXA_EXPORT CChemin {
     kDetruitContenuRepertoire = 6
   };
 
-  /// The path is the text as it stands.
+  /// The path is the text, unchanged.
   CChemin(const char* path);  // NOLINT(google-explicit-constructor): a text serves as a path
   /// Reads a URL; see PrendsURL.
   CChemin(ETypeChemin type, const char* url);
@@ -47,12 +47,12 @@ class VEXA_EXPORT CChemin {
   /// The query begins after the last '?'; the first of equal names wins. In the path each '%' with
   /// two characters behind it is one byte. Where nothing exists at the path, "/Volumes" before it
   /// and then the path without its first component are tried; the first that exists is taken.
-  /// Required behaviour: a character that is no hexadecimal digit counts as 65.
+  /// Required behaviour: a character that is not a hexadecimal digit counts as 65.
   /// Throws std::invalid_argument "URL invalid" or "URL parameter is invalid" (also for an empty
   /// piece between two '&') and then changes nothing.
   void PrendsURL(const char* url);
   /// The URL, in which '?', '%' and blanks of the path are escaped and nothing else; parameters
-  /// follow as they stand, in the order of their names.
+  /// follow unescaped, in the order of their names.
   std::string DonneURL() const;
   /// What follows the last '/' of the URL.
   std::string DonneNomURL() const;
@@ -74,7 +74,7 @@ class VEXA_EXPORT CChemin {
   /// Whether the path ends with `ext`, whatever the case; "" always fits.
   bool TestExtension(const char* ext) const;
   /// The path up to its last '.', if it has one, then `ext`.
-  /// Required behaviour: the '.' may stand in a directory's name.
+  /// Required behaviour: the '.' may be in a directory's name.
   CChemin ChangeExtension(const char* ext) const;
   /// The path up to its last '/', which is left out. Throws std::invalid_argument
   /// "Path doesn't contain '/'".
@@ -92,7 +92,7 @@ class VEXA_EXPORT CChemin {
   std::string DonneParametre(const char* name) const;
   void DetruitParametre(const char* name);
 
-  /// Whether there is an entry of any kind. A link counts when what it leads to exists.
+  /// Whether there is an entry of any kind. A link counts when its target exists.
   bool FichierExiste(std::string* error = nullptr) const;
   /// Whether there is a directory. A failure other than its absence is also reported as a warning.
   bool RepertoireExiste(std::string* error = nullptr) const;
@@ -104,21 +104,21 @@ class VEXA_EXPORT CChemin {
   /// The same for reading bytes of a regular file; anything else is refused. Never waits, as
   /// OpenFile does for a named pipe.
   std::FILE* OpenRegularFile(std::string* error = nullptr) const;
-  /// Makes the directory, open to all (0777); 0, or what the failing call gave.
+  /// Makes the directory, open to all (0777); 0, or -1.
   int CreerRepertoire(std::string* error = nullptr) const;
   /// Makes the directory and those above it, as far as they are missing; 0 whatever happens.
   /// Required behaviour: a directory directly under the root is never made, nor one without '/'.
   int CreerArborescenceDeRepertoire() const;
-  /// Removes the entry, which is no directory; 0 on success.
+  /// Removes an entry other than a directory; 0 on success.
   int DetruitFichier(std::string* error = nullptr) const;
   /// Removes the empty directory; 0 on success.
   int DetruitRepertoire(std::string* error = nullptr) const;
   /// Copies a regular file: data, times and extended attributes; the copy is open to all (0777).
   ///
-  /// `target` names the copy. A file that stands there is replaced when the copy is complete and
+  /// `target` names the copy. An existing file is replaced when the copy is complete and
   /// stays when something fails; so does a link, which is not followed. Refused with EINVAL: a
-  /// file onto itself under any name, and a source or target that is no regular file. A source that
-  /// is absent gives the error "Input file does not exist".
+  /// file onto itself under any name, and a source or target that is not a regular file. A source
+  /// that is absent gives the error "Input file does not exist".
   bool CopierVers(CChemin target, std::string* error = nullptr) const;
   /// Copies what this directory holds into the directory `target`, which exists.
   ///
@@ -137,8 +137,8 @@ class VEXA_EXPORT CChemin {
   unsigned int DetruitContenuRepertoire(std::string* error = nullptr) const;
   /// Gives the entry another name in its directory; this path stays as it is.
   bool RenameFile(const char* newName, std::string* error = nullptr) const;
-  /// Follows one symbolic link: the path becomes what the link holds, seen from the link's
-  /// directory. False, with the path as it was, for what is no link and for a link's text of 512
+  /// Follows one symbolic link: the path becomes the link's text, relative to the link's
+  /// directory. False, with the path unchanged, for an entry that is no link and for a text of 512
   /// characters or more.
   bool ResolveSymbolicLink(std::string* error = nullptr);
   /// The same for texts; `resolved` becomes `path` where nothing was followed.

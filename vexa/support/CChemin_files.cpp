@@ -148,7 +148,7 @@ bool CChemin::ResolveSymbolicLink(const std::string& path, std::string& resolved
       resolved = path;
       return false;
     }
-    const std::string link(text, static_cast<std::size_t>(size));
+    const std::string link(text, std::size_t(size));
     const bool isAbsolute = link.compare(0, 1, "/") == 0;
     resolved = (isAbsolute ? "" : path.substr(0, path.rfind('/') + 1)) + link;
     return true;

@@ -13,7 +13,7 @@
 namespace Norvel {
 namespace {
 
-constexpr unsigned int kFailed = static_cast<unsigned int>(-1);
+constexpr unsigned int kFailed = unsigned(-1);
 constexpr std::size_t kLongestPath = 1023;
 constexpr int kOpenDirectory = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
 
@@ -39,7 +39,7 @@ std::string joined(const std::string& folder, const std::string& name) {
   return folder.empty() ? name : folder + "/" + name;
 }
 
-/// Opens a directory below an open one ("" is that one itself), never through a link.
+// Opens a directory below an open one ("" is that one itself), never through a link.
 FileHandle openBelow(int root, const std::string& relative) {
   FileHandle folder(openat(root, ".", kOpenDirectory));
   std::size_t start = 0;
@@ -52,7 +52,7 @@ FileHandle openBelow(int root, const std::string& relative) {
   return folder;
 }
 
-/// The names in an open directory but "." and ".."; false with errno on failure.
+// The names in an open directory but "." and ".."; false with errno on failure.
 bool listNames(int folder, std::vector<std::string>& names) {
   FileHandle own(openat(folder, ".", kOpenDirectory));
   DIR* const listing = own.isOpen() ? fdopendir(own.get()) : nullptr;
@@ -71,12 +71,12 @@ bool listNames(int folder, std::vector<std::string>& names) {
   return errno == 0;
 }
 
-/// Walks the directories below `root`, each before those it holds, and gives their relative paths
-/// in that order. It keeps a list instead of calling itself, and two directories open, however
-/// deep the tree is. `path` is the root's, for the length of names.
-///
-/// enter(relative) tells whether to list a directory; visit(folder, name, status, relative)
-/// whether an entry is a directory to walk.
+// Walks the directories below `root`, each before those it holds, and gives their relative paths
+// in that order. It keeps a list instead of calling itself, and two directories open, however
+// deep the tree is. `path` is the root's, for the length of names.
+//
+// enter(relative) returns whether to list a directory; visit(folder, name, status, relative)
+// whether an entry is a directory to walk.
 template <class Enter, class Visit>
 std::vector<std::string> walk(int root, const std::string& path, Faults& faults, Enter enter,
                               Visit visit) {
@@ -102,7 +102,7 @@ std::vector<std::string> walk(int root, const std::string& path, Faults& faults,
   return folders;
 }
 
-/// Removes the directory `relative` below `root`, by its parent's handle.
+// Removes the directory `relative` below `root`, by its parent's handle.
 bool removeBelow(int root, const std::string& relative) {
   const std::size_t slash = relative.rfind('/');
   const bool atTop = slash == std::string::npos;

@@ -6,9 +6,9 @@
 
 /// Turns failed checks into exceptions with a text; every exception is a std::runtime_error.
 ///
-/// A message that is given as a format may hold conversions and writes a percent sign as "%%".
+/// A parameter named `format` is a printf format; write `%%` for a percent sign.
 /// Texts are cut to the buffer they are formatted in: 1,023 characters for the caller's part of a
-/// check, 2,047 for the whole. A format that printf itself refuses is thrown as it stands. All
+/// check, 2,047 for the whole. A format that printf refuses is thrown unchanged. All
 /// functions are re-entrant, and none allocates before it throws.
 namespace Norvel::UxThrow {
 

@@ -169,8 +169,7 @@ void XCReporter::FlushBenchmark(const char* name, bool erase) {
   if (erase) XCBenchmarkRecords::erase(orEmpty(name));
   double sum = 0;
   for (const double seconds : record.times) sum += seconds;
-  Printf("BENCHMARK %s takes %f seconds in %d calls", orEmpty(name), sum,
-         static_cast<int>(record.times.size()));
+  Printf("BENCHMARK %s takes %f seconds in %d calls", orEmpty(name), sum, int(record.times.size()));
   for (std::size_t i = 0; i < record.labels.size(); ++i) {
     Printf("      for %s : %f seconds", record.labels[i].c_str(), record.times[i]);
   }

@@ -11,11 +11,11 @@ namespace Norvel {
 /// Which system reports errors: the C library's errno, or none.
 enum SystemErrorType : int { kSystemErrno = 0, kSystemNone = 1 };
 
-/// The library's one way to tell something: hands each message to the calling thread's reporter,
-/// else to the process-wide default, else prints it as `XCReporter: TYPE("TEXT")` on standard
+/// Sends every message of the library to the calling thread's reporter, else to the process-wide
+/// default; without either, prints it as `XCReporter: TYPE("TEXT")` on standard
 /// output.
 ///
-/// Reporting never throws, and what a host's reporter throws is dropped; only the records of
+/// Reporting never throws, and an exception of a host's reporter is dropped; only the records of
 /// benchmarks may run out of memory (std::bad_alloc). The per-thread reporter needs
 /// no lock; the default reporter, the modes and the benchmarks are plain globals, to be set from
 /// one thread. Texts are cut to 2,047 characters, those of Message to 4,095.
@@ -29,7 +29,7 @@ class VEXA_EXPORT XCReporter {
   static void Message(XIReporter::EMsgType type, const char* format, ...)
       __attribute__((format(printf, 2, 3)));
 
-  /// Reports the text as it stands, whole; null reads as "". Without any reporter a type outside
+  /// Reports the text unchanged and uncut; null reads as "". Without any reporter a type outside
   /// XIReporter::EMsgType prints nothing.
   static void SendMsg2Reporter(XIReporter::EMsgType type, const char* text);
 

@@ -21,8 +21,9 @@ class VEXA_EXPORT XIReporter {
 
   virtual ~XIReporter() = default;
 
-  /// One finished text, which lives for the call. Runs on the thread that reports; what it throws
-  /// is dropped. The type is handed on as the sender gave it, also outside the list.
+  /// Receives one finished text, which lives for the call. Runs on the thread that reports; an
+  /// exception of it is dropped. The type is handed on as the sender gave it, also outside the
+  /// list.
   virtual void ReportMsg(EMsgType type, const char* text) = 0;
 };
 

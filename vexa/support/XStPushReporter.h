@@ -12,10 +12,10 @@ namespace Norvel {
 /// the process had no thread key left at load, only the default reporter is changed.
 class VEXA_EXPORT XStPushReporter {
  public:
-  /// With `alsoDefault` the reporter serves the threads that have none of their own as well.
+  /// With `alsoDefault` the reporter also serves the threads without a reporter of their own.
   /// Throws std::runtime_error, and changes nothing, when the thread's value cannot be set.
   XStPushReporter(XIReporter* reporter, bool alsoDefault);
-  /// Puts back what was there before; a failure ends the process.
+  /// Restores the previous reporters; a failure ends the process.
   virtual ~XStPushReporter();
   XStPushReporter(const XStPushReporter&) = delete;
   XStPushReporter& operator=(const XStPushReporter&) = delete;

@@ -6,11 +6,11 @@
 
 namespace Norvel {
 
-/// A text from outside: null reads as "".
+// A text from outside: null reads as "".
 inline const char* orEmpty(const char* text) { return text != nullptr ? text : ""; }
 
-/// Formats into a fixed buffer, cut to N - 1 characters. What printf refuses (a width beyond int,
-/// a character without encoding) leaves the format itself as the text; null reads as "".
+// Formats into a fixed buffer, cut to N - 1 characters. What printf refuses (a width beyond int,
+// a character without encoding) leaves the format itself as the text; null reads as "".
 template <std::size_t N>
 __attribute__((format(printf, 2, 0))) void formatInto(char (&out)[N], const char* format,
                                                       va_list args) {
@@ -20,7 +20,7 @@ __attribute__((format(printf, 2, 0))) void formatInto(char (&out)[N], const char
   }
 }
 
-/// Ends a list of variable arguments when its scope is left, also by an exception.
+// Ends a list of variable arguments when its scope is left, also by an exception.
 struct EndOfArguments {
   va_list& args;
   ~EndOfArguments() { va_end(args); }

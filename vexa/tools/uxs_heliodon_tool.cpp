@@ -11,7 +11,7 @@ namespace {
 
 constexpr double kPi = 3.141592653589793;
 
-// The orbit. Lengths are in millions of km, the sun stands 2.5 off the centre; angles in radians.
+// The orbit. Lengths are in millions of km, the sun is 2.5 off the centre; angles in radians.
 constexpr double kSemiMajorAxis = 149.5;
 constexpr double kEccentricity = 0.016722408026755852;   // 2.5 / 149.5
 constexpr double kPerihelion = 0.017890520792516823;     // its angle after the start of the year
