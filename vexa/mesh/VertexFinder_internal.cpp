@@ -25,6 +25,11 @@ std::uint32_t hashOf(const Mesh::Position& p) {
   return mixed ^ mixed >> 13;
 }
 
+// Whether a vertex in the table, which has no NaN, is at a position: mostly its bytes are the same.
+bool isAt(const Mesh::Position& vertex, const Mesh::Position& p) {
+  return std::memcmp(&vertex, &p, sizeof(p)) == 0 || vertex == p;
+}
+
 }  // namespace
 
 VertexFinder::VertexFinder(const std::vector<Mesh::Position>& vertices, std::size_t corners)
@@ -56,7 +61,7 @@ void VertexFinder::finish() {
 unsigned int& VertexFinder::slotOf(const Mesh::Position& p, std::uint32_t hash) {
   const std::size_t mask = mSlots.size() - 1;
   std::size_t i = hash & mask;
-  while (mSlots[i] != kFree && mVertices[mSlots[i]] != p) i = (i + 1) & mask;
+  while (mSlots[i] != kFree && !isAt(mVertices[mSlots[i]], p)) i = (i + 1) & mask;
   return mSlots[i];
 }
 
