@@ -36,6 +36,7 @@ struct Mesh::Impl::Frame {
 
   Impl& mMesh;
   const FrameTopology& mTopology;
+  const mesh_frame::Forms mForms = mesh_frame::formsFor(16);
   bool mIsWithoutNormals;
   Spare<FrameMemory>* mSpare;
   std::unique_ptr<FrameMemory> mScratch;  // null where the mesh is without normals
@@ -67,8 +68,8 @@ Mesh::Impl::Frame::Frame(Impl& mesh, const TriangleArrays& arrays, const FrameTo
 
 void Mesh::Impl::Frame::fill() {
   mNormals->resize(mTopology.mOffsets.size());
-  mesh_frame::fillFaceNormals(mMesh.mVertices, mTopology, *mNormals);
-  mesh_frame::fillEdges(*mNormals, mTopology.mEdges, *mEdges);
+  mesh_frame::fillFaceNormals(mMesh.mVertices, mTopology, *mNormals, mForms);
+  mesh_frame::fillEdges(*mNormals, mTopology.mEdges, *mEdges, mForms);
   if (mEdges != &mMesh.mEdges) mEdges->swap(mMesh.mEdges);
   if (mIsWithoutNormals && mNormals != &mMesh.mSmoothNormals) mNormals->swap(mMesh.mSmoothNormals);
 }
