@@ -26,7 +26,7 @@ std::string asFacts(const scene::Description& object) {
 }
 
 std::string asText(const scene::Description& value) {
-  if (value.is_string()) return value.get<std::string>();
+  if (value.is_string()) return formats::printable(value.get<std::string>());
   if (value.is_object()) return asFacts(value);
   if (!value.is_array()) return value.dump();
   std::string text;
@@ -49,8 +49,9 @@ void info(const std::string& file, bool json) {
   const scene::Description description =
       importer::isModelFile(file) ? importer::describeModel(file) : scene::describeFile(file);
   if (json) {
-    std::puts(
-        description.dump(2, ' ', false, scene::Description::error_handler_t::replace).c_str());
+    // Names are from the file: only plain characters, the others as \u escapes.
+    constexpr auto kReplace = scene::Description::error_handler_t::replace;
+    std::puts(description.dump(2, ' ', true, kReplace).c_str());
   } else {
     printText(description);
   }

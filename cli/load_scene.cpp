@@ -3,13 +3,15 @@
 #include <stdexcept>
 #include <utility>
 
+#include "scene/scene_extent.h"
 #include "scene/scene_file.h"
 
 namespace vexa::cli {
 
-scene::ScenePlayer loadScene(const std::string& file) {
+scene::ScenePlayer loadScene(const std::string& file, const std::string& take) {
   refhost::Scene scene = scene::readSceneFile(file);
   try {
+    if (!take.empty()) scene::showTake(scene, take);
     return scene::ScenePlayer(std::move(scene));
   } catch (const std::exception& error) {
     throw std::runtime_error(file + ": " + error.what());

@@ -1,8 +1,11 @@
 // The command `vexa`: arguments in, text out. Exit 0, 1 for bad input, 2 for bad usage.
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <iostream>
+#include <new>
 #include <string>
+#include <unistd.h>
 
 #include "cli/application.h"
 #include "formats/Descriptor.h"
@@ -14,6 +17,20 @@ namespace {
 int complain(const std::string& fault, int exitCode) {
   std::fprintf(stderr, "vexa: %s\n", vexa::formats::printable(fault).c_str());
   return exitCode;
+}
+
+/// Where memory runs out inside a destructor, no handler is reached.
+[[noreturn]] void endWithoutMemory() {
+  try {
+    if (const auto cause = std::current_exception()) std::rethrow_exception(cause);
+  } catch (const std::bad_alloc&) {
+    vexa::formats::removeTemporaries();
+    constexpr char kText[] = "vexa: not enough memory\n";
+    vexa::formats::writeAll(STDERR_FILENO, kText, sizeof(kText) - 1);
+    _exit(1);
+  } catch (...) {
+  }
+  std::abort();
 }
 
 int complainOfUsage(const CLI::App& app, const CLI::ParseError& error) {
@@ -33,6 +50,7 @@ int complainOfUsage(const CLI::App& app, const CLI::ParseError& error) {
 int main(int argc, char** argv) {
   vexa::formats::openStandardStreams();
   vexa::formats::removeTemporariesOnSignals();
+  std::set_terminate(endWithoutMemory);
   CLI::App app;
   vexa::cli::setUp(app);
   try {
@@ -40,6 +58,8 @@ int main(int argc, char** argv) {
   } catch (const CLI::ParseError& error) {
     if (error.get_exit_code() != 0) return complainOfUsage(app, error);
     app.exit(error);  // prints the help or the version
+  } catch (const std::bad_alloc&) {
+    return complain("not enough memory", 1);
   } catch (const std::exception& error) {
     return complain(error.what(), 1);
   }

@@ -59,7 +59,15 @@ void addPresets(CLI::App& app) {
   command->footer(
       "Example: vexa presets --engine 1 --ambiance 0 --settings 2\n"
       "         vexa presets --levels 2,2,2,2,1");
-  command->callback([options] { presets(*options); });
+  command->callback([command, options] {
+    const auto isGiven = [](const CLI::Option* option) { return option->count() > 0; };
+    const auto given = command->get_options(isGiven);
+    if (given.empty()) {
+      std::fputs(command->help().c_str(), stdout);
+    } else {
+      presets(*options);
+    }
+  });
 }
 
 }  // namespace vexa::cli

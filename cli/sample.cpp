@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -8,8 +9,10 @@
 #include "cli/frames.h"
 #include "cli/load_scene.h"
 #include "formats/calendar.h"
+#include "formats/printable.h"
 #include "scene/scene_csv.h"
-#include "scene/scene_output.h"
+#include "scene/scene_extent.h"
+#include "scene/scene_plots.h"
 #include "scene/value_parts.h"
 #include "scene/value_plots.h"
 
@@ -19,7 +22,7 @@ namespace {
 struct Options {
   std::string scene;
   std::string value;
-  std::string frames = "0:100";
+  std::string frames;
   std::string plot;
 };
 
@@ -44,11 +47,23 @@ void printRow(int frame, const refhost::Property& value, const scene::ScenePlaye
   std::printf("\n");
 }
 
+std::string columnName(const std::string& part) { return part.empty() ? "value" : part; }
+
+void printHeader(const refhost::Property& value) {
+  std::printf("%8s", "frame");
+  for (const std::string& part : scene::partNames(value)) {
+    std::printf("  %20s", columnName(part).c_str());
+  }
+  std::printf("\n");
+}
+
 void sample(const Options& options) {
-  const std::vector<int> frames = parseFrames(options.frames);
   scene::ScenePlayer player = loadScene(options.scene);
+  const std::string all = "0:" + std::to_string(scene::lastFrame(player.scene()));
+  const std::vector<int> frames = parseFrames(options.frames.empty() ? all : options.frames);
   const std::size_t index = indexOfValue(options, player.scene());
   const refhost::Property& value = player.scene().mProperties[index];
+  if (options.plot.empty()) printHeader(value);
   std::vector<std::vector<scene::ScenePlayer::Sample>> samples;
   for (const int frame : frames) {
     player.setFrame(frame);
@@ -57,7 +72,7 @@ void sample(const Options& options) {
   }
   if (options.plot.empty()) return;
   scene::writeValuePlots(options.plot, {&value}, frames, samples);
-  std::puts(options.plot.c_str());
+  std::puts(formats::printable(options.plot).c_str());
 }
 
 }  // namespace
@@ -68,9 +83,18 @@ void addSample(CLI::App& app) {
   const auto options = std::make_shared<Options>();
   command->add_option("SCENE", options->scene, "a scene file (JSON)")->required();
   command->add_option("VALUE", options->value, "the name of the value")->required();
-  command->add_option("--frames", options->frames, "A, A:B or A:B:STEP, both ends included")
-      ->capture_default_str();
-  command->add_option("--plot", options->plot, "write an SVG plot here instead of the table");
+  command->add_option(
+      "--frames", options->frames,
+      "A, A:B or A:B:STEP, both ends included; all up to the last key when missing");
+  command
+      ->add_option("--plot", options->plot,
+                   "write a plot here instead of the table, as its name ends: .svg or .png")
+      ->check([](const std::string& path) {
+        const std::string ending = std::filesystem::path(path).extension().string();
+        return ending == ".svg" || ending == ".png"
+                   ? std::string()
+                   : "\"" + path + "\" ends neither in .svg nor in .png";
+      });
   command->footer("Example: vexa sample scene.json colour --frames 0:50:10");
   command->callback([options] { sample(*options); });
 }

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "formats/little_endian.h"
+#include "formats/read_file.h"
 #include "formats/write_file.h"
 
 namespace vexa::formats {
@@ -19,17 +20,17 @@ constexpr std::uint64_t kCountBytes = 4, kLinkBytes = 12;
 class Writer {
  public:
   template <class T>
-  void put(const T& inValue) {
+  void put(const T& value) {
     char bytes[sizeof(T)];
-    const T ordered = littleEndian(inValue);
+    const T ordered = littleEndian(value);
     std::memcpy(bytes, &ordered, sizeof(T));
     mBytes.append(bytes, sizeof(T));
   }
-  void putCount(std::size_t inCount, const char* inWhat) {
-    if (inCount > std::numeric_limits<std::uint32_t>::max()) {
-      throw std::invalid_argument(std::string("animation file: too many ") + inWhat);
+  void putCount(std::size_t count, const char* what) {
+    if (count > std::numeric_limits<std::uint32_t>::max()) {
+      throw std::invalid_argument(std::string("animation file: too many ") + what);
     }
-    put(static_cast<std::uint32_t>(inCount));
+    put(static_cast<std::uint32_t>(count));
   }
   std::string take() { return std::move(mBytes); }
 
@@ -37,63 +38,83 @@ class Writer {
   std::string mBytes;
 };
 
-std::uint64_t matricesPerNode(const std::vector<std::uint32_t>& inFrameCounts) {
-  return std::accumulate(inFrameCounts.begin(), inFrameCounts.end(), std::uint64_t{0});
+std::uint64_t matricesPerNode(const std::vector<std::uint32_t>& frameCounts) {
+  return std::accumulate(frameCounts.begin(), frameCounts.end(), std::uint64_t{0});
 }
 
-void checkMatrices(std::size_t inNode, std::uint64_t inHas, std::uint64_t inWanted) {
-  if (inHas == inWanted) return;
-  throw std::invalid_argument("animation file: node " + std::to_string(inNode) + " has " +
-                              std::to_string(inHas) + " matrices, not " + std::to_string(inWanted));
+void checkMatrices(std::size_t node, std::uint64_t has, std::uint64_t wanted) {
+  if (has == wanted) return;
+  throw std::invalid_argument("animation file: node " + std::to_string(node) + " has " +
+                              std::to_string(has) + " matrices, not " + std::to_string(wanted));
 }
 
-void putNode(Writer& ioWriter, const AnimationFile::Node& inNode) {
-  for (const AnimationFile::Matrix& matrix : inNode.mMatrices) ioWriter.put(matrix);
-  ioWriter.putCount(inNode.mLinks.size(), "links");
-  for (const AnimationFile::Link& link : inNode.mLinks) {
+void putNode(Writer& ioWriter, const AnimationFile::Node& node) {
+  for (const AnimationFile::Matrix& matrix : node.mMatrices) ioWriter.put(matrix);
+  ioWriter.putCount(node.mLinks.size(), "links");
+  for (const AnimationFile::Link& link : node.mLinks) {
     ioWriter.put(link.mVertex);
     ioWriter.put(link.mWeight);
   }
 }
 
+// Where the bytes come from: a text in memory or a file.
+class Source {
+ public:
+  explicit Source(const std::string& bytes) : mBytes(&bytes), mSize(bytes.size()) {}
+  explicit Source(FileReader& file) : mFile(&file), mSize(file.size()) {}
+
+  std::uint64_t size() const { return mSize; }
+  bool read(std::uint64_t offset, void* outBytes, std::size_t count) {
+    if (mFile != nullptr) return mFile->read(outBytes, count) == count;
+    std::memcpy(outBytes, mBytes->data() + offset, count);
+    return true;
+  }
+
+ private:
+  const std::string* mBytes = nullptr;
+  FileReader* mFile = nullptr;
+  std::uint64_t mSize;
+};
+
 // The same values back; every one has to be there.
 class Reader {
  public:
-  explicit Reader(const std::string& inBytes) : mBytes(inBytes) {}
+  explicit Reader(Source source) : mSource(source) {}
 
   template <class T>
-  T get(const char* inWhat) {
-    require(1, sizeof(T), inWhat);
+  T get(const char* what) {
+    require(1, sizeof(T), what);
     T value{};
-    std::memcpy(&value, mBytes.data() + mOffset, sizeof(T));
+    if (!mSource.read(mOffset, &value, sizeof(T))) failForEnd(what);
     mOffset += sizeof(T);
     return littleEndian(value);
   }
-  // A count of elements that need at least so many bytes each.
-  std::uint32_t getCount(std::uint64_t inBytesEach, const char* inWhat) {
-    const auto count = get<std::uint32_t>(inWhat);
-    require(count, inBytesEach, inWhat);
+  // A count of elements that need at least that many bytes each.
+  std::uint32_t getCount(std::uint64_t bytesEach, const char* what) {
+    const auto count = get<std::uint32_t>(what);
+    require(count, bytesEach, what);
     return count;
   }
-  void require(std::uint64_t inCount, std::uint64_t inBytesEach, const char* inWhat) const {
-    if (inCount > (mBytes.size() - mOffset) / inBytesEach) {
-      fail(std::string("the file ends inside ") + inWhat);
-    }
+  void require(std::uint64_t count, std::uint64_t bytesEach, const char* what) const {
+    if (count > (mSource.size() - mOffset) / bytesEach) failForEnd(what);
   }
-  [[noreturn]] void fail(const std::string& inText) const {
-    throw std::runtime_error("animation file, byte " + std::to_string(mOffset) + ": " + inText);
+  [[noreturn]] void fail(const std::string& text) const {
+    throw std::runtime_error("animation file, byte " + std::to_string(mOffset) + ": " + text);
   }
-  bool atEnd() const { return mOffset == mBytes.size(); }
+  [[noreturn]] void failForEnd(const char* what) const {
+    fail(std::string("the file ends inside ") + what);
+  }
+  bool atEnd() const { return mOffset == mSource.size(); }
 
  private:
-  const std::string& mBytes;
-  std::size_t mOffset = 0;
+  Source mSource;
+  std::uint64_t mOffset = 0;
 };
 
-AnimationFile::Node getNode(Reader& ioReader, std::uint64_t inMatrices) {
+AnimationFile::Node getNode(Reader& ioReader, std::uint64_t matrices) {
   AnimationFile::Node node;
-  ioReader.require(inMatrices, sizeof(AnimationFile::Matrix), "the matrices of a node");
-  for (std::uint64_t i = 0; i < inMatrices; ++i) {
+  ioReader.require(matrices, sizeof(AnimationFile::Matrix), "the matrices of a node");
+  for (std::uint64_t i = 0; i < matrices; ++i) {
     node.mMatrices.push_back(ioReader.get<AnimationFile::Matrix>("a matrix"));
   }
   const std::uint32_t links = ioReader.getCount(kLinkBytes, "the links of a node");
@@ -106,27 +127,28 @@ AnimationFile::Node getNode(Reader& ioReader, std::uint64_t inMatrices) {
 
 }  // namespace
 
-std::string encodeAnimationFile(const AnimationFile& inFile) {
-  const std::uint64_t matrices = matricesPerNode(inFile.mFrameCounts);
+std::string encodeAnimationFile(const AnimationFile& file) {
+  const std::uint64_t matrices = matricesPerNode(file.mFrameCounts);
   Writer writer;
   writer.put(kVersion);
-  writer.putCount(inFile.mFrameCounts.size(), "takes");
-  writer.put(inFile.mGlobal);
-  for (const std::uint32_t frames : inFile.mFrameCounts) writer.put(frames);
-  writer.putCount(inFile.mNodes.size(), "nodes");
-  for (std::size_t n = 0; n < inFile.mNodes.size(); ++n) {
-    checkMatrices(n, inFile.mNodes[n].mMatrices.size(), matrices);
-    putNode(writer, inFile.mNodes[n]);
+  writer.putCount(file.mFrameCounts.size(), "takes");
+  writer.put(file.mGlobal);
+  for (const std::uint32_t frames : file.mFrameCounts) writer.put(frames);
+  writer.putCount(file.mNodes.size(), "nodes");
+  for (std::size_t n = 0; n < file.mNodes.size(); ++n) {
+    checkMatrices(n, file.mNodes[n].mMatrices.size(), matrices);
+    putNode(writer, file.mNodes[n]);
   }
   return writer.take();
 }
 
-void writeAnimationFile(const AnimationFile& inFile, const std::string& inPath) {
-  writeFile(inPath, encodeAnimationFile(inFile));
+void writeAnimationFile(const AnimationFile& file, const std::string& path) {
+  writeFile(path, encodeAnimationFile(file));
 }
 
-AnimationFile decodeAnimationFile(const std::string& inBytes) {
-  Reader reader(inBytes);
+namespace {
+
+AnimationFile decode(Reader reader) {
   AnimationFile file;
   if (reader.get<std::uint32_t>("the version") != kVersion) {
     reader.fail("the version is not 101");
@@ -141,6 +163,23 @@ AnimationFile decodeAnimationFile(const std::string& inBytes) {
   for (std::uint32_t n = 0; n < nodes; ++n) file.mNodes.push_back(getNode(reader, matrices));
   if (!reader.atEnd()) reader.fail("bytes after the last node");
   return file;
+}
+
+}  // namespace
+
+AnimationFile decodeAnimationFile(const std::string& bytes) {
+  return decode(Reader(Source(bytes)));
+}
+
+AnimationFile readAnimationFile(const std::string& path) {
+  FileReader file(path);
+  try {
+    return decode(Reader(Source(file)));
+  } catch (const std::runtime_error& error) {
+    const std::string text = error.what();
+    const bool hasPath = text.compare(0, path.size() + 2, path + ": ") == 0;
+    throw std::runtime_error(hasPath ? text : path + ": " + text);
+  }
 }
 
 }  // namespace vexa::formats

@@ -32,14 +32,18 @@ struct AnimationFile {
 
 /// The file as bytes. Throws std::invalid_argument where a node does not have exactly as many
 /// matrices as the frame counts say.
-std::string encodeAnimationFile(const AnimationFile& inFile);
+std::string encodeAnimationFile(const AnimationFile& file);
 
 /// Writes the file under a temporary name and renames it. Throws what encodeAnimationFile and
 /// writeFile throw; a file that stood there is then as it was.
-void writeAnimationFile(const AnimationFile& inFile, const std::string& inPath);
+void writeAnimationFile(const AnimationFile& file, const std::string& path);
 
 /// Reads back what encodeAnimationFile gives, strictly: throws std::runtime_error that names the
 /// offset and what is wrong there for another version, an end inside or bytes after the last node.
-AnimationFile decodeAnimationFile(const std::string& inBytes);
+AnimationFile decodeAnimationFile(const std::string& bytes);
+
+/// The same from a file, of which only what is used comes into memory. Throws std::runtime_error
+/// "PATH: what is wrong".
+AnimationFile readAnimationFile(const std::string& path);
 
 }  // namespace vexa::formats

@@ -72,16 +72,13 @@ void OutputFolder::makeMissing(const std::string& folder) {
 
 void OutputFolder::makeTemporary(const std::string& beside) {
   const Uninterrupted steps;
-  for (;;) {
-    Doomed folder(randomPathIn(beside), Doomed::Kind::kFolder);
-    if (mkdir(folder.path().c_str(), 0777) == 0) {
-      mFolders.push_back(std::move(folder));
-      return;
-    }
+  Doomed folder(randomPathIn(beside), Doomed::Kind::kFolder);
+  if (mkdir(folder.path().c_str(), 0777) != 0) {
     const int error = errno;
-    folder.spare();
-    if (error != EEXIST) failForFile(mTarget.empty() ? "." : mTarget, error);
+    folder.spare();  // it is not ours, if it is there at all
+    failForFile(mTarget.empty() ? "." : mTarget, error);
   }
+  mFolders.push_back(std::move(folder));
 }
 
 std::string OutputFolder::pathFor(const std::string& name) const {

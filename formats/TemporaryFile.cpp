@@ -1,7 +1,6 @@
 #include "formats/TemporaryFile.h"
 
 #include <cstdio>
-#include <fcntl.h>
 #include <filesystem>
 #include <sys/stat.h>
 
@@ -16,28 +15,22 @@ void requireReplaceable(const std::string& path) {
   if (!S_ISREG(status.st_mode)) throw std::runtime_error(path + ": is no regular file");
 }
 
+// A name of 80 random bits is not met twice: were it there, something is wrong.
 TemporaryFile::TemporaryFile(std::string target) : mTarget(std::move(target)) {
   requireReplaceable(mTarget);
   const std::string folder = std::filesystem::path(mTarget).parent_path().string();
   const Uninterrupted steps;
-  do {
-    mDoomed.emplace(randomPathIn(folder), Doomed::Kind::kFile);
-    mFile = openFile(mDoomed->path(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW);
-    if (!mFile.isOpen()) mDoomed->spare();
-  } while (!mFile.isOpen() && errno == EEXIST);
-  if (!mFile.isOpen()) failForFile(mTarget);
-}
-
-void TemporaryFile::write(const std::string& bytes) {
-  if (!writeAll(mFile.get(), bytes.data(), bytes.size())) failForFile(mTarget);
-}
-
-void TemporaryFile::writeAt(std::size_t offset, const void* bytes, std::size_t count) {
-  if (!writeAllAt(mFile.get(), bytes, count, offset)) failForFile(mTarget);
+  mDoomed.emplace(randomPathIn(folder), Doomed::Kind::kFile);
+  try {
+    mFile.emplace(mDoomed->path(), mTarget);
+  } catch (...) {
+    mDoomed->spare();  // it is not ours, if it is there at all
+    throw;
+  }
 }
 
 void TemporaryFile::commit() {
-  if (!mFile.close()) failForFile(mTarget);
+  mFile->close();
   const Uninterrupted steps;
   if (std::rename(mDoomed->path().c_str(), mTarget.c_str()) != 0) failForFile(mTarget);
   mDoomed->spare();

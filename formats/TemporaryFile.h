@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "formats/Descriptor.h"
+#include "formats/NewFile.h"
 #include "formats/interruption.h"
 
 namespace vexa::formats {
@@ -17,15 +17,14 @@ class TemporaryFile {
   /// Refuses a target that is there and is no regular file. A symbolic link to one is replaced.
   explicit TemporaryFile(std::string target);
 
-  void write(const std::string& bytes);
-  void writeAt(std::size_t offset, const void* bytes, std::size_t count);
+  NewFile& file() { return *mFile; }
   /// Closes the file and renames it to the target.
   void commit();
 
  private:
   std::string mTarget;
   std::optional<Doomed> mDoomed;
-  Descriptor mFile;
+  std::optional<NewFile> mFile;
 };
 
 /// Throws unless `path` is free or a regular file, which can be replaced.

@@ -112,12 +112,7 @@ void endBySignal(int number) {
     // Another thread is at it already, and will end this one too.
     while (gIsEnding.exchange(true)) pause();
     waitForOthers();
-    // Folders are removed after what they hold, which may stand at a later place.
-    for (std::size_t pass = 0; pass < gSlots.size(); ++pass) {
-      for (Slot& slot : gSlots) {
-        if (slot.mIsSet.load()) remove(slot.mKind, slot.mPath);
-      }
-    }
+    removeTemporaries();
   }
   std::signal(number, SIG_DFL);
   raise(number);
@@ -145,6 +140,15 @@ void freeSlot(int slot) {
 }
 
 }  // namespace
+
+void removeTemporaries() {
+  // A folder is removed after what it holds, which may have a later place.
+  for (std::size_t pass = 0; pass < gSlots.size(); ++pass) {
+    for (Slot& slot : gSlots) {
+      if (slot.mIsSet.load()) remove(slot.mKind, slot.mPath);
+    }
+  }
+}
 
 void removeTemporariesOnSignals() {
   gOwner = getpid();

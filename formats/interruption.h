@@ -10,6 +10,9 @@ namespace vexa::formats {
 /// ignored stays so.
 void removeTemporariesOnSignals();
 
+/// Removes them now, for the end of a program that no destructor will see.
+void removeTemporaries();
+
 /// Steps that a signal must not divide: while one of these lives, those three signals wait, also
 /// the ones that another thread gets.
 class Uninterrupted {

@@ -2,7 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <fstream>
 #include <stdexcept>
+#include <sys/resource.h>
+#include <unistd.h>
 
 #include "formats/read_file.h"
 
@@ -81,6 +84,37 @@ std::vector<double> JsonValue::numbers(std::size_t count) const {
   return values;
 }
 
+namespace {
+
+// The parser's values need up to 100 bytes for each byte of the text, and it cannot give up once
+// memory runs out: its destructor allocates.
+constexpr std::uint64_t kBytesPerByte = 128;
+
+// Bytes that this process may still use, as far as limits and the machine's memory say.
+std::uint64_t memoryLeft() {
+  std::uint64_t left =
+      std::uint64_t(sysconf(_SC_PHYS_PAGES)) * std::uint64_t(sysconf(_SC_PAGESIZE));
+  rlimit limit{};
+  if (getrlimit(RLIMIT_AS, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY) return left;
+  std::uint64_t pages = 0;
+  std::ifstream("/proc/self/statm") >> pages;
+  const std::uint64_t used = pages * std::uint64_t(sysconf(_SC_PAGESIZE));
+  return std::min(left, limit.rlim_cur > used ? limit.rlim_cur - used : 0);
+}
+
+// Throws when there is not enough memory for the values of such a file.
+std::string readWithinMemory(const std::string& file) {
+  const std::uint64_t largest = memoryLeft() / kBytesPerByte;
+  const std::uint64_t size = FileReader(file).size();
+  if (size > largest) {
+    throw std::runtime_error(file + ": has " + std::to_string(size) +
+                             " bytes of JSON; there is memory for " + std::to_string(largest));
+  }
+  return readFile(file, largest);
+}
+
+}  // namespace
+
 nlohmann::json parseJson(const std::string& text) {
   try {
     return nlohmann::json::parse(text);
@@ -94,7 +128,7 @@ nlohmann::json parseJson(const std::string& text) {
 }
 
 nlohmann::json readJsonFile(const std::string& file) {
-  const std::string text = readFile(file);
+  const std::string text = readWithinMemory(file);
   try {
     return parseJson(text);
   } catch (const std::runtime_error& error) {

@@ -1,5 +1,6 @@
 #include "formats/number_text.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <cstdio>
@@ -57,6 +58,15 @@ bool parse(std::string_view text, T& outValue) {
 #endif
 
 }  // namespace
+
+char* writeShortest(char* text, float value) {
+#if defined(__cpp_lib_to_chars) || defined(__GLIBCXX__)
+  return std::to_chars(text, text + kLongestNumber, value).ptr;
+#else
+  const std::string shown = shortest(value);
+  return std::copy(shown.begin(), shown.end(), text);
+#endif
+}
 
 std::string shortestText(float value) { return shortest(value); }
 std::string shortestText(double value) { return shortest(value); }

@@ -14,7 +14,6 @@
 
 #include "formats/number_text.h"
 #include "formats/read_file.h"
-#include "formats/write_file.h"
 
 namespace vexa::formats {
 namespace {
@@ -196,13 +195,13 @@ class Gatherer {
   std::map<std::string, unsigned int> mMaterials;
 };
 
-/// The shortest text that reads back as the same float.
-void append(std::string& ioText, float value) { ioText += ' ' + shortestText(value); }
+}  // namespace
 
-void append(std::string& ioText, const ObjCorner& corner, std::size_t uv) {
-  ioText += ' ' + std::to_string(std::size_t{corner.point} + 1);
-  if (uv != 0) ioText += '/' + std::to_string(uv);
+ObjModel parseObj(const std::string& text, const std::string& name) {
+  return Gatherer(text, name).read();
 }
+
+ObjModel readObj(const std::string& path) { return parseObj(readFile(path), path); }
 
 void checkCorners(const ObjModel& model) {
   for (std::size_t t = 0; t < model.triangles.size(); ++t) {
@@ -213,77 +212,6 @@ void checkCorners(const ObjModel& model) {
                                   std::to_string(model.points.size()));
     }
   }
-}
-
-bool hasUV(const ObjModel& model) {
-  const auto isSet = [](const ObjCorner& c) { return c.u != 0 || c.v != 0; };
-  return std::any_of(model.triangles.begin(), model.triangles.end(), [&](const ObjTriangle& t) {
-    return std::any_of(t.corners.begin(), t.corners.end(), isSet);
-  });
-}
-
-/// Numbers each pair of texture coordinates from 1 on, equal bytes alike, and writes the new ones.
-class UVNumbers {
- public:
-  std::size_t add(const ObjCorner& corner, std::string& ioText) {
-    std::array<std::uint32_t, 2> key{};
-    std::memcpy(&key[0], &corner.u, sizeof(float));
-    std::memcpy(&key[1], &corner.v, sizeof(float));
-    const auto [known, isNew] = mNumbers.try_emplace(key, mNumbers.size() + 1);
-    if (isNew) {
-      ioText += "vt";
-      append(ioText, corner.u);
-      append(ioText, corner.v);
-      ioText += '\n';
-    }
-    return known->second;
-  }
-
- private:
-  std::map<std::array<std::uint32_t, 2>, std::size_t> mNumbers;
-};
-
-}  // namespace
-
-ObjModel parseObj(const std::string& text, const std::string& name) {
-  return Gatherer(text, name).read();
-}
-
-ObjModel readObj(const std::string& path) { return parseObj(readFile(path), path); }
-
-std::string formatObj(const ObjModel& model, const std::string& materialFile) {
-  checkCorners(model);
-  std::string points, uvs, faces;
-  for (const auto& p : model.points) {
-    points += 'v';
-    for (const float value : {p.x, p.y, p.z}) append(points, value);
-    points += '\n';
-  }
-  const bool withUV = hasUV(model);
-  UVNumbers numbers;
-  for (std::size_t t = 0; t < model.triangles.size(); ++t) {
-    const ObjTriangle& triangle = model.triangles[t];
-    if (t == 0 || triangle.material != model.triangles[t - 1].material) {
-      faces += "usemtl " + nameInObj(model, triangle.material) + '\n';
-    }
-    faces += 'f';
-    for (const ObjCorner& c : triangle.corners) append(faces, c, withUV ? numbers.add(c, uvs) : 0);
-    faces += '\n';
-  }
-  const std::string library = materialFile.empty() ? "" : "mtllib " + materialFile + '\n';
-  return library + points + uvs + faces;
-}
-
-void writeObj(const std::string& path, const ObjModel& model, const std::string& materialFile) {
-  writeFile(path, formatObj(model, materialFile));
-}
-
-std::string nameInObj(const ObjModel& model, unsigned int material) {
-  if (material >= model.materials.size()) return std::to_string(material);
-  std::string name = model.materials[material];
-  std::replace_if(
-      name.begin(), name.end(), [](unsigned char c) { return c < ' '; }, '_');
-  return name;
 }
 
 ObjModel objOf(const UXS::Mesh& mesh) {

@@ -44,12 +44,19 @@ ObjModel readObj(const std::string& path);
 /// all zero are left out. `materialFile`, if any, is named as the one that holds the materials.
 /// Throws std::invalid_argument for a corner past the last point.
 std::string formatObj(const ObjModel& model, const std::string& materialFile = "");
+/// The text in two parts, for meshes whose points alone change: first the points, then what the
+/// rest of the model says, its texture coordinates and faces.
+void appendObjPoints(const std::vector<Oru::TVector3D<float>>& points, std::string& ioText);
+std::string formatObjFaces(const ObjModel& model);
 /// Writes a file whole or not at all. Throws as formatObj, and std::runtime_error "PATH: what is
 /// wrong" when it cannot be written.
 void writeObj(const std::string& path, const ObjModel& model, const std::string& materialFile = "");
 
 /// How a material is called in the text: its name on one line, or its number.
 std::string nameInObj(const ObjModel& model, unsigned int material);
+
+/// Throws std::invalid_argument for a corner past the last point.
+void checkCorners(const ObjModel& model);
 
 /// A committed mesh as a model; its materials have no names.
 ObjModel objOf(const UXS::Mesh& mesh);

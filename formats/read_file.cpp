@@ -1,39 +1,62 @@
 #include "formats/read_file.h"
 
-#include <cerrno>
-#include <cstdio>
+#include <algorithm>
 #include <cstring>
-#include <filesystem>
-#include <memory>
-#include <stdexcept>
-#include <system_error>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <utility>
+
+#include "formats/file_error.h"
 
 namespace vexa::formats {
 namespace {
 
-[[noreturn]] void fail(const std::string& path) {
-  throw std::runtime_error(path + ": " + std::strerror(errno));
-}
+constexpr std::size_t kBlock = 1 << 16;
 
 }  // namespace
 
-std::string readFile(const std::string& path) {
-  // A device may have no end, a pipe no writer.
-  std::error_code ignored;
-  const std::filesystem::file_status status = std::filesystem::status(path, ignored);
-  const bool isOdd = std::filesystem::exists(status) && !std::filesystem::is_regular_file(status);
-  if (isOdd && !std::filesystem::is_directory(status)) {
-    throw std::runtime_error(path + ": is no regular file");
+// Without waiting: a pipe may have no writer.
+FileReader::FileReader(std::string path, std::uint64_t largest)
+    : mPath(std::move(path)), mFile(openFile(mPath, O_RDONLY | O_NONBLOCK | O_NOCTTY)) {
+  if (!mFile.isOpen()) failForFile(mPath);
+  struct stat status {};
+  if (fstat(mFile.get(), &status) != 0) failForFile(mPath);
+  if (S_ISDIR(status.st_mode)) failForFile(mPath, EISDIR);
+  // A device may have no end.
+  if (!S_ISREG(status.st_mode)) throw std::runtime_error(mPath + ": is no regular file");
+  mSize = std::uint64_t(status.st_size);
+  if (mSize > largest) {
+    throw std::runtime_error(mPath + ": has " + std::to_string(mSize) + " bytes, more than the " +
+                             std::to_string(largest) + " that are read");
   }
-  const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
-                                                             std::fclose);
-  if (!file) fail(path);
+}
+
+std::size_t FileReader::read(void* outBytes, std::size_t count) {
+  std::size_t done = 0;
+  while (done < count) {
+    if (mNext == mEnd) {
+      mBlock.resize(kBlock);
+      const ssize_t got = ::read(mFile.get(), mBlock.data(), mBlock.size());
+      if (got < 0 && errno == EINTR) continue;
+      if (got < 0) failForFile(mPath);
+      if (got == 0) break;
+      mNext = 0;
+      mEnd = std::size_t(got);
+    }
+    const std::size_t piece = std::min(count - done, mEnd - mNext);
+    std::memcpy(static_cast<char*>(outBytes) + done, mBlock.data() + mNext, piece);
+    mNext += piece;
+    done += piece;
+  }
+  return done;
+}
+
+std::string readFile(const std::string& path, std::uint64_t largest) {
+  FileReader reader(path, largest);
   std::string bytes;
-  char block[1 << 16];
-  while (const std::size_t count = std::fread(block, 1, sizeof(block), file.get())) {
-    bytes.append(block, count);
-  }
-  if (std::ferror(file.get()) != 0) fail(path);
+  char block[kBlock];
+  while (const std::size_t count = reader.read(block, sizeof(block))) bytes.append(block, count);
   return bytes;
 }
 

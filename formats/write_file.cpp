@@ -6,7 +6,7 @@ namespace vexa::formats {
 
 void writeFile(const std::string& path, const std::string& bytes) {
   TemporaryFile file(path);
-  file.write(bytes);
+  file.file().write(bytes);
   file.commit();
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <limits>
 #include <utility>
 
@@ -174,7 +175,8 @@ class Panel {
 void writeCurvePlots(const std::string& path, const std::vector<int>& frames,
                      const std::vector<CurvePlot>& plots) {
   const double height = kPlotHeight * double(std::max<std::size_t>(1, plots.size())) + 10;
-  Canvas canvas(Canvas::Format::kSvg, kWidth, height);
+  const bool isPng = std::filesystem::path(path).extension() == ".png";
+  Canvas canvas(isPng ? Canvas::Format::kPng : Canvas::Format::kSvg, kWidth, height);
   double top = 5;
   for (const CurvePlot& plot : plots) {
     if (!frames.empty()) Panel(canvas, frames, plot, top).draw();

@@ -30,6 +30,7 @@ struct CurvePlot {
 /// Draws the plots below each other, all over the same frames, and writes them as SVG.
 ///
 /// The axes carry round marks. Values that are not finite leave a gap.
+/// PNG for a name that ends in .png, else SVG.
 void writeCurvePlots(const std::string& path, const std::vector<int>& frames,
                      const std::vector<CurvePlot>& plots);
 

@@ -3,12 +3,12 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <map>
 #include <numeric>
 #include <stdexcept>
 
 #include "formats/AnimationFile.h"
 #include "formats/finite.h"
-#include "formats/read_file.h"
 #include "vexa/animation/CZelObjectInstanceTool.h"
 #include "vexa/mesh/Mesh.h"
 
@@ -102,8 +102,7 @@ namespace {
 /// A take that the animation file lacks has no pose.
 void checkTakes(const refhost::Definition& definition) {
   const refhost::AnimatedObject& object = *definition.mAnimatedObject;
-  const formats::AnimationFile file =
-      formats::decodeAnimationFile(formats::readFile(object.mAnimationFile));
+  const formats::AnimationFile file = formats::readAnimationFile(object.mAnimationFile);
   if (object.mTakes.mElements.size() <= file.mFrameCounts.size()) return;
   refuse("object", definition.mName, "more takes than the animation file has");
 }
@@ -115,30 +114,41 @@ void checkTakes(const refhost::Definition& definition) {
          "a vertex is no finite point; is each linked to a node?");
 }
 
-/// An instance's placement in the world, through all that enclose it.
-struct Placement {
-  Matrix mToWorld;
-  float mScale = 1;  ///< of all enclosing instances and of itself
-  bool mIsPlantGroup = false;
-};
-
-Placement placementOf(const refhost::Scene& scene, const Instance& instance) {
-  Placement parent;
-  for (const Instance& other : scene.mInstances.mElements) {
-    const bool encloses = !UxZel::isNone(instance.mParent) && &other != &instance &&
-                          other.mIdentity.mUUID == instance.mParent;
-    if (encloses) parent = placementOf(scene, other);  // parents stand before their children
+/// For each instance the one that encloses it, or kNone.
+std::vector<std::size_t> parentsOf(const refhost::Scene& scene) {
+  const auto& instances = scene.mInstances.mElements;
+  std::map<UxZel::CZelUUID, std::size_t> known;
+  for (std::size_t i = 0; i < instances.size(); ++i) known[instances[i].mIdentity.mUUID] = i;
+  std::vector<std::size_t> parents(instances.size(), refhost::kNone);
+  for (std::size_t i = 0; i < instances.size(); ++i) {
+    if (UxZel::isNone(instances[i].mParent)) continue;
+    const auto found = known.find(instances[i].mParent);
+    if (found != known.end() && found->second != i) parents[i] = found->second;
   }
-  const bool plantGroupFlag = parent.mIsPlantGroup && instance.mPlantGroupFlag;
-  Placement result;
-  result.mToWorld = UxZel::CZelObjectInstanceTool::getObjectTransformToWorld(
-      &instance, parent.mScale, parent.mToWorld, nullptr, nullptr, false, true, plantGroupFlag,
-      true);
-  const double* s = instance.mScale;
-  result.mScale =
-      parent.mScale * static_cast<float>((std::abs(s[0]) + std::abs(s[1]) + std::abs(s[2])) / 3);
-  result.mIsPlantGroup = instance.mClassName == "3DPlantGroupInstances";
-  return result;
+  return parents;
+}
+
+/// All instances, each after the one that encloses it.
+std::vector<std::size_t> parentsFirst(const refhost::Scene& scene,
+                                      const std::vector<std::size_t>& parents) {
+  enum class State { kUnseen, kInChain, kPlaced };
+  std::vector<State> states(parents.size(), State::kUnseen);
+  std::vector<std::size_t> order, chain;
+  for (std::size_t i = 0; i < parents.size(); ++i) {
+    std::size_t each = i;
+    for (; each != refhost::kNone && states[each] == State::kUnseen; each = parents[each]) {
+      states[each] = State::kInChain;
+      chain.push_back(each);
+    }
+    if (each != refhost::kNone && states[each] == State::kInChain) {
+      refuse("instance", scene.mInstances.mElements[each].mName, "stands inside itself");
+    }
+    for (; !chain.empty(); chain.pop_back()) {
+      states[chain.back()] = State::kPlaced;
+      order.push_back(chain.back());
+    }
+  }
+  return order;
 }
 
 Oru::TVector3D<float> transformed(const Matrix& matrix, const Oru::TVector3D<float>& p) {
@@ -155,16 +165,20 @@ ScenePlayer::ScenePlayer(refhost::Scene scene)
   for (Instance& instance : mScene.mInstances.mElements) {
     if (instance.mDefinition != refhost::kNone) registerInstance(instance);
   }
-  for (std::size_t i = 0; i < mScene.mDefinitions.size(); ++i) {
-    const auto& instances = mScene.mInstances.mElements;
-    const bool isShown = std::any_of(instances.begin(), instances.end(),
-                                     [i](const auto& each) { return each.mDefinition == i; });
-    if (isShown && mScene.mDefinitions[i].mAnimatedObject) checkTakes(mScene.mDefinitions[i]);
+  std::vector<bool> isShown(mScene.mDefinitions.size(), false);
+  for (const Instance& instance : mScene.mInstances.mElements) {
+    if (instance.mDefinition != refhost::kNone) isShown[instance.mDefinition] = true;
   }
-  orderValues();
+  for (std::size_t i = 0; i < isShown.size(); ++i) {
+    if (isShown[i] && mScene.mDefinitions[i].mAnimatedObject) checkTakes(mScene.mDefinitions[i]);
+  }
+  orderScene();
 }
 
-void ScenePlayer::orderValues() {
+void ScenePlayer::orderScene() {
+  mParents = parentsOf(mScene);
+  mPlacementOrder = parentsFirst(mScene, mParents);
+  placeInstances();
   const auto& values = mScene.mProperties;
   mSamples.assign(values.size(), Sample());
   mOrder.resize(values.size());
@@ -210,6 +224,29 @@ void ScenePlayer::setFrame(int frame) {
     instance.mState.mCurrentFrame = sample.mValue.mInteger;
     mSamples[i] = sample;
   }
+  placeInstances();
+}
+
+void ScenePlayer::placeInstances() {
+  const auto& instances = mScene.mInstances.mElements;
+  mPlacements.resize(instances.size());
+  for (const std::size_t i : mPlacementOrder) {
+    const Instance& instance = instances[i];
+    const Placement parent = mParents[i] == refhost::kNone ? Placement() : mPlacements[mParents[i]];
+    const bool plantGroupFlag = parent.mIsPlantGroup && instance.mPlantGroupFlag;
+    Placement& placement = mPlacements[i];
+    placement.mToWorld = UxZel::CZelObjectInstanceTool::getObjectTransformToWorld(
+        &instance, parent.mScale, parent.mToWorld, nullptr, nullptr, false, true, plantGroupFlag,
+        true);
+    const double* s = instance.mScale;
+    placement.mScale =
+        parent.mScale * float((std::abs(s[0]) + std::abs(s[1]) + std::abs(s[2])) / 3);
+    placement.mIsPlantGroup = instance.mClassName == "3DPlantGroupInstances";
+  }
+}
+
+const ScenePlayer::Placement& ScenePlayer::placementOf(const Instance& instance) const {
+  return mPlacements[std::size_t(&instance - mScene.mInstances.mElements.data())];
 }
 
 void ScenePlayer::edit(refhost::Scene edited) {
@@ -224,16 +261,17 @@ void ScenePlayer::edit(refhost::Scene edited) {
   edited.mDefinitions.swap(mScene.mDefinitions);
   try {
     for (const Property& value : edited.mProperties) checkValue(edited, value);
+    parentsFirst(edited, parentsOf(edited));
   } catch (...) {
     edited.mDefinitions.swap(mScene.mDefinitions);
     throw;
   }
   mScene = std::move(edited);
-  orderValues();
+  orderScene();
 }
 
 Matrix ScenePlayer::toWorld(const Instance& instance) const {
-  return placementOf(mScene, instance).mToWorld;
+  return placementOf(instance).mToWorld;
 }
 
 ScenePlayer::Sample ScenePlayer::sample(std::size_t value, int frame) {
@@ -249,8 +287,7 @@ ScenePlayer::Sample ScenePlayer::sample(std::size_t value, int frame) {
 }
 
 UxZel::CZelPoint ScenePlayer::worldPosition(const Instance& instance) const {
-  const auto p =
-      placementOf(mScene, instance).mToWorld * Norvel::Vexa::ux_point3<double>(0.0, 0.0, 0.0);
+  const auto p = placementOf(instance).mToWorld * Norvel::Vexa::ux_point3<double>(0.0, 0.0, 0.0);
   return {p.x, p.y, p.z};
 }
 
@@ -272,18 +309,26 @@ std::vector<formats::MovingMesh> ScenePlayer::meshes() const {
 }
 
 void ScenePlayer::appendPoses(std::vector<formats::MovingMesh>& ioMeshes) const {
+  std::vector<formats::MovingMesh::Points> poses;
+  getPoses(poses);
+  for (std::size_t i = 0; i < poses.size(); ++i) ioMeshes[i].mFrames.push_back(std::move(poses[i]));
+}
+
+void ScenePlayer::getPoses(std::vector<formats::MovingMesh::Points>& outPoses) const {
   std::size_t next = 0;
   for (const Instance& instance : mScene.mInstances.mElements) {
     const UXS::Mesh* shown = mesh(instance);
     if (shown == nullptr) continue;
-    const Matrix toWorld = placementOf(mScene, instance).mToWorld;
-    formats::MovingMesh::Points points = shown->GetVerticesArray();
+    const Matrix& toWorld = placementOf(instance).mToWorld;
+    if (next == outPoses.size()) outPoses.emplace_back();
+    formats::MovingMesh::Points& points = outPoses[next++];
+    points = shown->GetVerticesArray();
     for (auto& p : points) {
       p = transformed(toWorld, p);
       if (!formats::isFinite(p)) refuseUnposed(mScene, instance);
     }
-    ioMeshes[next++].mFrames.push_back(std::move(points));
   }
+  outPoses.resize(next);
 }
 
 }  // namespace vexa::scene

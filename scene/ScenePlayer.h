@@ -57,19 +57,32 @@ class ScenePlayer {
   std::vector<formats::MovingMesh> meshes() const;
   /// Appends the pose of the frame to each of them, in world space.
   void appendPoses(std::vector<formats::MovingMesh>& ioMeshes) const;
+  /// The points of that pose alone, a list per mesh; memory of an earlier frame is used again.
+  void getPoses(std::vector<formats::MovingMesh::Points>& outPoses) const;
 
  private:
+  /// Where an instance is in the world, through all that enclose it.
+  struct Placement {
+    Norvel::Vexa::ux_matrix44<double> mToWorld;
+    float mScale = 1;  ///< of all that enclose it and its own
+    bool mIsPlantGroup = false;
+  };
   struct Deleter {
     void operator()(Norvel::Vexa::XIAnimationMgr* manager) const { manager->Delete(); }
   };
 
   void registerInstance(refhost::Instance& instance);
+  void placeInstances();
+  const Placement& placementOf(const refhost::Instance& instance) const;
 
-  void orderValues();
+  void orderScene();
 
   refhost::Scene mScene;
   std::unique_ptr<Norvel::Vexa::XIAnimationMgr, Deleter> mManager;
   std::vector<Sample> mSamples;
+  std::vector<std::size_t> mParents;  ///< of each instance, or kNone
+  std::vector<std::size_t> mPlacementOrder;
+  std::vector<Placement> mPlacements;
   /// Indices of the values, those of an instance after those of its parents: where a walker stands
   /// in its parent depends on where the parent stands at the same frame.
   std::vector<std::size_t> mOrder;

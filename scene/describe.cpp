@@ -10,7 +10,6 @@
 #include "formats/AnimationFile.h"
 #include "formats/finite.h"
 #include "formats/obj.h"
-#include "formats/read_file.h"
 #include "scene/scene_file.h"
 
 namespace vexa::scene {
@@ -109,15 +108,6 @@ void describeWeights(const LinkFigures& figures, Description& ioDescription) {
   }
 }
 
-formats::AnimationFile readAnimation(const std::string& file) {
-  const std::string bytes = formats::readFile(file);
-  try {
-    return formats::decodeAnimationFile(bytes);
-  } catch (const std::runtime_error& error) {
-    throw std::runtime_error(file + ": " + error.what());
-  }
-}
-
 Description newDescription(const char* kind) {
   Description description;
   description["formatVersion"] = 1;  // docs/info.schema.json
@@ -183,7 +173,7 @@ void describeObject(const refhost::Definition& definition, Description& ioDescri
   const refhost::AnimatedObject& object = *definition.mAnimatedObject;
   const std::string name = "object \"" + definition.mName + "\": ";
   try {
-    const formats::AnimationFile file = readAnimation(object.mAnimationFile);
+    const formats::AnimationFile file = formats::readAnimationFile(object.mAnimationFile);
     const LinkFigures figures = figuresOf(file);
     const std::size_t points = object.mPoints.mElements.size();
     auto& faults = ioDescription["faults"];
@@ -229,7 +219,7 @@ Description describeFile(const std::string& file) {
   const std::string extension = std::filesystem::path(file).extension().string();
   if (extension == ".json") return describeScene(file);
   if (extension == ".obj") return describeMesh(file);
-  return describeAnimation(readAnimation(file));
+  return describeAnimation(formats::readAnimationFile(file));
 }
 
 }  // namespace vexa::scene

@@ -1,78 +1,40 @@
 #include "scene/scene_output.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
-#include <filesystem>
+#include <exception>
+#include <memory>
+#include <mutex>
+#include <numeric>
+#include <optional>
 #include <stdexcept>
+#include <thread>
 
+#include "formats/NewFile.h"
+#include "formats/OutputFolder.h"
+#include "formats/file_error.h"
 #include "formats/glb.h"
 #include "formats/obj.h"
-#include "formats/write_file.h"
-#include "plot/contact_sheet.h"
-#include "plot/path_plot.h"
-#include "scene/path_curve.h"
 #include "scene/scene_csv.h"
-#include "scene/value_parts.h"
-#include "scene/value_plots.h"
+#include "scene/scene_extent.h"
+#include "scene/scene_plots.h"
 
 namespace vexa::scene {
 namespace {
 
-using Samples = std::vector<ScenePlayer::Sample>;
+using Points = formats::MovingMesh::Points;
 
-UxZel::CZelPoint sum(const UxZel::CZelPoint& p, const UxZel::CZelVector& v) {
-  return {p.x + v.x, p.y + v.y, p.z + v.z};
-}
+constexpr const char* kTables[] = {"values.csv", "placements.csv"};
 
-plot::PathDrawing drawingOf(const refhost::Path& path) {
-  plot::PathDrawing drawing;
-  drawing.mName = path.mName;
-  for (const auto& point : path.mPoints.mElements) {
-    drawing.mControls.push_back(sum(point.mPassage, point.mBefore));
-    drawing.mControls.push_back(point.mPassage);
-    drawing.mControls.push_back(sum(point.mPassage, point.mAfter));
-  }
-  drawing.mCurve = curveOf(path);
-  return drawing;
-}
-
-/// Everything that moves, in the world: values that are positions, and instances; of a walker
-/// without a parent its anchor, which is on the path.
-std::vector<plot::Track> emptyTracks(const refhost::Scene& scene) {
-  std::vector<plot::Track> tracks;
-  for (const auto& value : scene.mProperties) {
-    if (partNames(value).size() == 6) tracks.push_back({value.mName, {}});
-  }
-  for (const auto& instance : scene.mInstances.mElements) tracks.push_back({instance.mName, {}});
-  return tracks;
-}
-
-void extendTracks(const ScenePlayer& player, std::vector<plot::Track>& ioTracks) {
-  std::size_t next = 0;
-  const auto& values = player.scene().mProperties;
-  for (std::size_t i = 0; i < values.size(); ++i) {
-    if (partNames(values[i]).size() != 6) continue;
-    const double* p = player.samples()[i].mValue.mVector;
-    ioTracks[next++].mPositions.push_back({p[0], p[1], p[2]});
-  }
-  const auto& instances = player.scene().mInstances.mElements;
-  for (std::size_t i = 0; i < instances.size(); ++i) {
-    const bool walks = std::any_of(values.begin(), values.end(), [i](const auto& value) {
-      return value.mPropertyType == UxZel::kPropertyAnimatedWalk && value.mInstance == i;
-    });
-    ioTracks[next++].mPositions.push_back(walks && UxZel::isNone(instances[i].mParent)
-                                              ? instances[i].mAnchor
-                                              : player.worldPosition(instances[i]));
-  }
-}
-
-/// The last pose of all meshes as one model.
-formats::ObjModel asObj(const std::vector<formats::MovingMesh>& meshes) {
+/// The model of all meshes together, for its faces: the points are zeros.
+formats::ObjModel asObj(const std::vector<formats::MovingMesh>& meshes,
+                        const std::vector<Points>& poses) {
   formats::ObjModel model;
-  for (const formats::MovingMesh& mesh : meshes) {
+  for (std::size_t m = 0; m < meshes.size(); ++m) {
+    const formats::MovingMesh& mesh = meshes[m];
     const auto first = static_cast<unsigned int>(model.points.size());
-    const formats::MovingMesh::Points& points = mesh.mFrames.back();
-    model.points.insert(model.points.end(), points.begin(), points.end());
+    model.points.resize(model.points.size() + poses[m].size());
     for (std::size_t t = 0; t < mesh.mTriangles.size(); ++t) {
       const auto& c = mesh.mTriangles[t];
       const auto uv = mesh.mUvs.empty() ? Oru::TVector3D<Oru::TVector2D<float>>() : mesh.mUvs[t];
@@ -85,125 +47,224 @@ formats::ObjModel asObj(const std::vector<formats::MovingMesh>& meshes) {
   return model;
 }
 
-/// Collects what is asked for while the frames go by, and writes it at the end.
-class SceneWriter {
- public:
-  SceneWriter(ScenePlayer& player, const SceneOutput& output)
-      : mPlayer(player),
-        mOutput(output),
-        mValues(valuesHeader(player.scene())),
-        mPlacements(placementsHeader()),
-        mTracks(emptyTracks(player.scene())),
-        mMoving(player.meshes()),
-        mPosed(mMoving),
-        mPictured(plot::contactSheetFrames(output.mFrames.size())) {}
+std::string objName(int frame) {
+  char name[32];
+  std::snprintf(name, sizeof(name), "frame_%06d.obj", frame);
+  return name;
+}
 
-  std::vector<std::string> write() {
-    std::error_code error;
-    const bool isNew = std::filesystem::create_directories(mOutput.mFolder, error);
-    if (error) throw std::runtime_error(mOutput.mFolder + ": " + error.message());
-    try {
-      writeFrames();
-    } catch (...) {
-      for (const std::string& file : mFiles) std::remove(file.c_str());
-      if (isNew) std::filesystem::remove(mOutput.mFolder, error);
-      throw;
-    }
-    return mFiles;
+/// What all jobs write into; every operation may be called from any of them.
+class SceneFiles {
+ public:
+  /// `player` is left at the first frame.
+  SceneFiles(ScenePlayer& player, const SceneOutput& output)
+      : mOutput(output), mFolder(output.mFolder) {
+    player.setFrame(mOutput.mFrames[0]);
+    if (mOutput.mMeshes != SceneOutput::Meshes::kNone) prepareMeshes(player);
+    if (mOutput.mPlots) mRecord.emplace(player, mOutput.mFrames);
   }
+
+  const std::vector<int>& frames() const { return mOutput.mFrames; }
+
+  /// A part of a table, in the order of the jobs.
+  formats::NewFile newPart(const char* table, std::size_t job) const {
+    return formats::NewFile(partPath(table, job));
+  }
+
+  /// Whatever there is about frame i of the list, which `player` shows, apart from the tables.
+  void addFrame(const ScenePlayer& player, std::size_t i, std::vector<Points>& ioPoses) {
+    if (mGlb || mHasObjs) player.getPoses(ioPoses);
+    if (mGlb && i > 0) mGlb->writeFrame(i, ioPoses);
+    if (mHasObjs) writeObj(frames()[i], ioPoses);
+    if (mRecord) mRecord->add(player, i);
+    const std::lock_guard<std::mutex> lock(mProgress);
+    mOutput.mProgress(++mDone, frames().size());
+  }
+
+  /// Puts the parts together and moves everything to its place; returns what was written.
+  std::vector<std::string> publish(const ScenePlayer& player, std::size_t jobs) {
+    std::vector<std::string> names(std::begin(kTables), std::end(kTables));
+    for (const std::string& table : names) joinParts(table, jobs);
+    if (mGlb) {
+      mGlb->finish();
+      mGlbFile->close();
+      names.emplace_back("scene.glb");
+    }
+    if (mRecord) {
+      const auto plots = mRecord->write(
+          player.scene(), [this](const std::string& name) { return mFolder.pathFor(name); });
+      names.insert(names.end(), plots.begin(), plots.end());
+    }
+    mFolder.publish();
+    for (std::string& name : names) name = mFolder.finalPath(name);
+    if (mHasObjs) names.push_back(objNames());
+    return names;
+  }
+
+  std::string inFinalPaths(const std::string& text) const { return mFolder.inFinalPaths(text); }
 
  private:
-  void writeFrames() {
-    for (std::size_t i = 0; i < mOutput.mFrames.size(); ++i) {
-      addFrame(i);
-      mOutput.mProgress(i + 1);
+  void prepareMeshes(ScenePlayer& player) {
+    std::vector<formats::MovingMesh> meshes = player.meshes();
+    std::vector<Points> poses;
+    player.getPoses(poses);
+    if (mOutput.mMeshes == SceneOutput::Meshes::kObj) {
+      mHasObjs = !meshes.empty();
+      mFaces = formats::formatObjFaces(asObj(meshes, poses));
+      return;
     }
-    put("values.csv", [this](const auto& path) { formats::writeFile(path, mValues); });
-    put("placements.csv", [this](const auto& path) { formats::writeFile(path, mPlacements); });
-    if (mOutput.mMeshes == SceneOutput::Meshes::kGlb) {
-      const int timeScale = mPlayer.scene().mSettings.mElements[0].mTimeScale;
-      put("scene.glb",
-          [&](const auto& path) { formats::writeGlb(path, mMoving, timeScale / frameStep()); });
-    }
-    if (mOutput.mPlots) writePlots();
-  }
-
-  /// Writes a file of the folder, and notes it once it stands there.
-  template <class Write>
-  void put(const std::string& name, Write write) {
-    const std::string path = (std::filesystem::path(mOutput.mFolder) / name).string();
-    write(path);
-    mFiles.push_back(path);
+    for (std::size_t m = 0; m < meshes.size(); ++m) meshes[m].mFrames.push_back(poses[m]);
+    const double timeScale = player.scene().mSettings.mElements[0].mTimeScale;
+    const std::string path = mFolder.pathFor("scene.glb");
+    mGlbFile.emplace(path);
+    mGlb.emplace(*mGlbFile, path, meshes, frames().size(), timeScale / frameStep());
   }
 
   /// Scene frames from one frame written to the next.
-  double frameStep() const {
-    const auto& frames = mOutput.mFrames;
-    return frames.size() < 2 ? 1 : double(frames[1]) - frames[0];
+  double frameStep() const { return frames().size() < 2 ? 1 : double(frames()[1]) - frames()[0]; }
+
+  void writeObj(int frame, const std::vector<Points>& poses) const {
+    std::string text;
+    for (const Points& points : poses) formats::appendObjPoints(points, text);
+    text += mFaces;
+    formats::NewFile file(mFolder.pathFor(objName(frame)));
+    file.write(text);
+    file.close();
   }
 
-  void addFrame(std::size_t i) {
-    const int frame = mOutput.mFrames[i];
-    mPlayer.setFrame(frame);
-    mValues += valuesRow(mPlayer, frame);
-    mPlacements += placementsRows(mPlayer, frame);
-    if (mOutput.mMeshes == SceneOutput::Meshes::kGlb) mPlayer.appendPoses(mMoving);
-    if (mOutput.mMeshes == SceneOutput::Meshes::kObj) writePose(frame);
-    if (!mOutput.mPlots) return;
-    mSamples.push_back(mPlayer.samples());
-    extendTracks(mPlayer, mTracks);
-    if (std::binary_search(mPictured.begin(), mPictured.end(), i)) {
-      mPlayer.appendPoses(mPosed);
-      mPosedFrames.push_back(frame);
-    }
+  std::string objNames() const {
+    const std::string first = mFolder.finalPath(objName(frames().front()));
+    if (frames().size() == 1) return first;
+    return first + " to " + objName(frames().back()) + ": " + std::to_string(frames().size()) +
+           " files";
   }
 
-  void writePose(int frame) {
-    std::vector<formats::MovingMesh> meshes = mPlayer.meshes();
-    if (meshes.empty()) return;
-    mPlayer.appendPoses(meshes);
-    char name[32];
-    std::snprintf(name, sizeof(name), "frame_%06d.obj", frame);
-    put(name, [&](const auto& path) { formats::writeObj(path, asObj(meshes)); });
+  std::string partPath(const std::string& table, std::size_t job) const {
+    return mFolder.pathFor(table) + (job == 0 ? "" : "." + std::to_string(job));
   }
 
-  void writePlots() {
-    std::vector<const refhost::Property*> values;
-    for (const auto& value : mPlayer.scene().mProperties) values.push_back(&value);
-    if (!values.empty()) {
-      put("curves.svg",
-          [&](const auto& path) { writeValuePlots(path, values, mOutput.mFrames, mSamples); });
+  void joinParts(const std::string& table, std::size_t jobs) const {
+    if (jobs == 1) return;
+    const std::string whole = partPath(table, 0);
+    const std::string first = whole + ".0";
+    if (std::rename(whole.c_str(), first.c_str()) != 0) formats::failForFile(whole);
+    formats::NewFile file(whole);
+    for (std::size_t job = 0; job < jobs; ++job) {
+      const std::string part = job == 0 ? first : partPath(table, job);
+      file.append(part);
+      std::remove(part.c_str());
     }
-    std::vector<plot::PathDrawing> paths;
-    std::vector<std::vector<UxZel::CZelPoint>> ground;
-    for (const auto& path : mPlayer.scene().mPaths.mElements) {
-      paths.push_back(drawingOf(path));
-      ground.push_back(paths.back().mCurve);
-    }
-    if (!paths.empty() || !mTracks.empty()) {
-      put("paths.svg", [&](const auto& path) { plot::writePathPlot(path, paths, mTracks); });
-    }
-    if (mPosed.empty()) return;
-    put("poses.png",
-        [&](const auto& path) { plot::writeContactSheet(path, mPosed, mPosedFrames, ground); });
+    file.close();
   }
 
-  ScenePlayer& mPlayer;
   const SceneOutput& mOutput;
-  std::vector<std::string> mFiles;
-  std::string mValues, mPlacements;
-  std::vector<Samples> mSamples;
-  std::vector<plot::Track> mTracks;
-  std::vector<formats::MovingMesh> mMoving;  ///< with all poses, for one file
-  std::vector<formats::MovingMesh> mPosed;   ///< with the poses that are drawn
-  const std::vector<std::size_t> mPictured;
-  std::vector<int> mPosedFrames;
+  formats::OutputFolder mFolder;
+  bool mHasObjs = false;
+  std::string mFaces;  ///< what an OBJ file says besides the points
+  std::optional<formats::NewFile> mGlbFile;
+  std::optional<formats::GlbWriter> mGlb;
+  std::optional<SceneRecord> mRecord;
+  std::mutex mProgress;
+  std::size_t mDone = 0;
 };
+
+/// Frames `first` to `last`, the last not included, of a run that has as many jobs as it has parts.
+struct Job {
+  std::size_t mIndex, mFirst, mLast;
+  std::exception_ptr mFailure;
+};
+
+/// The lowest job that has failed: those above it may stop, those below it may still fail first.
+using LowestFailure = std::atomic<std::size_t>;
+
+void playFrames(ScenePlayer& player, const Job& job, SceneFiles& files,
+                const LowestFailure& failure) {
+  formats::NewFile values = files.newPart(kTables[0], job.mIndex);
+  formats::NewFile placements = files.newPart(kTables[1], job.mIndex);
+  if (job.mIndex == 0) {
+    values.write(valuesHeader(player.scene()));
+    placements.write(placementsHeader());
+  }
+  std::vector<Points> poses;
+  for (std::size_t i = job.mFirst; i < job.mLast && failure > job.mIndex; ++i) {
+    const int frame = files.frames()[i];
+    player.setFrame(frame);
+    values.write(valuesRow(player, frame));
+    placements.write(placementsRows(player, frame));
+    files.addFrame(player, i, poses);
+  }
+  values.close();
+  placements.close();
+}
+
+/// Notes a failure in the place of throwing it.
+template <class Play>
+void playJob(Job& ioJob, LowestFailure& ioFailure, Play play) {
+  try {
+    play();
+  } catch (...) {
+    ioJob.mFailure = std::current_exception();
+    std::size_t lowest = ioFailure;
+    while (ioJob.mIndex < lowest && !ioFailure.compare_exchange_weak(lowest, ioJob.mIndex)) {
+    }
+  }
+}
+
+/// Joins its threads at the end, whatever happens.
+struct Threads {
+  std::vector<std::thread> mThreads;
+  ~Threads() {
+    for (std::thread& thread : mThreads) thread.join();
+  }
+};
+
+/// Each job but the first loads the scene in its own thread: a manager belongs to one thread.
+void playJobs(ScenePlayer& player, const PlayerMaker& makePlayer, std::vector<Job>& ioJobs,
+              SceneFiles& files) {
+  LowestFailure failure{ioJobs.size()};
+  {
+    Threads threads;
+    threads.mThreads.reserve(ioJobs.size());
+    for (std::size_t j = 1; j < ioJobs.size(); ++j) {
+      threads.mThreads.emplace_back([&, j] {
+        playJob(ioJobs[j], failure, [&] {
+          ScenePlayer own = makePlayer();
+          playFrames(own, ioJobs[j], files, failure);
+        });
+      });
+    }
+    playJob(ioJobs[0], failure, [&] { playFrames(player, ioJobs[0], files, failure); });
+  }
+  for (const Job& job : ioJobs) {
+    if (job.mFailure) std::rethrow_exception(job.mFailure);
+  }
+}
+
+std::vector<Job> splitFrames(std::size_t frames, std::size_t jobs) {
+  std::vector<Job> result;
+  for (std::size_t j = 0; j < jobs; ++j) {
+    result.push_back({j, frames * j / jobs, frames * (j + 1) / jobs, nullptr});
+  }
+  return result;
+}
 
 }  // namespace
 
-std::vector<std::string> writeScene(ScenePlayer& player, const SceneOutput& output) {
-  return SceneWriter(player, output).write();
+std::vector<std::string> writeScene(const PlayerMaker& makePlayer, SceneOutput output) {
+  ScenePlayer player = makePlayer();
+  if (output.mFrames.empty()) {
+    output.mFrames.resize(std::size_t(lastFrame(player.scene())) + 1);
+    std::iota(output.mFrames.begin(), output.mFrames.end(), 0);
+  }
+  std::vector<Job> jobs = splitFrames(
+      output.mFrames.size(), std::clamp<std::size_t>(output.mJobs, 1, output.mFrames.size()));
+  SceneFiles files(player, output);
+  try {
+    playJobs(player, makePlayer, jobs, files);
+    return files.publish(player, jobs.size());
+  } catch (const std::runtime_error& error) {
+    throw std::runtime_error(files.inFinalPaths(error.what()));
+  }
 }
 
 }  // namespace vexa::scene

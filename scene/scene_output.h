@@ -12,20 +12,26 @@ namespace vexa::scene {
 struct SceneOutput {
   enum class Meshes { kNone, kObj, kGlb };
 
-  std::vector<int> mFrames;  ///< rising, 0 or more, at least one
+  std::vector<int> mFrames;  ///< rising, 0 or more; none stands for all up to lastFrame()
   std::string mFolder;       ///< made when it is not there
   Meshes mMeshes = Meshes::kNone;
   bool mPlots = false;
-  /// Called after every frame with the number of frames done.
-  std::function<void(std::size_t)> mProgress = [](std::size_t) {};
+  std::size_t mJobs = 1;  ///< threads; each loads the scene and plays a part of the frames
+  /// Called after every frame with the number of frames done and of all, by one thread at a time.
+  std::function<void(std::size_t, std::size_t)> mProgress = [](std::size_t, std::size_t) {};
 };
+
+/// Loads the scene that is to be played.
+using PlayerMaker = std::function<ScenePlayer()>;
 
 /// Plays the scene and writes into the folder: values.csv, placements.csv; frame_NNNNNN.obj per
 /// frame or scene.glb; with plots also curves.svg, paths.svg and poses.png.
 ///
-/// What stands in a file about a frame depends on the scene and that frame alone: a range that is
-/// split over several runs gives the same rows and the same OBJ files. Returns the names of the
-/// files. Throws std::runtime_error that names the file which cannot be written.
-std::vector<std::string> writeScene(ScenePlayer& player, const SceneOutput& output);
+/// The output about a frame depends on the scene and that frame alone: a range that is split over
+/// jobs or runs gives the same rows and the same OBJ files. The files appear all together at the
+/// end. Memory does not grow with the frames, except for plots. Returns a line per file, with one
+/// line for all OBJ files. Throws std::runtime_error that names the file which cannot be written;
+/// the folder is then as it was.
+std::vector<std::string> writeScene(const PlayerMaker& makePlayer, SceneOutput output);
 
 }  // namespace vexa::scene

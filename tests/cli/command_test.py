@@ -6,10 +6,14 @@ import base64
 import json
 import os
 import pathlib
+import resource
+import shutil
+import signal
 import struct
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
 VEXA = str(pathlib.Path(sys.argv.pop(1)).resolve())
@@ -138,7 +142,11 @@ class Command(unittest.TestCase):
 
     def test_tables_of_the_small_commands(self):
         table = self.vexa("sample", "scene.json", "size", "--frames", "0:10:5").stdout.split()
-        self.assertEqual(table, ["0", "0", "5", "2.5", "10", "5"])
+        self.assertEqual(table, ["frame", "value", "0", "0", "5", "2.5", "10", "5"])
+        self.vexa("sample", "scene.json", "size", "--plot", "size.png")
+        self.assertEqual(self.read("size.png")[:4], b"\x89PNG")
+        self.vexa("sample", "scene.json", "size", "--plot", "size.gif", expect=2)
+        self.assertIn("Usage:", self.vexa("presets").stdout)
         sun = self.vexa("sun", "--latitude", "0", "--longitude", "0", "--date", "2024-03-20T12:00")
         self.assertIn("altitude", sun.stdout)
         presets = self.vexa("presets", "--levels", "3,3,1,4,4").stdout
@@ -235,25 +243,124 @@ class Command(unittest.TestCase):
         self.assertIn('"walk" is no command', self.vexa("walk", expect=2).stderr)
         self.assertIn("Example: ", self.vexa("run", "--help").stdout)
 
-    @unittest.skipIf(os.getuid() == 0 and not pathlib.Path("/proc").exists(), "needs /proc")
-    def test_nothing_is_left_of_what_cannot_be_written(self):
-        self.assertIn("/proc", self.vexa("run", "scene.json", "--out", "/proc/out", expect=1).stderr)
-        (self.folder / "out").mkdir()
-        (self.folder / "out/values.csv").mkdir()
-        self.vexa("run", "scene.json", "--frames", "0", "--out", "out", expect=1)
-        self.assertEqual([p.name for p in (self.folder / "out").iterdir()], ["values.csv"])
+    def tree(self):
+        """Every file under the folder with its bytes."""
+        return {p.relative_to(self.folder).as_posix(): p.read_bytes() if p.is_file() else None
+                for p in self.folder.rglob("*")}
 
-    def test_a_run_that_fails_halfway_leaves_no_file(self):
+    def fails_and_changes_nothing(self, *arguments, **options):
+        before = self.tree()
+        result = self.vexa(*arguments, expect=1, **options)
+        self.assertEqual(self.tree(), before)
+        return result.stderr
+
+    def test_a_failed_run_leaves_an_older_one_as_it_was(self):
+        self.vexa("run", "scene.json", "--frames", "0:4", "--mesh", "obj", "--out", "out")
+        run = ["run", "scene.json", "--frames", "0:40", "--mesh", "obj", "--jobs", "2", "--out"]
+        self.assertIn("/proc", self.fails_and_changes_nothing(*run, "/proc/out"))
+
+        def full_disk():
+            resource.setrlimit(resource.RLIMIT_FSIZE, (1000, 1000))
+            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+
+        for out in "out", "new/folder":
+            fault = self.fails_and_changes_nothing(*run, out, preexec_fn=full_disk)
+            self.assertIn("vexa: " + out + "/values.csv", fault)
+        (self.folder / "out/frame_000030.obj").mkdir()
+        self.assertIn("out/frame_000030.obj: Is a directory", self.fails_and_changes_nothing(*run, "out"))
+        (self.folder / "file").write_text("kept")
+        self.fails_and_changes_nothing(*run, "file")
+        self.fails_and_changes_nothing("sample", "scene.json", "size", "--plot", "x.svg",
+                                       preexec_fn=full_disk)
         far = {**SCENE["instances"][0], "position": [1e300, 0, 0]}
         self.write_scene({**SCENE, "instances": [far]})
         for mesh in "obj", "glb":
-            run = self.vexa("run", "scene.json", "--mesh", mesh, "--out", "far", expect=1)
-            self.assertIn("no finite point", run.stderr)
-        self.assertFalse((self.folder / "far").exists())
-        self.write_scene(SCENE)
-        (self.folder / "frame_000004.obj").mkdir()
-        self.vexa("run", "scene.json", "--frames", "0:9", "--mesh", "obj", "--out", ".", expect=1)
-        self.assertEqual([p.name for p in self.folder.glob("frame_*")], ["frame_000004.obj"])
+            run[5] = mesh
+            self.assertIn("no finite point", self.fails_and_changes_nothing(*run, "far"))
+
+    def test_a_signal_at_any_moment_leaves_all_or_nothing(self):
+        run = [VEXA, "run", "scene.json", "--frames", "0:60", "--mesh", "obj", "--out"]
+        started = time.monotonic()
+        subprocess.run([*run, "whole"], cwd=self.folder, stdout=subprocess.DEVNULL, check=True)
+        length = time.monotonic() - started
+        names, before = {p.name for p in (self.folder / "whole").iterdir()}, self.tree()
+        ended = 0
+        for moment in range(100):
+            out = "deep/new" if moment % 2 else "whole"
+            process = subprocess.Popen([*run, out], cwd=self.folder, stdout=subprocess.DEVNULL)
+            time.sleep(min(length, 1) * moment / 100)
+            number = (signal.SIGINT, signal.SIGTERM, signal.SIGHUP)[moment % 3]
+            process.send_signal(number)
+            self.assertIn(process.wait(60), (0, -number))
+            if process.returncode == 0 and moment % 2:
+                self.assertEqual({p.name for p in (self.folder / out).iterdir()}, names)
+                shutil.rmtree(self.folder / "deep")
+            ended += process.returncode != 0
+            self.assertEqual(self.tree(), before, moment)
+        self.assertGreater(ended, 10)
+
+    def test_jobs_write_the_same_bytes(self):
+        for mesh in "obj", "glb":
+            trees = []
+            for jobs in "1", "2", "7":
+                self.vexa("run", "scene.json", "--frames", "0:9", "--mesh", mesh, "--plot",
+                          "--jobs", jobs, "--out", "out")
+                trees.append(self.tree())
+                shutil.rmtree(self.folder / "out")
+            self.assertEqual(trees[0], trees[1])
+            self.assertEqual(trees[0], trees[2])
+        far = {**SCENE["instances"][0], "scale": 1e300}
+        self.write_scene({**SCENE, "instances": [far]})
+        self.vexa("run", "scene.json", "--mesh", "obj", "--jobs", "5", expect=1)
+
+    def test_takes_and_the_length_of_a_scene(self):
+        frames = lambda name: self.read(name + "/values.csv").count(b"\n") - 1
+        self.vexa("run", "scene.json", "--out", "all")
+        self.assertEqual(frames("all"), 11)
+        short = {**SCENE["objects"][0], "takes": [{"name": "rise", "frames": 3, "rate": 25}]}
+        self.write_scene({**SCENE, "objects": [short], "values": SCENE["values"][2:]})
+        for take, expected in (None, 5), ("rise", 3):
+            self.vexa("run", "scene.json", *(["--take", take] if take else []), "--out", "one")
+            self.assertEqual(frames("one"), expected)
+        self.assertIn("no instance has", self.vexa("run", "scene.json", "--take", "x", expect=1).stderr)
+
+    def test_a_scene_without_objects_is_an_empty_glb(self):
+        self.write_scene({"values": SCENE["values"][:1]})
+        self.vexa("run", "scene.json", "--mesh", "glb", "--out", "out")
+        self.assertEqual(len(self.read("out/scene.glb")) % 4, 0)
+        self.assertIn(b'"scenes":[{}]', self.read("out/scene.glb"))
+
+    def test_closed_streams_and_names_with_escape_sequences(self):
+        command = 'exec "$0" run scene.json --out out <&- >&- 2>&-'
+        subprocess.run(["sh", "-c", command, VEXA], cwd=self.folder, check=True)
+        self.assertTrue(self.read("out/values.csv").startswith(b"frame"))
+        evil = "\x1b]0;x\x07"
+        self.write_scene({"values": [{"name": evil, "keys": []}]})
+        result = self.vexa("info", "scene.json", expect=1)
+        self.assertNotIn("\x1b", result.stdout + result.stderr)
+        self.assertIn("\\x1b]0;x\\x07", result.stdout)
+        self.assertEqual(json.loads(self.vexa("info", "--json", "scene.json", expect=1).stdout)["values"],
+                         [evil])
+        for arguments in ("info", evil), ("run", "scene.json"), ("sample", "scene.json", evil + "x"):
+            self.assertNotIn("\x1b", self.vexa(*arguments, expect=1).stderr)
+
+    @unittest.skipIf(os.environ.get("VEXA_TEST_SANITIZE"), "the sanitizer needs room")
+    def test_huge_files_are_refused_unread(self):
+        def little_memory():
+            resource.setrlimit(resource.RLIMIT_AS, (1 << 29, 1 << 29))
+
+        (self.folder / "a.amo").write_bytes(self.read("flag.amo"))
+        (self.folder / "b.amo").touch()
+        (self.folder / "c.json").write_text("[" * 5_000_000)
+        for name, size, fault in (("a.amo", 40e9, "more than the 4294967296 that are read"),
+                                  ("a.amo", 4e9, "bytes after the last node"),
+                                  ("b.amo", 4e9, "the version is not 101"),
+                                  ("d.obj", 40e9, "more than the"), ("e.json", 1e9, "bytes of JSON"),
+                                  ("c.json", 5e6, "bytes of JSON; there is memory for")):
+            with open(self.folder / name, "ab") as file:
+                file.truncate(int(size))
+            result = self.vexa("info", name, expect=1, preexec_fn=little_memory)
+            self.assertIn(fault, result.stderr)
 
 
 if __name__ == "__main__":

@@ -24,13 +24,19 @@ MovingMesh flap(std::size_t frames) {
   return mesh;
 }
 
+template <class T>
+T numberAt(const tinygltf::Model& model, int view, std::size_t i) {
+  T value;
+  std::memcpy(
+      &value,
+      &model.buffers[0].data[model.bufferViews[std::size_t(view)].byteOffset + i * sizeof(T)],
+      sizeof(T));
+  return value;
+}
+
 /// Number i of an accessor of floats.
 float floatAt(const tinygltf::Model& model, int accessor, std::size_t i) {
-  const auto& view =
-      model.bufferViews[std::size_t(model.accessors[std::size_t(accessor)].bufferView)];
-  float value;
-  std::memcpy(&value, &model.buffers[0].data[view.byteOffset + i * sizeof(float)], sizeof(float));
-  return value;
+  return numberAt<float>(model, model.accessors[std::size_t(accessor)].bufferView, i);
 }
 
 TEST(Glb, AnotherReaderFindsTheFramesAsMorphTargets) {
@@ -48,13 +54,46 @@ TEST(Glb, AnotherReaderFindsTheFramesAsMorphTargets) {
   EXPECT_EQ(floatAt(model, shape.targets[1].at("POSITION"), 3 * 2 + 1), 2);
   const auto& sampler = model.animations.at(0).samplers.at(0);
   EXPECT_EQ(floatAt(model, sampler.input, 2), 2 / 25.f);
-  const float weights[] = {0, 0, 1, 0, 0, 1};
-  for (std::size_t i = 0; i < 6; ++i) EXPECT_EQ(floatAt(model, sampler.output, i), weights[i]);
+  // Three frames of two weights; the ones are in frame 1 for target 0, in frame 2 for target 1.
+  const auto& weights = model.accessors.at(std::size_t(sampler.output));
+  EXPECT_EQ(weights.count, 6u);
+  ASSERT_EQ(weights.sparse.count, 2);
+  EXPECT_EQ(numberAt<std::uint32_t>(model, weights.sparse.indices.bufferView, 0), 2u);
+  EXPECT_EQ(numberAt<std::uint32_t>(model, weights.sparse.indices.bufferView, 1), 5u);
+  EXPECT_EQ(numberAt<float>(model, weights.sparse.values.bufferView, 1), 1);
+  const auto& moves = model.accessors.at(std::size_t(shape.targets[1].at("POSITION")));
+  EXPECT_EQ(moves.maxValues, (std::vector<double>{0, 2, 0}));
+}
+
+TEST(Glb, WithoutMeshesAnEmptyScene) {
+  const vexa::tests::ScratchDirectory folder;
+  const std::string path = (folder / "empty.glb").string();
+  writeGlb(path, {}, 25);
+  tinygltf::Model model;
+  std::string error, warning;
+  ASSERT_TRUE(tinygltf::TinyGLTF().LoadBinaryFromFile(&model, &error, &warning, path)) << error;
+  EXPECT_EQ(model.scenes.size(), 1u);
+  EXPECT_EQ(vexa::tests::textOf(path).substr(8, 1)[0], char(std::filesystem::file_size(path)));
 }
 
 TEST(Glb, RefusesWhatTheFormatCannotHold) {
   const vexa::tests::ScratchDirectory folder;
   const std::string path = (folder / "bad.glb").string();
+  const auto faultOf = [&](std::size_t points, std::size_t frames) {
+    MovingMesh large = flap(1);
+    large.mTriangles.clear();
+    for (unsigned i = 2; i < points; ++i) large.mTriangles.emplace_back(i - 2, i - 1, i);
+    large.mMaterials.resize(large.mTriangles.size());
+    large.mFrames[0].resize(points);
+    const std::string file = (folder / "none").string();
+    return vexa::tests::whatOf([&] {
+      vexa::formats::NewFile unwritten(file);
+      std::filesystem::remove(file);
+      vexa::formats::GlbWriter(unwritten, "a.glb", {large}, frames, 25);
+    });
+  };
+  EXPECT_NE(faultOf(10000, 40000).find("the format ends at 4 GiB"), std::string::npos);
+  EXPECT_NE(faultOf(3, 70000).find("70000 frames are more"), std::string::npos);
   MovingMesh mesh = flap(2);
   mesh.mFrames[1][3].y = NAN;
   EXPECT_EQ(vexa::tests::whatOf([&] { writeGlb(path, {mesh}, 25); }),
