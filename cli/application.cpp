@@ -10,6 +10,7 @@ void setUp(CLI::App& app) {
   app.require_subcommand(1);
   app.set_version_flag("--version", "vexa " VEXA_VERSION);
   addRun(app);
+  addMerge(app);
   addImport(app);
   addInfo(app);
   addSample(app);

@@ -6,6 +6,7 @@
 namespace vexa::cli {
 
 void addRun(CLI::App& app);
+void addMerge(CLI::App& app);
 void addImport(CLI::App& app);
 void addInfo(CLI::App& app);
 void addSample(CLI::App& app);

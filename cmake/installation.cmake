@@ -87,8 +87,11 @@ foreach(name ${pc_files})
           COMPONENT development)
 endforeach()
 
-install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${CMAKE_INSTALL_DOCDIR}"
-        COMPONENT development)
+# A package states its licence in a form of its own.
+if(NOT VEXA_PACKAGING)
+  install(FILES "${PROJECT_SOURCE_DIR}/LICENSE" DESTINATION "${CMAKE_INSTALL_DOCDIR}"
+          COMPONENT development)
+endif()
 install(FILES "${PROJECT_SOURCE_DIR}/docs/scene.schema.json"
               "${PROJECT_SOURCE_DIR}/docs/info.schema.json"
         DESTINATION "${CMAKE_INSTALL_DATADIR}/vexa" COMPONENT command)
@@ -103,7 +106,7 @@ if(TARGET vexa_command)
   set_target_properties(vexa_command PROPERTIES INSTALL_RPATH "$ORIGIN/${bin_to_lib}")
   install(TARGETS vexa_command
           RUNTIME DESTINATION "${CMAKE_INSTALL_BINDIR}" COMPONENT command)
-  install(FILES "${PROJECT_BINARY_DIR}/cli/vexa.1"
+  install(FILES "${PROJECT_BINARY_DIR}/cli/vexa.1${VEXA_MANUAL_SUFFIX}"
           DESTINATION "${CMAKE_INSTALL_MANDIR}/man1" COMPONENT command)
   install(FILES "${PROJECT_BINARY_DIR}/cli/vexa.bash" RENAME vexa
           DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions" COMPONENT command)

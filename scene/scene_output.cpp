@@ -16,6 +16,8 @@
 #include "formats/file_error.h"
 #include "formats/glb.h"
 #include "formats/obj.h"
+#include "formats/point_cache.h"
+#include "scene/mesh_names.h"
 #include "scene/scene_csv.h"
 #include "scene/scene_extent.h"
 #include "scene/scene_plots.h"
@@ -73,9 +75,10 @@ class SceneFiles {
 
   /// Whatever there is about frame i of the list, which `player` shows, apart from the tables.
   void addFrame(const ScenePlayer& player, std::size_t i, std::vector<Points>& ioPoses) {
-    if (mGlb || mHasObjs) player.getPoses(ioPoses);
+    if (mGlb || mHasObjs || !mCaches.empty()) player.getPoses(ioPoses);
     if (mGlb && i > 0) mGlb->writeFrame(i, ioPoses);
     if (mHasObjs) writeObj(frames()[i], ioPoses);
+    for (std::size_t m = 0; m < mCaches.size(); ++m) mCaches[m].write(i, ioPoses[m]);
     if (mRecord) mRecord->add(player, i);
     const std::lock_guard<std::mutex> lock(mProgress);
     mOutput.mProgress(++mDone, frames().size());
@@ -89,6 +92,11 @@ class SceneFiles {
       mGlb->finish();
       mGlbFile->close();
       names.emplace_back("scene.glb");
+    }
+    for (formats::PointCacheWriter& cache : mCaches) cache.close();
+    for (const std::string& name : mCacheNames) {
+      names.push_back(name + ".obj");
+      names.push_back(name + ".pc2");
     }
     if (mRecord) {
       const auto plots = mRecord->write(
@@ -113,15 +121,30 @@ class SceneFiles {
       mFaces = formats::formatObjFaces(asObj(meshes, poses));
       return;
     }
+    if (mOutput.mMeshes == SceneOutput::Meshes::kPointCache) return prepareCaches(meshes, poses);
     for (std::size_t m = 0; m < meshes.size(); ++m) meshes[m].mFrames.push_back(poses[m]);
-    const double timeScale = player.scene().mSettings.mElements[0].mTimeScale;
+    const int timeScale = player.scene().mSettings.mElements[0].mTimeScale;
     const std::string path = mFolder.pathFor("scene.glb");
     mGlbFile.emplace(path);
-    mGlb.emplace(*mGlbFile, path, meshes, frames().size(), timeScale / frameStep());
+    mGlb.emplace(*mGlbFile, path, meshes, frames().size(), framesPerSecond(timeScale, frames()));
   }
 
-  /// Scene frames from one frame written to the next.
-  double frameStep() const { return frames().size() < 2 ? 1 : double(frames()[1]) - frames()[0]; }
+  /// A rest mesh and a cache for each mesh.
+  void prepareCaches(const std::vector<formats::MovingMesh>& meshes,
+                     const std::vector<Points>& poses) {
+    mCacheNames = meshNames(meshes);
+    const float step = frames().size() < 2 ? 1 : float(frames()[1] - frames()[0]);
+    for (std::size_t m = 0; m < meshes.size(); ++m) {
+      const std::string& name = mCacheNames[m];
+      std::string text;
+      formats::appendObjPoints(poses[m], text);
+      formats::NewFile rest(mFolder.pathFor(name + ".obj"));
+      rest.write(text + formats::formatObjFaces(asObj({meshes[m]}, {poses[m]})));
+      rest.close();
+      const std::string path = mFolder.pathFor(name + ".pc2");
+      mCaches.emplace_back(path, path, poses[m].size(), float(frames()[0]), step, frames().size());
+    }
+  }
 
   void writeObj(int frame, const std::vector<Points>& poses) const {
     std::string text;
@@ -163,6 +186,8 @@ class SceneFiles {
   std::string mFaces;  ///< what an OBJ file says besides the points
   std::optional<formats::NewFile> mGlbFile;
   std::optional<formats::GlbWriter> mGlb;
+  std::vector<std::string> mCacheNames;
+  std::vector<formats::PointCacheWriter> mCaches;
   std::optional<SceneRecord> mRecord;
   std::mutex mProgress;
   std::size_t mDone = 0;

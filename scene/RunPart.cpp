@@ -1,0 +1,293 @@
+#include "scene/RunPart.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <optional>
+#include <stdexcept>
+
+#include "formats/OutputFolder.h"
+#include "formats/json_value.h"
+#include "formats/read_file.h"
+#include "formats/write_file.h"
+#include "scene/merge_files.h"
+
+namespace vexa::scene {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr char kManifest[] = "part.json";
+
+[[noreturn]] void fail(const std::string& where, const std::string& fault) {
+  throw std::runtime_error(where + ": " + fault);
+}
+
+/// FNV-1a, 64 bits: finds what was cut or damaged, not what was forged.
+class Checksum {
+ public:
+  void add(const void* bytes, std::size_t count) {
+    const auto* each = static_cast<const unsigned char*>(bytes);
+    for (std::size_t i = 0; i < count; ++i) mHash = (mHash ^ each[i]) * 0x100000001b3u;
+  }
+  void add(const std::string& text) { add(text.data(), text.size()); }
+  std::string text() const {
+    char digits[24];
+    std::snprintf(digits, sizeof(digits), "%016llx", static_cast<unsigned long long>(mHash));
+    return digits;
+  }
+
+ private:
+  std::uint64_t mHash = 0xcbf29ce484222325u;
+};
+
+/// Nothing for a file that cannot be read to its end.
+std::optional<std::string> fileSum(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  if (!file) return std::nullopt;
+  std::vector<char> block(std::size_t{1} << 20);
+  Checksum sum;
+  while (file.read(block.data(), std::streamsize(block.size())) || file.gcount() > 0) {
+    sum.add(block.data(), std::size_t(file.gcount()));
+  }
+  return file.bad() ? std::nullopt : std::optional(sum.text());
+}
+
+/// Frames as first, last and step where they are evenly spaced, as a run's are.
+nlohmann::json framesAsJson(const std::vector<int>& frames) {
+  const int step = frames.size() < 2 ? 1 : frames[1] - frames[0];
+  return {frames.front(), frames.back(), step};
+}
+
+nlohmann::ordered_json asJson(const RunPart& part) {
+  nlohmann::ordered_json files = nlohmann::ordered_json::object();
+  for (const auto& [name, sum] : part.mFiles) files[name] = sum;
+  return {{"formatVersion", 1}, {"scene", part.mScene}, {"sceneSum", part.mSceneSum},
+          {"take", part.mTake}, {"mesh", part.mMesh},   {"frames", framesAsJson(part.mFrames)},
+          {"task", part.mTask}, {"tasks", part.mTasks}, {"files", files}};
+}
+
+std::vector<int> framesOf(const formats::JsonValue& value) {
+  const std::vector<double> range = value.numbers(3);
+  const bool isRange = range[0] >= 0 && range[1] >= range[0] && range[1] <= 2147483647 &&
+                       range[2] >= 1 && (range[1] - range[0]) / range[2] < 1e6;
+  if (!isRange) value.fail("expected the first frame, the last and a step");
+  std::vector<int> frames;
+  for (double frame = range[0]; frame <= range[1]; frame += range[2]) frames.push_back(int(frame));
+  return frames;
+}
+
+RunPart partOf(const formats::JsonValue& value) {
+  value.member("formatVersion").integer(1, 1);
+  RunPart part;
+  part.mScene = value.member("scene").text();
+  part.mSceneSum = value.member("sceneSum").text();
+  part.mTake = value.member("take").text();
+  part.mMesh = value.member("mesh").text();
+  part.mFrames = framesOf(value.member("frames"));
+  part.mTasks = std::size_t(value.member("tasks").integer(1, kMostTasks));
+  part.mTask =
+      std::size_t(value.member("task").integer(0, static_cast<std::int64_t>(part.mTasks) - 1));
+  return part;
+}
+
+RunPart readPart(const std::string& folder) {
+  const std::string path = folder + "/" + kManifest;
+  const nlohmann::json document = formats::readJsonFile(path);
+  try {
+    RunPart part = partOf(formats::JsonValue(document));
+    for (const auto& [name, sum] : document.at("files").items()) {
+      const bool isPlain = name.find('/') == std::string::npos;
+      if (!isPlain || !sum.is_string()) fail("/files", "expected names and checksums");
+      part.mFiles.emplace_back(name, sum.get<std::string>());
+    }
+    return part;
+  } catch (const std::exception& error) {
+    fail(path, error.what());
+  }
+}
+
+bool isOfSameRun(const RunPart& a, const RunPart& b) {
+  return a.mSceneSum == b.mSceneSum && a.mTake == b.mTake && a.mMesh == b.mMesh &&
+         a.mFrames == b.mFrames && a.mTasks == b.mTasks;
+}
+
+/// The name of the first file that is not as it was written, or "".
+std::string damagedFile(const RunPart& part, const std::string& folder) {
+  for (const auto& [name, sum] : part.mFiles) {
+    if (fileSum(folder + "/" + name) != sum) return name;
+  }
+  return "";
+}
+
+std::string framesText(const RunPart& part) {
+  const std::vector<int> frames = part.frames();
+  if (frames.empty()) return "no frames";
+  return "frames " + std::to_string(frames.front()) + " to " + std::to_string(frames.back());
+}
+
+/// The folders of parts below a folder, by name.
+std::vector<std::string> partFolders(const std::string& folder) {
+  std::vector<std::string> found;
+  std::error_code error;
+  for (const auto& entry : fs::directory_iterator(folder, error)) {
+    if (fs::exists(entry.path() / kManifest, error)) found.push_back(entry.path().string());
+  }
+  if (error && found.empty()) fail(folder, error.message());
+  if (found.empty()) fail(folder, "there is no part of a run in it");
+  std::sort(found.begin(), found.end());
+  return found;
+}
+
+struct PlacedPart {
+  std::string mFolder;
+  RunPart mPart;
+};
+
+void requireAllTasks(const std::string& folder, const std::map<std::size_t, PlacedPart>& parts) {
+  RunPart missing = parts.begin()->second.mPart;
+  std::string names;
+  for (missing.mTask = 0; missing.mTask < missing.mTasks; ++missing.mTask) {
+    if (parts.count(missing.mTask) != 0) continue;
+    if (names.size() > 500) {
+      names += " ...";
+      break;
+    }
+    names += (names.empty() ? "" : ", ") + missing.folderName() + " (" + framesText(missing) + ")";
+  }
+  if (!names.empty()) fail(folder, "missing: " + names);
+}
+
+/// All parts of one run by their task; throws for anything else.
+std::map<std::size_t, PlacedPart> readParts(const std::string& folder) {
+  std::map<std::size_t, PlacedPart> parts;
+  for (const std::string& each : partFolders(folder)) {
+    PlacedPart placed{each, readPart(each)};
+    if (!parts.empty() && !isOfSameRun(parts.begin()->second.mPart, placed.mPart)) {
+      fail(each, "is a part of another run than " + parts.begin()->second.mFolder);
+    }
+    const auto [other, isNew] = parts.emplace(placed.mPart.mTask, placed);
+    if (!isNew)
+      fail(each, "has the same " + framesText(placed.mPart) + " as " + other->second.mFolder);
+    const std::string damaged = damagedFile(placed.mPart, each);
+    if (!damaged.empty()) fail(each + "/" + damaged, "is not as the run wrote it");
+  }
+  requireAllTasks(folder, parts);
+  return parts;
+}
+
+}  // namespace
+
+std::string RunPart::folderName() const {
+  const std::string count = std::to_string(mTasks);
+  std::string task = std::to_string(mTask);
+  task.insert(0, count.size() > task.size() ? count.size() - task.size() : 0, '0');
+  return "part_" + task + "_of_" + count;
+}
+
+std::vector<int> RunPart::frames() const {
+  const std::size_t count = mFrames.size();
+  const auto at = [&](std::size_t task) {
+    return mFrames.begin() + static_cast<std::ptrdiff_t>(count * task / mTasks);
+  };
+  return std::vector<int>(at(mTask), at(mTask + 1));
+}
+
+std::string sceneSum(const std::string& file, const refhost::Scene& scene) {
+  Checksum sum;
+  sum.add(formats::readFile(file));
+  for (const refhost::Definition& definition : scene.mDefinitions) {
+    const refhost::AnimatedObject* object = definition.mAnimatedObject.get();
+    if (object == nullptr) continue;
+    sum.add(formats::readFile(object->mAnimationFile));
+    for (const auto& p : object->mPoints.mElements) {
+      for (const double x : {p.x, p.y, p.z}) sum.add(&x, sizeof(x));
+    }
+    for (const auto& polygon : object->mPolygons.mElements) {
+      const unsigned int material = polygon.mMaterialIndex;
+      sum.add(&material, sizeof(material));
+      for (const auto& corner : polygon.mCorners.mElements) sum.add(&corner, sizeof(corner));
+    }
+  }
+  return sum.text();
+}
+
+bool isWhole(const RunPart& part, const std::string& folder) {
+  const std::string own = folder + "/" + part.folderName();
+  std::error_code error;
+  if (!fs::exists(own + "/" + kManifest, error)) return false;
+  try {
+    const RunPart written = readPart(own);
+    return isOfSameRun(part, written) && written.mTask == part.mTask &&
+           damagedFile(written, own).empty();
+  } catch (const std::runtime_error&) {
+    return false;  // a damaged manifest is written again
+  }
+}
+
+std::vector<std::string> writePart(RunPart part, const std::string& folder,
+                                   const PlayerMaker& makePlayer, const SceneOutput& output) {
+  const std::string own = folder + "/" + part.folderName();
+  std::vector<std::string> lines;
+  SceneOutput partial = output;
+  partial.mFolder = own;
+  partial.mFrames = part.frames();
+  // A GLB file states moves from its first frame, which rounds: parts keep the points themselves.
+  if (part.mMesh == "glb") partial.mMeshes = SceneOutput::Meshes::kPointCache;
+  std::error_code error;
+  fs::remove(own + "/" + kManifest, error);
+  if (partial.mFrames.empty()) {
+    fs::create_directories(own, error);
+    if (error) fail(own, error.message());
+  } else {
+    lines = writeScene(makePlayer, partial);
+    for (const auto& entry : fs::directory_iterator(own)) {
+      const auto sum = fileSum(entry.path().string());
+      if (!sum) fail(entry.path().string(), "cannot be read");
+      part.mFiles.emplace_back(entry.path().filename().string(), *sum);
+    }
+  }
+  std::sort(part.mFiles.begin(), part.mFiles.end());
+  formats::writeFile(own + "/" + kManifest, asJson(part).dump(1) + "\n");
+  lines.push_back(own + "/" + kManifest);
+  return lines;
+}
+
+std::vector<std::string> mergeParts(
+    const std::string& folder,
+    const std::function<ScenePlayer(const std::string& file, const std::string& take)>&
+        makePlayer) {
+  const std::map<std::size_t, PlacedPart> parts = readParts(folder);
+  const RunPart& any = parts.begin()->second.mPart;
+  std::vector<MergedPart> folders;
+  for (const auto& [task, placed] : parts) {
+    std::vector<std::string> names;
+    for (const auto& [name, sum] : placed.mPart.mFiles) names.push_back(name);
+    folders.push_back({placed.mFolder, placed.mPart.frames(), std::move(names)});
+  }
+  formats::OutputFolder target(folder);
+  std::vector<std::string> names = mergeTables(folders, target);
+  if (any.mMesh == "obj" || any.mMesh == "pc2") {
+    const float step = any.mFrames.size() < 2 ? 1 : float(any.mFrames[1] - any.mFrames[0]);
+    const auto more =
+        any.mMesh == "obj" ? mergeObjs(folders, target) : mergeCaches(folders, step, target);
+    names.insert(names.end(), more.begin(), more.end());
+  }
+  if (any.mMesh == "glb") {
+    ScenePlayer player = makePlayer(any.mScene, any.mTake);
+    if (sceneSum(any.mScene, player.scene()) != any.mSceneSum) {
+      fail(any.mScene, "is not the scene that the parts were played from");
+    }
+    mergeGlb(folders, any.mFrames, player, target);
+    names.emplace_back("scene.glb");
+  }
+  target.publish();
+  for (std::string& name : names) name = target.finalPath(name);
+  return names;
+}
+
+}  // namespace vexa::scene
