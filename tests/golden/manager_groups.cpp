@@ -222,6 +222,45 @@ void runDriving(Recorder& r, bool walks, bool usesPaths) {
   }
 }
 
+// Requests for positions, one after the other, on a few paths that change now and then.
+void runRides(Recorder& r) {
+  const QuietErrors quiet;
+  Numbers& n = r.numbers();
+  const auto manager = makeManager();
+  refhost::Scene scene;
+  for (std::uint32_t p = 1; p <= 3; ++p) {
+    refhost::Path& path = scene.mPaths.add(refhost::scenes::windingPath(int(p) * 2));
+    path.mIdentity.mUUID = refhost::numberedUUID(p);
+  }
+  for (int i = 0; i < 2000; ++i) {
+    r.begin();
+    refhost::Path& path = scene.mPaths.mElements[n.below(3)];
+    if (n.oneIn(4)) {
+      auto& points = path.mPoints.mElements;
+      refhost::BezierPoint& point = points[n.below(std::uint32_t(points.size()))];
+      const double step = n.plain<double>();
+      const std::uint32_t what = n.below(4);
+      if (what == 0) point.mPassage.y += step;
+      if (what == 1) point.mBefore.x += step;
+      if (what == 2) point.mAfter.z += step;
+      if (what == 3 && points.size() < 12) points.push_back(point);
+    }
+    refhost::Property place;
+    place.mPropertyType = n.oneIn(2) ? 1 : n.oneIn(2) ? 38 : 59;
+    place.mPath = refhost::numberedUUID(n.below(4));
+    const double from = n.unit<double>();
+    place.mKeys.add(refhost::realKey(0, from));
+    place.mKeys.add(refhost::realKey(n.oneIn(9) ? 0 : 20, n.unit<double>()));
+    const int frame = n.between(0, 20);
+    double rate = n.unit<double>() * 10;
+    r.in("path", place.mPath.mWords[3]).in("from", from).in("frame", frame).in("rate", rate);
+    UxZel::CZelVector direction{7, 8, 9};
+    double* const ahead = n.oneIn(3) ? &rate : nullptr;
+    const uValue at = manager->InterpolateValue(&scene, &place, frame, &direction, ahead);
+    r.out(at.mVector[0], at.mVector[1], at.mVector[2], direction);
+  }
+}
+
 void runAnchors(Recorder& r) {
   Numbers& n = r.numbers();
   const ScratchDirectory scratch;
@@ -320,6 +359,7 @@ void addManagerGroups(Groups& out) {
   add("registered_meshes", Kind::kArithmetic, runRegistered);
   add("driving_frames", Kind::kArithmetic, [](Recorder& r) { runDriving(r, false, false); });
   add("driving_walks", Kind::kLibm, [](Recorder& r) { runDriving(r, true, true); });
+  add("positions_by_the_manager", Kind::kArithmetic, runRides);
   add("anchors", Kind::kArithmetic, runAnchors);
   add("instance_transforms", Kind::kLibm, runTransforms);
   add("host_matrices", Kind::kArithmetic, runHostMatrices);

@@ -85,6 +85,8 @@ TEST(Reference, TheLastDecrementDeletesButForTheFinalRenderer) {
     uxs_autoptr<Counted> first(object), owner;
     owner = std::move(first);
     uxs_reference::_is_final_renderer = true;
+    object->increment();
+    object->increment();
     object->decrement();
     uxs_reference::_is_final_renderer = false;
     object->increment();
