@@ -1,7 +1,10 @@
 // Reading a file and computing a definition while memory runs out: every allocation fails once, and
 // every allocation from a certain one on.
+#include <algorithm>
 #include <ctime>
+#include <filesystem>
 #include <gtest/gtest.h>
+#include <malloc.h>
 
 #include "formats/AnimationFile.h"
 #include "tests/helpers/compare.h"
@@ -11,6 +14,7 @@
 #include "vexa/framecollector/XCFrameCollector.h"
 #include "vexa/mesh/MeshEditor.h"
 #include "vexa/mesh/uxs_autoptr.h"
+#include "vexa/support/XStPushReporter.h"
 
 namespace Norvel::Vexa {
 namespace {
@@ -113,6 +117,77 @@ TEST_F(MemoryRunsOut, WhileALinkOrAMatrixIsAdded) {
     EXPECT_THROW(collector.GetTransformation(0, matrices, 0), std::runtime_error);
     EXPECT_THROW(collector.GetTransformation(0, 0, int(nodes)), std::runtime_error);
   }
+}
+
+// Matrices take half their size in the file, and nothing is read twice: all blocks that the reading
+// asks for, one after the other, come to three quarters of the file, and what stays to less.
+TEST(Memory, ReadingAFileTakesLessThanTheFile) {
+  const vexa::tests::ScratchDirectory scratch;
+  const std::string path = scratch / "long.amo";
+  UXS::Mesh mesh;
+  {
+    UXS::Mesh::Editor editor(mesh, false);
+    for (int v = 0; v < 20000; ++v) editor.AddVertex({float(v), 0, 0});
+  }
+  AnimationFile file;
+  file.mFrameCounts = {2000, 0, 1280};
+  file.mNodes.resize(32);
+  for (AnimationFile::Node& node : file.mNodes) {
+    node.mMatrices.resize(3280, AnimationFile::kIdentity);
+  }
+  for (unsigned i = 0; i < 80000; ++i) file.mNodes[i * 7 % 32].mLinks.push_back({i / 4, 0.25});
+  writeAnimationFile(file, path);
+  const double size = double(std::filesystem::file_size(path)), step = 1 << 20;
+  const std::size_t allBefore = gMemory.mBytes;
+  const double inUseBefore = double(mallinfo2().uordblks + mallinfo2().hblkhd);
+  XCFrameCollector collector(&mesh);
+  XCAMOFileIOTool(path.c_str()).Read(&collector);
+  const double inUse = double(mallinfo2().uordblks + mallinfo2().hblkhd) - inUseBefore;
+  EXPECT_LT(double(gMemory.mBytes - allBefore) - step, 0.75 * size);
+  EXPECT_LT(inUse, 0.60 * size);
+  if (inUse != 0) EXPECT_GT(inUse, 0.40 * size);  // the address sanitizer has another allocator
+}
+
+struct SilentReporter : XIReporter {
+  void ReportMsg(EMsgType, const char*) override { ++mCount; }
+  int mCount = 0;
+};
+
+// A link that can not be followed is reported, which costs no more than to follow it.
+TEST(Memory, ALinkThatFailsNeedsNoneAndLittleTime) {
+  SilentReporter reporter;
+  const XStPushReporter scope(&reporter, false);
+  UXS::Mesh mesh;
+  {
+    UXS::Mesh::Editor editor(mesh, false);
+    editor.AddVertex({1, 2, 3});
+    editor.AddVertex({1, 2, 3});
+  }
+  XCFrameCollector collector(&mesh);
+  collector.CreateTake();
+  collector.AddTransformation({}, 0, -1);
+  constexpr int kLinks = 200000;
+  for (int i = 0; i < kLinks; ++i) {
+    collector.AddLink(0, kNone, 0, 1);
+    collector.AddLink(-1, kNone, 1, 1);
+  }
+  const auto ticks = [&](std::size_t vertex) {
+    std::clock_t best = CLOCKS_PER_SEC;
+    for (int i = 0; i < 9; ++i) {
+      const std::clock_t start = std::clock();
+      collector.TransformPoint(&mesh.GetVerticesArray()[vertex], 0, 0);
+      best = std::min(best, std::clock() - start);
+    }
+    return best;
+  };
+  const std::clock_t good = ticks(0);
+  std::clock_t bad = 0;
+  EXPECT_EQ(vexa::tests::allocationsOf([&] { bad = ticks(1); }), 0);
+  EXPECT_EQ(reporter.mCount, 9 * kLinks);
+  // An exception for each link, as it was once, costs a hundred times as much.
+  EXPECT_LT(bad, 10 * good);
+  RecordProperty("cost of a failing link / of a good one",
+                 std::to_string(double(bad) / double(good)));
 }
 
 // 8, 140 and 144 bytes that promise the world.

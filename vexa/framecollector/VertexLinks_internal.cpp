@@ -23,7 +23,9 @@ bool VertexLinks::add(std::size_t vertex, std::uint32_t node, double weight, std
 void VertexLinks::reserve(std::size_t links, std::size_t most) {
   const std::size_t needed = mLog.size() + links;
   if (needed <= mLog.capacity()) return;
-  mLog.reserve(std::max(needed, std::min(2 * mLog.capacity(), most)));
+  // At least doubled, so that the cost of moving stays linear; `most` may be far too many.
+  constexpr std::size_t kAtOnce = std::size_t{1} << 20;
+  mLog.reserve(std::max(needed, std::min(std::max(2 * mLog.capacity(), kAtOnce), most)));
 }
 
 bool VertexLinks::has(std::size_t vertex) const {

@@ -108,9 +108,10 @@ class Kernel {
   static void blendRun(const Pose& pose, const Run& run, Cursor& io) {
     const std::uint32_t count = links > 0 ? links : run.mLinks;
     const std::uint8_t* const end = io.mOrder + run.mVertices;
+    const Source source(pose);  // each vertex starts with a copy
     for (; io.mOrder != end; ++io.mOrder, io.mLinks += count) {
       float* const out = io.mBlends + 16 * *io.mOrder;
-      if (!blend<Source, rows>(io.mLinks, count, Source(pose), out)) leave(io);
+      if (!blend<Source, rows>(io.mLinks, count, source, out)) leave(io);
     }
   }
 
@@ -134,8 +135,8 @@ class Kernel {
       const float* const matrix = source(links[i].mNode);
       if (Source::kColumns && matrix == nullptr) return false;
       for (int r = 0; r < registers; ++r) {
-        sum[r] =
-            Q::load(matrix + 4 * kQuads * r) * links[i].mWeight + sum[r];  // order: exact floats
+        // order: exact floats
+        sum[r] = Q::loadTimes(matrix + 4 * kQuads * r, links[i].mWeight) + sum[r];
       }
     }
     for (int r = 0; r < registers; ++r) sum[r].store(out + 4 * kQuads * r);
