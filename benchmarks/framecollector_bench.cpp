@@ -3,6 +3,8 @@
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
+#include <malloc.h>
 #include <map>
 #include <numeric>
 
@@ -14,6 +16,7 @@
 #include "models/mesh_walks.h"
 #include "vexa/framecollector/XCAMOFileIOTool.h"
 #include "vexa/framecollector/XCFrameCollector.h"
+#include "vexa/framecollector/skinning_internal.h"
 
 namespace vexa::benchmarks {
 
@@ -160,6 +163,39 @@ void deformEigen(benchmark::State& ioState) {
   ioState.SetItemsProcessed(ioState.iterations() * vertices);
 }
 
+// The kernels by themselves, four links each: what a machine without AVX2 or AVX-512 takes.
+void deformBy(benchmark::State& ioState, const Norvel::Vexa::skinning::Kernels& kernels) {
+  using namespace Norvel::Vexa::skinning;
+  const auto vertices = std::size_t(ioState.range(0));
+  Dice dice;
+  std::vector<Matrix> palettes(kFrames * kNodes);
+  for (Matrix& m : palettes) m = nodeMatrix(dice);
+  const auto mesh = makeTorus(torusSize(ioState.range(0)), Materials::kNoTriangles);
+  std::vector<Link> links(4 * vertices);
+  for (Link& link : links) link = {dice.below(kNodes), 0.05f + dice.real()};
+  std::vector<float> scales(vertices, 0.7f), out(3 * vertices);
+  std::vector<std::uint8_t> order(kBlock);
+  std::iota(order.begin(), order.end(), std::uint8_t{0});
+  Pose pose;
+  pose.mGlobal = palettes[7].e;
+  unsigned frame = 0;
+  for (auto _ : ioState) {
+    frame = (frame + 1) % kFrames;
+    pose.mPalette = palettes[frame * kNodes].e;
+    for (std::size_t v = 0; v < vertices; v += kBlock) {
+      const auto count = std::uint32_t(std::min<std::size_t>(kBlock, vertices - v));
+      const Run run{4, count};
+      bool left[kBlock] = {};
+      kernels.mPosed(pose,
+                     {int(count), &mesh->GetVerticesArray()[v].x, &scales[v], &out[3 * v],
+                      order.data(), &run, &links[4 * v]},
+                     left);
+    }
+    benchmark::ClobberMemory();
+  }
+  ioState.SetItemsProcessed(ioState.iterations() * ioState.range(0));
+}
+
 // The rest of a frame as plainly as it goes, from the positions on.
 void deriveLiterally(const UXS::Mesh& inRest, const std::vector<Point>& inPositions) {
   const auto count = inRest.GetTrianglesArray().size();
@@ -290,6 +326,37 @@ void readBytes(benchmark::State& ioState) {
   }
 }
 
+// A number of /proc/self/status, in bytes.
+double processBytes(const std::string& name) {
+  std::ifstream status("/proc/self/status");
+  for (std::string word; status >> word;) {
+    if (word == name) return status >> word, 1024 * std::stod(word);
+  }
+  return 0;
+}
+
+// Memory of a collector that has read the file: what stays, and the most there was on the way.
+void readMemory(benchmark::State& ioState) {
+  bigFile();
+  const auto mesh = makeTorus(torusSize(kFileVertices), Materials::kNoTriangles);
+  for (auto _ : ioState) {
+    malloc_trim(0);
+    std::ofstream("/proc/self/clear_refs") << 5;  // forgets the peak so far
+    const double before = processBytes("VmRSS:");
+    XCFrameCollector collector(mesh.get());
+    Norvel::XCAMOFileIOTool(bigFile()).Read(&collector);
+    ioState.counters["peak"] = processBytes("VmHWM:") - before;
+    malloc_trim(0);
+    ioState.counters["bytes"] = processBytes("VmRSS:") - before;
+  }
+}
+void fileSize(benchmark::State& ioState) {
+  for (auto _ : ioState) {
+    const auto size = double(std::filesystem::file_size(bigFile()));
+    ioState.counters["peak"] = ioState.counters["bytes"] = size;
+  }
+}
+
 BENCHMARK(deformEigen)->Arg(10000)->Arg(50000)->Arg(200000);
 BENCHMARK_CAPTURE(deform, links4, kFour)->Arg(10000)->Arg(50000)->Arg(200000);
 BENCHMARK_CAPTURE(deform, identity, kIdentity)->Arg(50000);
@@ -297,6 +364,11 @@ BENCHMARK_CAPTURE(deform, links1, kOne)->Arg(50000);
 BENCHMARK_CAPTURE(deform, links2, kTwo)->Arg(50000);
 BENCHMARK_CAPTURE(deform, links1to8, kOneToEight)->Arg(50000);
 BENCHMARK_CAPTURE(deform, clamped, kClamped)->Arg(50000);
+BENCHMARK_CAPTURE(deformBy, baseline, Norvel::Vexa::skinning::kBaselineKernels)->Arg(50000);
+#if defined(VEXA_NEWER_MACHINES)
+BENCHMARK_CAPTURE(deformBy, avx2, Norvel::Vexa::skinning::kAvx2Kernels)->Arg(50000);
+BENCHMARK_CAPTURE(deformBy, avx512, Norvel::Vexa::skinning::kAvx512Kernels)->Arg(50000);
+#endif
 BENCHMARK_CAPTURE(frame, bands, Materials::kBands)->Arg(10000)->Arg(50000)->Arg(200000);
 BENCHMARK_CAPTURE(frame, random, Materials::kRandom)->Arg(10000)->Arg(50000)->Arg(200000);
 BENCHMARK_CAPTURE(frameInNewMemory, bands, Materials::kBands)->Arg(10000)->Arg(50000);
@@ -307,6 +379,8 @@ BENCHMARK(points<LiteralFrameCollector>)->Arg(100000);
 BENCHMARK(readFile);
 BENCHMARK(readFileLiterally);
 BENCHMARK(readBytes);
+BENCHMARK(readMemory)->Iterations(1);
+BENCHMARK(fileSize)->Iterations(1);
 
 }  // namespace
 
