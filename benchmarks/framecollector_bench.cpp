@@ -87,6 +87,8 @@ struct Scene {
       : mMesh(makeTorus(torusSize(inVertices), inMaterials)),
         mCollector(restOf<Collector>(*mMesh)) {
     fill(mCollector, inRig, mMesh->GetVerticesArray().size());
+    // Links are laid out once, before the first mesh.
+    mCollector.GetCurrentDefinition(0, kFrames - 1, kNone);
   }
 
   const std::vector<Point>& vertices() const { return mMesh->GetVerticesArray(); }

@@ -104,9 +104,10 @@ void VertexLinks::Layout::fillBlock(std::size_t first, std::size_t count) {
   for (std::size_t i = 0; i < count; ++i) measure(first + i);
   std::uint8_t* const order = mTo.mOrder.data() + first;
   std::iota(order, order + count, std::uint8_t{0});
-  std::sort(order, order + count, [this](std::uint8_t a, std::uint8_t b) {
+  const auto isBefore = [this](std::uint8_t a, std::uint8_t b) {
     return mKeys[a] != mKeys[b] ? mKeys[a] < mKeys[b] : a < b;
-  });
+  };
+  if (!std::is_sorted(order, order + count, isBefore)) std::sort(order, order + count, isBefore);
   mTo.mBlockLinks.push_back(std::uint32_t(mTo.mLinks.size()));
   mTo.mBlockRuns.push_back(std::uint32_t(mTo.mRuns.size()));
   for (std::size_t i = 0; i < count; ++i) {

@@ -15,11 +15,11 @@ class VEXA_EXPORT XCTMPTake {
   /// The name, empty at first; the text holds until SetName.
   const char* GetName() const { return mName.c_str(); }
   /// A null name counts as empty.
-  void SetName(const char* inName) { mName = inName ? inName : ""; }
+  void SetName(const char* name) { mName = name ? name : ""; }
 
   /// Frames per second as the host gave them; 0.33 at first.
   double GetFPS() const { return mFPS; }
-  void SetFPS(double inFPS) { mFPS = inFPS; }
+  void SetFPS(double fps) { mFPS = fps; }
 
  private:
   std::string mName;
