@@ -48,6 +48,11 @@ struct AnimatedObject final : UxZel::IZelAnimatedObject {
 };
 
 /// A triangle of three points, without texture coordinates.
-Polygon triangle(unsigned int a, unsigned int b, unsigned int c, unsigned int material = 0);
+inline Polygon triangle(unsigned int a, unsigned int b, unsigned int c, unsigned int material = 0) {
+  Polygon polygon;
+  polygon.mMaterialIndex = material;
+  for (const unsigned int point : {a, b, c}) polygon.mCorners.add().mPointIndex = point;
+  return polygon;
+}
 
 }  // namespace vexa::refhost

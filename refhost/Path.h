@@ -26,7 +26,14 @@ struct BezierPoint final : UxZel::IZelBezierPoint {
 };
 
 /// A point that a path passes smoothly, with the tangent `after` on both sides.
-BezierPoint smoothPoint(const UxZel::CZelPoint& passage, const UxZel::CZelVector& after);
+inline BezierPoint smoothPoint(const UxZel::CZelPoint& passage, const UxZel::CZelVector& after) {
+  BezierPoint point;
+  point.mPassage = passage;
+  point.mBefore = {-after.x, -after.y, -after.z};
+  point.mAfter = after;
+  point.mTangentLocked = true;
+  return point;
+}
 
 /// A 3D path of the scene.
 struct Path final : UxZel::IZel3DPath {

@@ -103,6 +103,17 @@ TEST(Memory, OfManyPathsTheOldestAreForgotten) {
             0);
 }
 
+TEST(Memory, ARegisteredInstanceOfASharedObjectTakesLittle) {
+  const vexa::tests::ScratchDirectory scratch;
+  const std::string file = writtenWalker(scratch);
+  Scene crowd = scenes::walk(scenes::straightPath(30), 1001, 100);
+  const auto manager = makeManager();
+  registerInstance(*manager, crowd, 0, file);
+  const std::size_t before = gMemory.mBytes;
+  for (std::size_t i = 1; i <= 1000; ++i) registerInstance(*manager, crowd, i, file);
+  EXPECT_LT(gMemory.mBytes - before, 200u * 1000);
+}
+
 TEST(Memory, DrivingNeedsThatOfItsPath) {
   const vexa::tests::ScratchDirectory scratch;
   const std::string file = writtenWalker(scratch);

@@ -5,13 +5,13 @@
 
 #include "vexa/tools/plain_vector_internal.h"
 
-using UXS::Vec3;
+using V3 = UXS::uxs_generic_vec3<float>;
 using Tool = UXS::uxs_heliodon_tool;
 
 namespace {
 
-void expectNear(const Vec3& a, const Vec3& b) {
-  EXPECT_LT(dot(a - b, a - b), 1e-12f) << a.x << ' ' << a.y << ' ' << a.z;
+void expectNear(const V3& a, const V3& b) {
+  EXPECT_LT(UXS::dot(a - b, a - b), 1e-12f) << a.x << ' ' << a.y << ' ' << a.z;
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 #include <cstring>
 
 using Matrix = Norvel::Vexa::ux_matrix44<double>;
-using Point = Norvel::Vexa::ux_point3<double>;
+using Point3 = Norvel::Vexa::ux_point3<double>;
 
 namespace UxZel {
 
@@ -36,7 +36,7 @@ Matrix CZelObjectInstanceTool::getObjectTransformToWorld(
   const CZelPoint& position = *instance->GetPosition();
   double heading = headingOf(*instance);
   if (firstAnchor != nullptr && facesItsViewer(*instance)) {
-    const Point viewer = parent.invert() * Point(firstAnchor->x, firstAnchor->y, firstAnchor->z);
+    const Point3 viewer = parent.invert() * Point3(firstAnchor->x, firstAnchor->y, firstAnchor->z);
     const double x = viewer.x - position.x, y = viewer.y - position.y;
     if (x != 0 || y != 0) heading = turnOfY(x, y);
   }

@@ -128,20 +128,16 @@ uValue XCAnimationMgr::InterpolateValue(UxZel::IZelMgr* mgr,
     if (max < 0) raise(kOperation, "bad max index");
 
     uValue result{}, direction{};
-    switch (value->GetPropertyType()) {
-      case UxZel::kPropertyPosition:
-      case UxZel::kPropertyPositionTarget:
-      case UxZel::kPropertyPositionObject:
-        result = positionAt(*mPaths, *mgr, *value, min, max, pass.mFrame, direction, rate);
-        if (outDirection != nullptr) {
-          std::memcpy(outDirection, direction.mBytes, sizeof(*outDirection));
-        }
-        break;
-      case UxZel::kPropertyAnimatedFrameRate:
-        result.mInteger = frameAtRate(*mgr, *value, keys, pass.mFrame, rate);
-        break;
-      default:
-        uxInterpolate(keys.GetAt(min), keys.GetAt(max), pass.mFrame, result, pass.mForcedType);
+    const unsigned int type = value->GetPropertyType();
+    if (UxZel::isPositionType(type)) {
+      result = positionAt(*mPaths, *mgr, *value, min, max, pass.mFrame, direction, rate);
+      if (outDirection != nullptr) {
+        std::memcpy(outDirection, direction.mBytes, sizeof(*outDirection));
+      }
+    } else if (type == UxZel::kPropertyAnimatedFrameRate) {
+      result.mInteger = frameAtRate(*mgr, *value, keys, pass.mFrame, rate);
+    } else {
+      uxInterpolate(keys.GetAt(min), keys.GetAt(max), pass.mFrame, result, pass.mForcedType);
     }
     return result;
   });

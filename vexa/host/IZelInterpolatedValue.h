@@ -16,6 +16,12 @@ enum EPropertyType : unsigned int {
   kPropertyAnimatedFrameRate = 140  ///< a frame number computed from a frame rate
 };
 
+/// Whether a property of that type is a position along a 3D path.
+constexpr bool isPositionType(unsigned int propertyType) {
+  return propertyType == kPropertyPosition || propertyType == kPropertyPositionTarget ||
+         propertyType == kPropertyPositionObject;
+}
+
 /// An animated property: its keys and how they repeat. Positions of virtual operations are fixed.
 class IZelInterpolatedValue {
  public:

@@ -4,21 +4,21 @@
 namespace UXS {
 
 using Consts = uxs_generic_vec3_consts<float>;
-using Vec3 = uxs_generic_vec3<float>;
+using V3 = uxs_generic_vec3<float>;
 
 template <>
-const Vec3 Consts::UXS_VEC3_ZERO{0, 0, 0};
+const V3 Consts::UXS_VEC3_ZERO{0, 0, 0};
 template <>
-const Vec3 Consts::UXS_X_AXIS_UNIT{1, 0, 0};
+const V3 Consts::UXS_X_AXIS_UNIT{1, 0, 0};
 template <>
-const Vec3 Consts::UXS_Y_AXIS_UNIT{0, 1, 0};
+const V3 Consts::UXS_Y_AXIS_UNIT{0, 1, 0};
 template <>
-const Vec3 Consts::UXS_Z_AXIS_UNIT{0, 0, 1};
+const V3 Consts::UXS_Z_AXIS_UNIT{0, 0, 1};
 template <>
-const Vec3 Consts::UXS_MINUS_X_AXIS_UNIT{-1, 0, 0};
+const V3 Consts::UXS_MINUS_X_AXIS_UNIT{-1, 0, 0};
 template <>
-const Vec3 Consts::UXS_MINUS_Y_AXIS_UNIT{0, -1, 0};
+const V3 Consts::UXS_MINUS_Y_AXIS_UNIT{0, -1, 0};
 template <>
-const Vec3 Consts::UXS_MINUS_Z_AXIS_UNIT{0, 0, -1};
+const V3 Consts::UXS_MINUS_Z_AXIS_UNIT{0, 0, -1};
 
 }  // namespace UXS

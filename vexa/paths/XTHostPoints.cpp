@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "vexa/paths/XCBezierPointTool.h"
+#include "vexa/paths/XCZELPathInfo.h"
 #include "vexa/support/UxThrow.h"
 
 namespace Norvel::Vexa {
@@ -126,5 +127,10 @@ template class XTPathInfo<V3, V3, float>;
 template class XTPathAgent<V3, V3, float>;
 template class XTHostPoints<XTPathInfo<V3, V3, float>>;
 template class XTHostPoints<XTPathAgent<V3, V3, float>>;
+
+XCZELPathInfo::XCZELPathInfo(const UxZel::IZel3DPath* path)
+    : XTHostPoints(path, path != nullptr ? path->GetBezierPoints() : nullptr) {}
+
+XCZELPathInfo::~XCZELPathInfo() = default;
 
 }  // namespace Norvel::Vexa

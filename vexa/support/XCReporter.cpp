@@ -3,10 +3,10 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <sys/time.h>
 #include <utility>
 
 #include "vexa/support/XCBenchmarkRecords.h"
+#include "vexa/support/clock.h"
 #include "vexa/support/forced_unwind_internal.h"
 #include "vexa/support/format_internal.h"
 
@@ -27,12 +27,6 @@ __attribute__((format(printf, 2, 0))) void sendFormatted(XIReporter::EMsgType ty
   char text[N];
   formatInto(text, format, args);
   XCReporter::SendMsg2Reporter(type, text);
-}
-
-double wallClockSeconds() {
-  timeval now;
-  gettimeofday(&now, nullptr);
-  return double(now.tv_sec) + double(now.tv_usec) * 1e-6;
 }
 
 }  // namespace
@@ -151,14 +145,14 @@ std::string XCReporter::GetLastSystemErrorEnglish(XIReporter::EMsgType /*type*/,
 
 void XCReporter::StartBenchmark(const char* name, const char* label) {
   XCBenchmarkRecords::sBenchmark& record = XCBenchmarkRecords::make(orEmpty(name));
-  record.times.push_back(wallClockSeconds());
+  record.times.push_back(UXS::get_time());
   if (*orEmpty(label) != '\0') record.labels.emplace_back(label);
 }
 
 void XCReporter::StopBenchmark(const char* name) {
   XCBenchmarkRecords::sBenchmark* const record = XCBenchmarkRecords::find(orEmpty(name));
   if (record == nullptr || record->times.empty()) return;
-  record->times.back() = wallClockSeconds() - record->times.back();
+  record->times.back() = UXS::get_time() - record->times.back();
 }
 
 void XCReporter::FlushBenchmark(const char* name, bool erase) {

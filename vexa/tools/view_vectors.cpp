@@ -12,24 +12,22 @@ using Consts = uxs_generic_vec3_consts<float>;
 
 // A rotation about the unit axis d with sine s and cosine k, row by row.
 struct Rotation {
-  Vec3 rows[3];
+  V3 rows[3];
 
-  Rotation(const Vec3& d, float s, float k)
+  Rotation(const V3& d, float s, float k)
       : rows{
             {k + d.x * d.x * (1 - k), d.x * d.y * (1 - k) - d.z * s, d.x * d.z * (1 - k) + d.y * s},
             {d.x * d.y * (1 - k) + d.z * s, k + d.y * d.y * (1 - k), d.y * d.z * (1 - k) - d.x * s},
             {d.x * d.z * (1 - k) - d.y * s, d.y * d.z * (1 - k) + d.x * s,
              k + d.z * d.z * (1 - k)}} {}  // order: exact floats
 
-  Vec3 operator*(const Vec3& v) const {
-    return {dot(rows[0], v), dot(rows[1], v), dot(rows[2], v)};
-  }
+  V3 operator*(const V3& v) const { return {dot(rows[0], v), dot(rows[1], v), dot(rows[2], v)}; }
 };
 
 }  // namespace
 
-void get_up_right_vectors(const Vec3& dir, float roll, Vec3& up, Vec3& right) {
-  const Vec3 d = normalised(dir);
+void get_up_right_vectors(const V3& dir, float roll, V3& up, V3& right) {
+  const V3 d = normalised(dir);
   const bool vertical = std::abs(dot(d, Consts::UXS_Z_AXIS_UNIT)) >= 0.98f;
   right = normalised(cross(d, vertical ? Consts::UXS_Y_AXIS_UNIT : Consts::UXS_Z_AXIS_UNIT));
   up = normalised(cross(right, d));
@@ -40,19 +38,19 @@ void get_up_right_vectors(const Vec3& dir, float roll, Vec3& up, Vec3& right) {
   right = normalised(turn * right);
 }
 
-void get_panorama_vectors(const Vec3& dir, const Vec3* up, const uxs_panorama_face& face,
-                          Vec3& faceDir, Vec3& faceUp, Vec3& faceRight) {
+void get_panorama_vectors(const V3& dir, const V3* up, const uxs_panorama_face& face, V3& faceDir,
+                          V3& faceUp, V3& faceRight) {
   if (face > panorama_bottom) return;
-  const Vec3 d = normalised(dir);
-  Vec3 u, r;
+  const V3 d = normalised(dir);
+  V3 u, r;
   if (up != nullptr) {
     r = normalised(cross(d, normalised(*up)));
     u = normalised(cross(r, d));
   } else {
     get_up_right_vectors(d, 0, u, r);
   }
-  const Vec3 faces[][3] = {{d, u, r}, {-r, u, d}, {-d, u, -r}, {r, u, -d}, {u, -d, r}, {-u, d, r}};
-  const Vec3(&chosen)[3] = faces[face];
+  const V3 faces[][3] = {{d, u, r}, {-r, u, d}, {-d, u, -r}, {r, u, -d}, {u, -d, r}, {-u, d, r}};
+  const V3(&chosen)[3] = faces[face];
   faceDir = chosen[0];
   faceUp = chosen[1];
   faceRight = chosen[2];
