@@ -21,10 +21,10 @@ int complain(const std::string& fault, int exitCode) {
 
 /// Where memory runs out inside a destructor, no handler is reached.
 [[noreturn]] void endWithoutMemory() {
+  vexa::formats::removeTemporaries();
   try {
     if (const auto cause = std::current_exception()) std::rethrow_exception(cause);
   } catch (const std::bad_alloc&) {
-    vexa::formats::removeTemporaries();
     constexpr char kText[] = "vexa: not enough memory\n";
     vexa::formats::writeAll(STDERR_FILENO, kText, sizeof(kText) - 1);
     _exit(1);

@@ -18,6 +18,8 @@ class Descriptor {
   ~Descriptor() { close(); }
 
   int get() const { return mFd; }
+  /// Gives it up without closing it.
+  int release() { return std::exchange(mFd, -1); }
   bool isOpen() const { return mFd >= 0; }
   /// Closes now. False, with errno, when the system reports a late failure of writing.
   bool close();

@@ -1,8 +1,10 @@
 #include "formats/OutputFolder.h"
 
 #include <cstdio>
+#include <dirent.h>
 #include <fcntl.h>
 #include <filesystem>
+#include <memory>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -78,7 +80,26 @@ void OutputFolder::makeTemporary(const std::string& beside) {
     folder.spare();  // it is not ours, if it is there at all
     failForFile(mTarget.empty() ? "." : mTarget, error);
   }
+  if (!folder.openFolder()) failForFile(mTarget.empty() ? "." : mTarget);
   mFolders.push_back(std::move(folder));
+}
+
+// By the open folder: the standard library's iterator ends the process when memory runs out.
+std::vector<std::string> OutputFolder::names() const {
+  lseek(mFolders.back().folder(), 0, SEEK_SET);
+  Descriptor copy(fcntl(mFolders.back().folder(), F_DUPFD_CLOEXEC, 3));
+  const std::unique_ptr<DIR, int (*)(DIR*)> folder(fdopendir(copy.get()), closedir);
+  if (folder == nullptr) failForFile(mTarget);
+  copy.release();
+  std::vector<std::string> names;
+  errno = 0;
+  while (const dirent* entry = readdir(folder.get())) {
+    const std::string name = entry->d_name;
+    if (name != "." && name != "..") names.push_back(name);
+    errno = 0;
+  }
+  if (errno != 0) failForFile(mTarget);
+  return names;
 }
 
 std::string OutputFolder::pathFor(const std::string& name) const {
@@ -112,15 +133,10 @@ void OutputFolder::publish() {
 void OutputFolder::moveEachFile() {
   const std::string temporary = mFolders.back().path();
   std::vector<Move> moves;
-  std::error_code error;
-  for (fs::directory_iterator entry(temporary, error), end; !error && entry != end;
-       entry.increment(error)) {
-    const std::string name = entry->path().filename().string();
+  for (const std::string& name : names()) {
     requireReplaceable(finalPath(name));
-    moves.push_back({entry->path().string(), finalPath(name), temporary + "/old/" + name});
+    moves.push_back({temporary + "/" + name, finalPath(name), temporary + "/" + name + ".old"});
   }
-  if (error) failForFile(mTarget, error.value());
-  if (mkdir((temporary + "/old").c_str(), 0777) != 0) failForFile(mTarget);
   for (std::size_t i = 0; i < moves.size(); ++i) {
     if (moves[i].make()) continue;
     const int cause = errno;

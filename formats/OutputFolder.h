@@ -36,6 +36,7 @@ class OutputFolder {
  private:
   void makeMissing(const std::string& folder);
   void makeTemporary(const std::string& beside);
+  std::vector<std::string> names() const;
   void moveEachFile();
 
   std::string mTarget;

@@ -30,6 +30,7 @@ struct Slot {
   std::atomic<bool> mIsTaken{false};
   std::atomic<bool> mIsSet{false};  // the rest may be read
   Doomed::Kind mKind = Doomed::Kind::kFile;
+  std::atomic<int> mFolder{-1};
   char mPath[PATH_MAX] = {};
 };
 std::array<Slot, 64> gSlots;
@@ -55,20 +56,9 @@ struct Entry {
   char mName[1];
 };
 
-void removeEntries(int folder, int depth);
-
-void removeEntry(int folder, const char* name, int depth) {
-  const bool isDots = std::strcmp(name, ".") == 0 || std::strcmp(name, "..") == 0;
-  if (isDots || unlinkat(folder, name, 0) == 0 || depth == 0) return;
-  const int inner = openat(folder, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-  if (inner < 0) return;
-  removeEntries(inner, depth - 1);
-  close(inner);
-  unlinkat(folder, name, AT_REMOVEDIR);
-}
-
-// Empties a folder by system calls alone: also a signal handler may do that.
-void removeEntries(int folder, int depth) {
+// Empties a folder of its files and empty folders by system calls alone: also a signal handler may
+// do that.
+void removeFiles(int folder) {
   alignas(Entry) char block[4096];
   for (;;) {
     const long count = syscall(SYS_getdents64, folder, block, sizeof(block));
@@ -76,29 +66,30 @@ void removeEntries(int folder, int depth) {
     for (long at = 0; at < count;) {
       Entry entry;
       std::memcpy(&entry, block + at, offsetof(Entry, mName));
-      removeEntry(folder, block + at + offsetof(Entry, mName), depth);
+      const char* const name = block + at + offsetof(Entry, mName);
+      if (unlinkat(folder, name, 0) != 0) unlinkat(folder, name, AT_REMOVEDIR);
       at += entry.mLength;
     }
   }
 }
 
-void removeFolder(const char* path) {
-  const int folder = open(path, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+void removeFolder(int folder, const char* path) {
   // Another thread may put a file there meanwhile; once the folder is gone nothing comes any more.
-  for (int attempt = 0; folder >= 0 && attempt < 1000; ++attempt) {
-    lseek(folder, 0, SEEK_SET);
-    removeEntries(folder, 1);
-    if (rmdir(path) == 0 || errno == ENOENT) break;
+  for (int attempt = 0; attempt < 1000; ++attempt) {
+    if (folder >= 0) {
+      lseek(folder, 0, SEEK_SET);
+      removeFiles(folder);
+    }
+    if (rmdir(path) == 0 || errno == ENOENT || folder < 0) return;
   }
-  if (folder >= 0) close(folder);
 }
 #else
-void removeFolder(const char* path) { rmdir(path); }
+void removeFolder(int /*folder*/, const char* path) { rmdir(path); }
 #endif
 
-void remove(Doomed::Kind kind, const char* path) {
+void remove(Doomed::Kind kind, int folder, const char* path) {
   if (kind == Doomed::Kind::kFile) unlink(path);
-  if (kind == Doomed::Kind::kFolder) removeFolder(path);
+  if (kind == Doomed::Kind::kFolder) removeFolder(folder, path);
   if (kind == Doomed::Kind::kEmptyFolder) rmdir(path);
 }
 
@@ -127,6 +118,7 @@ int takeSlot(const std::string& path, Doomed::Kind kind) {
     if (gSlots[i].mIsTaken.exchange(true)) continue;
     std::memcpy(gSlots[i].mPath, path.c_str(), path.size() + 1);
     gSlots[i].mKind = kind;
+    gSlots[i].mFolder = -1;
     gSlots[i].mIsSet = true;
     return int(i);
   }
@@ -145,7 +137,7 @@ void removeTemporaries() {
   // A folder is removed after what it holds, which may have a later place.
   for (std::size_t pass = 0; pass < gSlots.size(); ++pass) {
     for (Slot& slot : gSlots) {
-      if (slot.mIsSet.load()) remove(slot.mKind, slot.mPath);
+      if (slot.mIsSet.load()) remove(slot.mKind, slot.mFolder, slot.mPath);
     }
   }
 }
@@ -181,11 +173,20 @@ Doomed::Doomed(std::string path, Kind kind)
     : mPath(std::move(path)), mKind(kind), mSlot(takeSlot(mPath, kind)) {}
 
 Doomed::Doomed(Doomed&& other) noexcept
-    : mPath(std::move(other.mPath)), mKind(other.mKind), mSlot(std::exchange(other.mSlot, -1)) {}
+    : mPath(std::move(other.mPath)),
+      mKind(other.mKind),
+      mFolder(std::move(other.mFolder)),
+      mSlot(std::exchange(other.mSlot, -1)) {}
 
 Doomed::~Doomed() {
-  if (mSlot >= 0) remove(mKind, mPath.c_str());
+  if (mSlot >= 0) remove(mKind, mFolder.get(), mPath.c_str());
   spare();
+}
+
+bool Doomed::openFolder() {
+  mFolder = openFile(mPath, O_RDONLY | O_DIRECTORY | O_NOFOLLOW);
+  gSlots[std::size_t(mSlot)].mFolder = mFolder.get();
+  return mFolder.isOpen();
 }
 
 void Doomed::spare() { freeSlot(std::exchange(mSlot, -1)); }

@@ -3,6 +3,8 @@
 #include <csignal>
 #include <string>
 
+#include "formats/Descriptor.h"
+
 namespace vexa::formats {
 
 /// From now on SIGINT, SIGTERM and SIGHUP first remove every temporary file and folder of this
@@ -37,16 +39,21 @@ class Doomed {
   Doomed(Doomed&& other) noexcept;
   Doomed(const Doomed&) = delete;
   Doomed& operator=(const Doomed&) = delete;
-  /// Removes it unless it is spared: a file, a folder with the files in it and in folders of it,
-  /// or a folder that is empty. Needs no memory.
+  /// Removes it unless it is spared: a file, a folder with the files and empty folders in it, or
+  /// a folder that is empty. Needs no memory, and after openFolder() no new descriptor.
   ~Doomed();
 
   const std::string& path() const { return mPath; }
   void spare();
+  /// To be called once the folder is there. False, with errno, when it cannot be opened.
+  bool openFolder();
+  /// The folder that openFolder() has opened.
+  int folder() const { return mFolder.get(); }
 
  private:
   std::string mPath;
   Kind mKind;
+  Descriptor mFolder;
   int mSlot = -1;
 };
 
