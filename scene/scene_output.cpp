@@ -55,6 +55,9 @@ std::string objName(int frame) {
   return name;
 }
 
+/// Not NAME.obj: the mesh that the scene reads is often of that name, in the same folder.
+std::string restName(const std::string& name) { return name + "_mesh.obj"; }
+
 /// What all jobs write into; every operation may be called from any of them.
 class SceneFiles {
  public:
@@ -95,7 +98,7 @@ class SceneFiles {
     }
     for (formats::PointCacheWriter& cache : mCaches) cache.close();
     for (const std::string& name : mCacheNames) {
-      names.push_back(name + ".obj");
+      names.push_back(restName(name));
       names.push_back(name + ".pc2");
     }
     if (mRecord) {
@@ -138,7 +141,7 @@ class SceneFiles {
       const std::string& name = mCacheNames[m];
       std::string text;
       formats::appendObjPoints(poses[m], text);
-      formats::NewFile rest(mFolder.pathFor(name + ".obj"));
+      formats::NewFile rest(mFolder.pathFor(restName(name)));
       rest.write(text + formats::formatObjFaces(asObj({meshes[m]}, {poses[m]})));
       rest.close();
       const std::string path = mFolder.pathFor(name + ".pc2");

@@ -25,8 +25,8 @@ struct SceneOutput {
 using PlayerMaker = std::function<ScenePlayer()>;
 
 /// Plays the scene and writes into the folder: values.csv, placements.csv; frame_NNNNNN.obj per
-/// frame, scene.glb, or per mesh NAME.obj with its first pose and NAME.pc2 with all; with plots
-/// also curves.svg, paths.svg and poses.png.
+/// frame, scene.glb, or per mesh NAME_mesh.obj with its first pose and NAME.pc2 with all; with
+/// plots also curves.svg, paths.svg and poses.png.
 ///
 /// The output about a frame depends on the scene and that frame alone: a range that is split over
 /// jobs or runs gives the same rows and the same OBJ files. The files appear all together at the
