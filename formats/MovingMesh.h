@@ -20,6 +20,7 @@ struct MovingMesh {
   std::vector<unsigned int> mMaterials;  ///< one per triangle
   /// Three (u, v) pairs per triangle, or empty.
   std::vector<Oru::TVector3D<Oru::TVector2D<float>>> mUvs;
+  std::string mFile;  ///< the OBJ file whose materials the mesh has; empty for none
   /// Red, green and blue in 0..1 per triangle, or empty: what pictures show.
   std::vector<Oru::TVector3D<float>> mColors;
   std::vector<Points> mFrames;  ///< all of one length

@@ -39,6 +39,7 @@ struct AnimatedObject final : UxZel::IZelAnimatedObject {
   mutable List<UxZel::IZelTake, Take> mTakes;  // the interface hands out a writable list
 
   std::string mAnimationFile;  ///< path or "file://" URL
+  std::string mMeshFile;       ///< where the mesh was read from; empty for one built in code
   List<UxZel::CZelPoint> mPoints;
   List<UxZel::IZelPolygon, Polygon> mPolygons;
 

@@ -298,6 +298,7 @@ std::vector<formats::MovingMesh> ScenePlayer::meshes() const {
     if (shown == nullptr) continue;
     formats::MovingMesh moving;
     moving.mName = instance.mName;
+    moving.mFile = mScene.mDefinitions[instance.mDefinition].mAnimatedObject->mMeshFile;
     moving.mTriangles = shown->GetTrianglesArray();
     for (unsigned int t = 0; t < moving.mTriangles.size(); ++t) {
       moving.mMaterials.push_back(shown->GetTriangleMaterialID(t));

@@ -6,9 +6,8 @@
 
 #include "formats/base64.h"
 #include "formats/json_value.h"
-#include "formats/mtl.h"
-#include "formats/obj.h"
 #include "formats/read_file.h"
+#include "scene/mesh_materials.h"
 #include "scene/recorded_results.h"
 #include "scene/value_parts.h"
 
@@ -36,22 +35,15 @@ std::string dataAddress(const Path& file) {
 /// The materials of a mesh in the order of their ids; none where no material file names a colour.
 json materialsOf(const std::string& objText, const Path& objFile) {
   const Path folder = objFile.parent_path();
-  const auto known = formats::readMaterialsOf(objText, folder.string());
   json list = json::array();
-  if (known.empty()) return list;
-  const formats::ObjModel model = formats::parseObj(objText, objFile.string());
-  unsigned int count = 0;
-  for (const auto& triangle : model.triangles) count = std::max(count, triangle.material + 1);
-  for (unsigned int id = 0; id < std::min(count, 1000u); ++id) {
-    const std::string name = id < model.materials.size() ? model.materials[id] : std::to_string(id);
-    const auto found = std::find_if(known.begin(), known.end(),
-                                    [&name](const auto& each) { return each.name == name; });
-    if (found == known.end()) {
+  for (const auto& material : meshMaterials(objText, objFile.string())) {
+    if (!material) {
       list.push_back(nullptr);
       continue;
     }
-    const std::string texture = found->texture.empty() ? "" : dataAddress(folder / found->texture);
-    list.push_back({{"color", found->color}, {"texture", texture}});
+    const std::string texture =
+        material->texture.empty() ? "" : dataAddress(folder / material->texture);
+    list.push_back({{"color", material->color}, {"texture", texture}});
   }
   return list;
 }

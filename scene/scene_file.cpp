@@ -165,7 +165,8 @@ class SceneReader {
   void readMesh(const formats::JsonValue& value, refhost::AnimatedObject& outObject) const {
     formats::ObjModel model;
     try {
-      model = formats::readObj(fileName(value));
+      outObject.mMeshFile = fileName(value);
+      model = formats::readObj(outObject.mMeshFile);
     } catch (const std::runtime_error& error) {
       value.fail(error.what());
     }

@@ -4,6 +4,7 @@
 
 #include "plot/contact_sheet.h"
 #include "plot/path_plot.h"
+#include "scene/mesh_materials.h"
 #include "scene/path_curve.h"
 #include "scene/value_parts.h"
 #include "scene/value_plots.h"
@@ -67,6 +68,7 @@ SceneRecord::SceneRecord(const ScenePlayer& player, std::vector<int> frames)
       mSamples(mFrames.size()),
       mPoints(mFrames.size()),
       mPosed(player.meshes()) {
+  addColors(mPosed);
   for (formats::MovingMesh& mesh : mPosed) mesh.mFrames.resize(mPictured.size());
 }
 

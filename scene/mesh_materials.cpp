@@ -1,0 +1,99 @@
+#include "scene/mesh_materials.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+#include <stdexcept>
+
+#include "formats/obj.h"
+#include "formats/read_file.h"
+#include "plot/Picture.h"
+
+namespace vexa::scene {
+namespace {
+
+// Files may state any number of materials; what nobody can see apart is cut off.
+constexpr unsigned int kMostMaterials = 1000;
+
+using Color = Oru::TVector3D<float>;
+using Materials = std::vector<std::optional<formats::MtlMaterial>>;
+
+Materials materialsOfFile(const std::string& objFile) {
+  try {
+    return meshMaterials(formats::readFile(objFile), objFile);
+  } catch (const std::runtime_error&) {
+    return {};
+  }
+}
+
+// The materials of one mesh file with their textures.
+class Palette {
+ public:
+  explicit Palette(const std::string& objFile) : mMaterials(materialsOfFile(objFile)) {
+    const std::filesystem::path folder = std::filesystem::path(objFile).parent_path();
+    for (const auto& material : mMaterials) {
+      const bool isPictured = material && !material->texture.empty();
+      mTextures.push_back(isPictured ? plot::Picture::read((folder / material->texture).string())
+                                     : plot::Picture());
+    }
+  }
+
+  bool isEmpty() const { return mMaterials.empty(); }
+
+  Color at(unsigned int material, double u, double v) const {
+    constexpr Color kUnstated{0.7F, 0.7F, 0.7F};
+    if (material >= mMaterials.size() || !mMaterials[material]) return kUnstated;
+    const auto& color = mMaterials[material]->color;
+    const plot::Picture& texture = mTextures[material];
+    const plot::Ink ink = texture.isEmpty() ? plot::Ink{1, 1, 1} : texture.at(u, v);
+    return {float(color[0] * ink.r), float(color[1] * ink.g), float(color[2] * ink.b)};
+  }
+
+ private:
+  Materials mMaterials;
+  std::vector<plot::Picture> mTextures;
+};
+
+}  // namespace
+
+std::vector<std::optional<formats::MtlMaterial>> meshMaterials(const std::string& objText,
+                                                               const std::string& objFile) {
+  const std::string folder = std::filesystem::path(objFile).parent_path().string();
+  const auto known = formats::readMaterialsOf(objText, folder);
+  Materials materials;
+  if (known.empty()) return materials;
+  const formats::ObjModel model = formats::parseObj(objText, objFile);
+  unsigned int count = 0;
+  for (const auto& triangle : model.triangles) count = std::max(count, triangle.material + 1);
+  for (unsigned int id = 0; id < std::min(count, kMostMaterials); ++id) {
+    const std::string name = id < model.materials.size() ? model.materials[id] : std::to_string(id);
+    const auto found = std::find_if(known.begin(), known.end(),
+                                    [&name](const auto& each) { return each.name == name; });
+    if (found == known.end()) {
+      materials.emplace_back();
+    } else {
+      materials.emplace_back(*found);
+    }
+  }
+  return materials;
+}
+
+void addColors(std::vector<formats::MovingMesh>& ioMeshes) {
+  std::map<std::string, Palette> palettes;
+  for (formats::MovingMesh& mesh : ioMeshes) {
+    if (mesh.mFile.empty()) continue;
+    const Palette& palette = palettes.try_emplace(mesh.mFile, mesh.mFile).first->second;
+    if (palette.isEmpty()) continue;
+    for (std::size_t t = 0; t < mesh.mTriangles.size(); ++t) {
+      double u = 0, v = 0;
+      if (!mesh.mUvs.empty()) {
+        const auto& uv = mesh.mUvs[t];
+        u = (double(uv.x.x) + double(uv.y.x) + double(uv.z.x)) / 3;
+        v = (double(uv.x.y) + double(uv.y.y) + double(uv.z.y)) / 3;
+      }
+      mesh.mColors.push_back(palette.at(mesh.mMaterials[t], u, v));
+    }
+  }
+}
+
+}  // namespace vexa::scene
