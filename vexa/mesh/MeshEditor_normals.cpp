@@ -49,15 +49,36 @@ std::vector<Mesh::CornerPositions> normalsOf(const Mesh::Impl& mesh) {
   return normals;
 }
 
-void smooth(const Mesh::Impl& mesh, const Indices& triangles, float angle,
+constexpr unsigned int kUnused = 0xFFFFFFFF;
+
+// Smooths among the listed triangles. They are made a mesh of their own, so that the cost does not
+// depend on how large the whole mesh is. ioNumbers has an entry for each vertex, kUnused before and
+// after.
+void smooth(const Mesh::Impl& mesh, const Indices& triangles, float angle, Indices& ioNumbers,
             std::vector<Mesh::CornerPositions>& ioNormals) {
-  const MeshSmoothData data(mesh, triangles);
-  const MeshSmoothList list(mesh, triangles);
+  Mesh::Impl part;
+  Indices used;
+  const auto numberOf = [&](unsigned int vertex) {
+    unsigned int& number = entry(ioNumbers, vertex);
+    if (number == kUnused) {
+      number = unsigned(used.size());
+      used.push_back(vertex);
+      part.mVertices.push_back(mesh.mVertices[vertex]);
+    }
+    return number;
+  };
   for (const unsigned int t : triangles) {
+    const auto& [a, b, c] = mesh.mTriangles[t];
+    part.mTriangles.push_back({numberOf(a), numberOf(b), numberOf(c)});
+  }
+  for (const unsigned int vertex : used) ioNumbers[vertex] = kUnused;
+  const MeshSmoothData data(part);
+  const MeshSmoothList list(part);
+  for (unsigned int i = 0; i < triangles.size(); ++i) {
     const auto at = [&](unsigned int corner) {
-      return mesh.ProcessTriangleSmoothNormal(t, corner, angle, data, list);
+      return part.ProcessTriangleSmoothNormal(i, corner, angle, data, list);
     };
-    ioNormals[t] = {at(0), at(1), at(2)};
+    ioNormals[triangles[i]] = {at(0), at(1), at(2)};
   }
 }
 
@@ -84,7 +105,8 @@ void Mesh::EditorBase::ReorientTriangleSmoothNormals(unsigned int material) {
 void Mesh::EditorBase::SmoothTriangleNormals(const std::vector<unsigned int>& triangles,
                                              float angle) {
   std::vector<CornerPositions> normals = normalsOf(data());
-  smooth(data(), withoutRepeats(triangles, normals.size()), angle, normals);
+  Indices numbers(data().mVertices.size(), kUnused);
+  smooth(data(), withoutRepeats(triangles, normals.size()), angle, numbers, normals);
   data().mSmoothNormals.swap(normals);
 }
 
@@ -94,6 +116,7 @@ void Mesh::EditorBase::SmoothTriangleNormals(unsigned int material, float angle)
 
 void Mesh::EditorBase::SmoothTriangleNormals(const std::vector<float>& angles) {
   std::vector<CornerPositions> normals = normalsOf(data());
+  Indices numbers(data().mVertices.size(), kUnused);
   const auto& sections = data().mSections;
   for (std::size_t s = 0; s < std::min(angles.size(), sections.size()); ++s) {
     // Triangles may have been removed since the sections were made.
@@ -101,7 +124,7 @@ void Mesh::EditorBase::SmoothTriangleNormals(const std::vector<float>& angles) {
     const std::size_t first = std::min<std::size_t>(sections[s], normals.size());
     Indices triangles(std::max(first, std::min(end, normals.size())) - first);
     std::iota(triangles.begin(), triangles.end(), sections[s]);
-    smooth(data(), triangles, angles[s], normals);
+    smooth(data(), triangles, angles[s], numbers, normals);
   }
   data().mSmoothNormals.swap(normals);
 }
