@@ -183,6 +183,13 @@ void describeObject(const refhost::Definition& definition, Description& ioDescri
     } else if (figures.vertexCount() < points) {
       faults.push_back(name + count(points - figures.vertexCount(), "point") + " unlinked");
     }
+    const auto& takes = object.mTakes.mElements;
+    for (std::size_t t = 0; t < std::min(takes.size(), file.mFrameCounts.size()); ++t) {
+      if (std::uint32_t(takes[t].mFrameCount) <= file.mFrameCounts[t]) continue;
+      faults.push_back(name + "take \"" + takes[t].mName + "\" has " +
+                       count(std::size_t(takes[t].mFrameCount), "frame") + ", its file has " +
+                       std::to_string(file.mFrameCounts[t]));
+    }
     if (object.mTakes.mElements.size() > file.mFrameCounts.size()) {
       faults.push_back(name + "more takes than the animation file has");
     }
@@ -193,6 +200,22 @@ void describeObject(const refhost::Definition& definition, Description& ioDescri
   } catch (const std::runtime_error& error) {
     ioDescription["faults"].push_back(name + error.what());
   }
+}
+
+/// Keys of a value that stand at one frame: only one of them can be seen.
+void describeKeys(const refhost::Property& value, Description& ioDescription) {
+  std::set<int> frames;
+  for (const refhost::Key& key : value.mKeys.mElements) {
+    if (frames.insert(key.mFrame).second) continue;
+    ioDescription["faults"].push_back("value \"" + value.mName + "\" has two keys at frame " +
+                                      std::to_string(key.mFrame));
+  }
+}
+
+void describeInstance(const refhost::Instance& instance, Description& ioDescription) {
+  const double* s = instance.mScale;
+  if (s[0] != 0 && s[1] != 0 && s[2] != 0) return;
+  ioDescription["faults"].push_back("instance \"" + instance.mName + "\" has a scale of 0");
 }
 
 Description describeScene(const std::string& file) {
@@ -208,7 +231,9 @@ Description describeScene(const std::string& file) {
     if (property.mKeys.mElements.empty()) {
       description["faults"].push_back("value \"" + property.mName + "\" has no key");
     }
+    describeKeys(property, description);
   }
+  for (const auto& instance : scene.mInstances.mElements) describeInstance(instance, description);
   for (const auto& definition : scene.mDefinitions) describeObject(definition, description);
   return description;
 }

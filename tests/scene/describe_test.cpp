@@ -52,6 +52,26 @@ TEST(Describe, ASceneWhoseAnimationDoesNotFitItsMesh) {
   EXPECT_EQ(faults[0], "object \"o\": links to vertex 3 of a mesh of 3 points");
 }
 
+TEST(Describe, ASceneThatHidesWhatItSays) {
+  const vexa::tests::ScratchDirectory folder;
+  AnimationFile file;
+  file.mFrameCounts = {1};
+  file.mNodes.resize(1);
+  file.mNodes[0].mMatrices.assign(1, AnimationFile::kIdentity);
+  file.mNodes[0].mLinks = {{0, 1}, {1, 1}, {2, 1}};
+  writeAnimationFile(file, (folder / "a.amo").string());
+  vexa::formats::writeFile((folder / "a.obj").string(), "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n");
+  vexa::formats::writeFile((folder / "s.json").string(),
+                           R"({"objects": [{"name": "o", "mesh": "a.obj", "animation": "a.amo",
+                               "takes": [{"name": "t", "frames": 2, "rate": 25}]}],
+                               "instances": [{"name": "i", "object": "o", "scale": 0}],
+                               "values": [{"name": "v", "keys": [{"frame": 1, "value": 0},
+                                                                 {"frame": 1, "value": 1}]}]})");
+  EXPECT_EQ(describeFile((folder / "s.json").string())["faults"].dump(),
+            R"(["value \"v\" has two keys at frame 1","instance \"i\" has a scale of 0",)"
+            R"("object \"o\": take \"t\" has 2 frames, its file has 1"])");
+}
+
 TEST(Describe, WhatCannotBeReadNamesTheFile) {
   const vexa::tests::ScratchDirectory folder;
   const std::string path = (folder / "short.amo").string();
