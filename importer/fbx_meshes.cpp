@@ -155,7 +155,8 @@ class MeshReader {
   void add(const FbxObject& geometry) {
     std::vector<const FbxObject*> nodes;
     for (const FbxScene::Link& link : mScene.above(geometry.mId)) {
-      if (link.mObject->mClass == "Model") nodes.push_back(link.mObject);
+      // A node in a ring of nodes is not part of the model.
+      if (mParts.mNodes.count(link.mObject->mId) > 0) nodes.push_back(link.mObject);
     }
     const FbxObject* skin = deformer(geometry, "Skin");
     noteDeformers(geometry, skin);
