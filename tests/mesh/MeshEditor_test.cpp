@@ -53,9 +53,9 @@ TEST(MeshEditor, SmoothedAndTurnedNormalsOutliveTheCommit) {
     for (const Mesh::Position& p : kSquare) editor.AddVertex(p);
     editor.AddTriangle({0, 1, 2}, 1);
     editor.AddTriangle({0, 2, 3}, 2);
-    editor.SmoothTriangleNormals({0}, 30);
+    editor.SmoothTriangleNormals(std::vector<unsigned int>{0}, 30);
     editor.SetTriangleSmoothNormals(1, {{0, 1, -1}, {0, 0, -2}, {1, 0, 1}});
-    editor.ReorientTriangleSmoothNormals({0});
+    editor.ReorientTriangleSmoothNormals(std::vector<unsigned int>{0});
     editor.ReorientTriangleSmoothNormals(2u);
   }
   EXPECT_EQ(mesh.GetTriangleSmoothNormals(0).y, up);
