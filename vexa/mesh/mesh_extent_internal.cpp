@@ -193,7 +193,7 @@ bool VertexGroups::measure(const std::vector<Position>& positions, std::vector<B
     const unsigned int *begin = &mVertices[mGroups[g].mBegin],
                        *end = mVertices.data() + mGroups[g].mEnd;
     const Position* const first = &positions[*begin];
-    const bool isRange = end[-1] - *begin == end - begin - 1;
+    const bool isRange = std::size_t(end[-1] - *begin) == std::size_t(end - begin) - 1;
     ioScratch[g] = isRange ? measureConsecutive(first, first + (end - begin), isExact)
                            : measureListed(positions, begin, end, isExact);
     hasZeroBound = hasZeroBound || hasZero(ioScratch[g].mMin) || hasZero(ioScratch[g].mMax);
