@@ -162,6 +162,17 @@ TEST(InterpolateValue, LaterPassesOfADateAreLinear) {
   EXPECT_EQ(ask(scene, date, 17).mValue.mDate, 4294967196) << "the low half of -100";
 }
 
+TEST(KeyFrameRange, TwoNeighboursOfMany) {
+  const Norvel::Vexa::XCAnimationMgr manager;
+  const Property keys = scenes::manyKeys(600);
+  for (const int frame : {15, 2555, 2565, 5985}) {
+    int low = -1, high = -1;
+    manager.GetKeyFrameRange(frame, low, high, &keys.mKeys);
+    EXPECT_EQ(low, frame / 10);
+    EXPECT_EQ(high, low + 1);
+  }
+}
+
 TEST(InterpolateValue, FrameNumbersFromARate) {
   Scene scene;
   Property frames;

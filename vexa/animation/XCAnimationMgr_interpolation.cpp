@@ -1,4 +1,5 @@
 // The value of a property at a frame.
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <limits>
@@ -89,29 +90,80 @@ uValue positionAt(PathCache& paths, const UxZel::IZelMgr& mgr,
   return position;
 }
 
+// Keys whose frames are read before they are compared.
+constexpr int kKeysAtOnce = 256;
+
+// The keys around a frame, of those visited so far.
+class NearestKeys {
+ public:
+  NearestKeys(int frame, int beforeIndex, int afterIndex)
+      : mFrame(frame), mBeforeIndex(beforeIndex), mAfterIndex(afterIndex) {}
+
+  // Visits keys from `first` on.
+  void visit(const Keys& keys, int first, int count) {
+    int frames[kKeysAtOnce];
+    // Keys are in order as a rule. Then it is enough to count those up to the frame, without a
+    // branch that depends on it.
+    int previous = mLast, before = 0;
+    bool disordered = false;
+    for (int i = 0; i < count; ++i) {
+      const int frame = keys.GetAt(first + i)->GetFrame();
+      frames[i] = frame;
+      disordered |= frame <= previous;
+      before += frame <= mFrame;
+      previous = frame;
+    }
+    if (disordered) return compare(first, frames, count);
+    if (before > 0) setBefore(first + before - 1, frames[before - 1]);
+    if (before < count && mAfter == kNoneAfter) setAfter(first + before, frames[before]);
+    mLast = previous;
+  }
+  void get(int& outMin, int& outMax) const {
+    const bool hasBefore = mBefore != kNoneBefore, hasAfter = mAfter != kNoneAfter;
+    outMin = hasBefore || !hasAfter ? mBeforeIndex : mAfterIndex;
+    outMax = hasAfter ? mAfterIndex : outMin;
+  }
+
+ private:
+  static constexpr std::int64_t kNoneBefore = std::numeric_limits<std::int64_t>::min();
+  static constexpr std::int64_t kNoneAfter = std::numeric_limits<std::int64_t>::max();
+
+  void compare(int first, const int* frames, int count) {
+    mLast = std::numeric_limits<int>::max();  // what follows is not in order either
+    for (int i = 0; i < count; ++i) {
+      if (frames[i] == -1) continue;
+      if (frames[i] <= mFrame && frames[i] > mBefore) {
+        setBefore(first + i, frames[i]);
+      } else if (frames[i] >= mFrame && frames[i] < mAfter) {
+        setAfter(first + i, frames[i]);
+      }
+    }
+  }
+  void setBefore(int index, int keyFrame) {
+    mBefore = keyFrame;
+    mBeforeIndex = index;
+  }
+  void setAfter(int index, int keyFrame) {
+    mAfter = keyFrame;
+    mAfterIndex = index;
+  }
+
+  int mFrame;
+  int mLast = -1;  // the frame before those to come, which are in order when they are above it
+  int mBeforeIndex, mAfterIndex;
+  std::int64_t mBefore = kNoneBefore, mAfter = kNoneAfter;
+};
+
 }  // namespace
 
 void XCAnimationMgr::GetKeyFrameRange(int frame, int& minIndex, int& maxIndex,
                                       const Keys* keys) const {
-  // Branch-free: which key wins is unpredictable, so branches would be mispredicted.
-  std::int64_t before = std::numeric_limits<std::int64_t>::min();
-  std::int64_t after = std::numeric_limits<std::int64_t>::max();
-  int beforeIndex = minIndex, afterIndex = maxIndex;
+  NearestKeys nearest(frame, minIndex, maxIndex);
   const int count = keys->GetCount();
-  for (int i = 0; i < count; ++i) {
-    const int keyFrame = keys->GetAt(i)->GetFrame();
-    if (keyFrame == -1) continue;
-    const bool isBefore = (keyFrame <= frame) & (keyFrame > before);
-    const bool isAfter = (keyFrame >= frame) & (keyFrame < after) & !isBefore;
-    before = isBefore ? keyFrame : before;
-    beforeIndex = isBefore ? i : beforeIndex;
-    after = isAfter ? keyFrame : after;
-    afterIndex = isAfter ? i : afterIndex;
+  for (int first = 0; first < count; first += kKeysAtOnce) {
+    nearest.visit(*keys, first, std::min(count - first, kKeysAtOnce));
   }
-  const bool hasBefore = before != std::numeric_limits<std::int64_t>::min();
-  const bool hasAfter = after != std::numeric_limits<std::int64_t>::max();
-  minIndex = hasBefore || !hasAfter ? beforeIndex : afterIndex;
-  maxIndex = hasAfter ? afterIndex : minIndex;
+  nearest.get(minIndex, maxIndex);
 }
 
 uValue XCAnimationMgr::InterpolateValue(UxZel::IZelMgr* mgr,
