@@ -19,7 +19,8 @@ int complain(const std::string& fault, int exitCode) {
   return exitCode;
 }
 
-/// Where memory runs out inside a destructor, no handler is reached.
+// The terminate handler: an exception inside a destructor reaches no handler in main. Formatted
+// output would need memory, so the text goes out by write(2).
 [[noreturn]] void endWithoutMemory() {
   vexa::formats::removeTemporaries();
   try {
@@ -45,9 +46,7 @@ int complainOfUsage(const CLI::App& app, const CLI::ParseError& error) {
                   2);
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
+int run(int argc, char** argv) {
   vexa::formats::openStandardStreams();
   vexa::formats::removeTemporariesOnSignals();
   std::set_terminate(endWithoutMemory);
@@ -67,4 +66,16 @@ int main(int argc, char** argv) {
   const bool written = std::cout.flush().good() && std::fflush(stdout) == 0;
   if (!written || std::ferror(stdout) != 0) return complain("standard output: cannot write", 1);
   return 0;
+}
+
+}  // namespace
+
+// Setting up the options and writing an error text need memory, too, and happen outside run()'s
+// handlers.
+int main(int argc, char** argv) {
+  try {
+    return run(argc, argv);
+  } catch (...) {
+    endWithoutMemory();
+  }
 }

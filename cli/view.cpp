@@ -10,6 +10,7 @@
 #include "formats/read_file.h"
 #include "formats/write_file.h"
 #include "scene/page.h"
+#include "scene/scene_extent.h"
 
 namespace vexa::cli {
 namespace {
@@ -47,7 +48,7 @@ std::string filled(const std::string& file, const std::string& data) {
 void view(const Options& options) {
   const std::string pageTemplate = templateFile(options);
   scene::ScenePlayer player = loadScene(options.scene);
-  int first = 0, last = scene::lastKeyFrame(player.scene());
+  int first = 0, last = scene::lastFrame(player.scene());
   if (!options.frames.empty()) {
     const std::vector<int> frames = parseFrames(options.frames);
     first = frames.front();

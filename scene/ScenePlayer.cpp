@@ -9,6 +9,7 @@
 
 #include "formats/AnimationFile.h"
 #include "formats/finite.h"
+#include "scene/value_kind.h"
 #include "vexa/animation/CZelObjectInstanceTool.h"
 #include "vexa/mesh/Mesh.h"
 
@@ -18,17 +19,6 @@ namespace {
 using refhost::Instance;
 using refhost::Property;
 using Matrix = Norvel::Vexa::ux_matrix44<double>;
-
-bool isPosition(const Property& value) {
-  return value.mPropertyType == UxZel::kPropertyPosition ||
-         value.mPropertyType == UxZel::kPropertyPositionTarget ||
-         value.mPropertyType == UxZel::kPropertyPositionObject;
-}
-
-bool drivesAnInstance(const Property& value) {
-  return value.mPropertyType == UxZel::kPropertyAnimatedFrame ||
-         value.mPropertyType == UxZel::kPropertyAnimatedWalk;
-}
 
 [[noreturn]] void refuse(const std::string& what, const std::string& name, const std::string& why) {
   throw std::runtime_error(what + " \"" + name + "\": " + why);
@@ -77,14 +67,10 @@ void checkValue(const refhost::Scene& scene, const Property& value) {
   if (std::all_of(keys.begin(), keys.end(), [](const auto& key) { return key.mFrame < 0; })) {
     refuse("value", value.mName, "has no key at a frame from 0 on");
   }
-  const bool needsTwo =
-      drivesAnInstance(value) || value.mPropertyType == UxZel::kPropertyAnimatedFrameRate;
-  if (needsTwo && value.mKeys.mElements.size() < 2) {
+  if (showsFrames(value) && value.mKeys.mElements.size() < 2) {
     refuse("value", value.mName, "needs a key at the start and one at the end");
   }
-  if (isPosition(value) || value.mPropertyType == UxZel::kPropertyAnimatedWalk) {
-    checkPosition(scene, value);
-  }
+  if (followsPath(value)) checkPosition(scene, value);
   if (!drivesAnInstance(value)) return;
   if (value.mInstance == refhost::kNone) refuse("value", value.mName, "names no instance");
   const Instance& instance = scene.mInstances.mElements[value.mInstance];

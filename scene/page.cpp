@@ -1,6 +1,5 @@
 #include "scene/page.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <stdexcept>
 
@@ -69,14 +68,6 @@ void addFile(const std::string& name, const std::string& bytes, json& ioFiles) {
 }
 
 }  // namespace
-
-int lastKeyFrame(const refhost::Scene& scene) {
-  int last = 0;
-  for (const refhost::Property& value : scene.mProperties) {
-    for (const refhost::Key& key : value.mKeys.mElements) last = std::max(last, key.mFrame);
-  }
-  return last;
-}
 
 std::string pageData(const std::string& sceneFile, ScenePlayer& player, int first, int last) {
   const Path folder = Path(sceneFile).parent_path();

@@ -6,9 +6,6 @@
 
 namespace vexa::scene {
 
-/// The last frame at which a value of the scene has a key; 0 without keys.
-int lastKeyFrame(const refhost::Scene& scene);
-
 /// All that a page needs to play the scene without any other file, as JSON that can stand in a
 /// script element:
 ///

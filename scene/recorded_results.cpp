@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 
+#include "scene/value_kind.h"
 #include "scene/value_parts.h"
 #include "vexa/mesh/Mesh.h"
 
@@ -55,19 +56,11 @@ bool isArithmeticOnly(const refhost::Scene& scene, const refhost::Property& valu
   const auto isLinear = [](const refhost::Key& key) {
     return key.mInterpolationType == UxZel::kInterpolationLinear;
   };
-  switch (value.mPropertyType) {
-    case UxZel::kPropertyPosition:
-    case UxZel::kPropertyPositionTarget:
-    case UxZel::kPropertyPositionObject:
-      // An open path eases in and out unless all its keys are linear.
-      return isOnClosedPath(scene, value) || std::all_of(keys.begin(), keys.end(), isLinear);
-    case UxZel::kPropertyAnimatedFrame:
-    case UxZel::kPropertyAnimatedWalk:
-    case UxZel::kPropertyAnimatedFrameRate:
-      return true;
-    default:
-      return std::none_of(keys.begin(), keys.end(), isCurved);
+  if (isPosition(value)) {
+    // An open path eases in and out unless all its keys are linear.
+    return isOnClosedPath(scene, value) || std::all_of(keys.begin(), keys.end(), isLinear);
   }
+  return showsFrames(value) || std::none_of(keys.begin(), keys.end(), isCurved);
 }
 
 ResultRecorder::ResultRecorder(ScenePlayer& player)

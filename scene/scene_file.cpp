@@ -9,6 +9,7 @@
 #include "formats/calendar.h"
 #include "formats/json_value.h"
 #include "formats/obj.h"
+#include "scene/value_kind.h"
 
 namespace vexa::scene {
 namespace {
@@ -254,7 +255,7 @@ class SceneReader {
     if (const auto instance = value.find("instance")) {
       property.mInstance = indexOf(*instance, mInstances, "instance");
     }
-    const int type = valueTypeOf(value, property.mPropertyType);
+    const int type = valueTypeOf(value, property);
     for (const formats::JsonValue& key : value.member("keys").list())
       property.mKeys.add(readKey(key, type));
     requireWhatTheKindNeeds(value, property);
@@ -262,24 +263,15 @@ class SceneReader {
   }
 
   /// The type of a value's keys; the kinds that are driven have one each.
-  static int valueTypeOf(const formats::JsonValue& value, unsigned int kind) {
+  static int valueTypeOf(const formats::JsonValue& value, const refhost::Property& property) {
     if (const auto type = value.find("type")) return codeOf(*type, kValueTypes);
-    const bool isFrame = kind == UxZel::kPropertyAnimatedFrame ||
-                         kind == UxZel::kPropertyAnimatedWalk ||
-                         kind == UxZel::kPropertyAnimatedFrameRate;
-    return isFrame ? UxZel::kValueInteger : UxZel::kValueReal;
+    return showsFrames(property) ? UxZel::kValueInteger : UxZel::kValueReal;
   }
 
   static void requireWhatTheKindNeeds(const formats::JsonValue& value,
                                       const refhost::Property& property) {
-    const unsigned int kind = property.mPropertyType;
-    const bool followsPath =
-        kind == UxZel::kPropertyPosition || kind == UxZel::kPropertyPositionTarget ||
-        kind == UxZel::kPropertyPositionObject || kind == UxZel::kPropertyAnimatedWalk;
-    const bool drives =
-        kind == UxZel::kPropertyAnimatedFrame || kind == UxZel::kPropertyAnimatedWalk;
-    if (followsPath) value.member("path");
-    if (drives) value.member("instance");
+    if (followsPath(property)) value.member("path");
+    if (drivesAnInstance(property)) value.member("instance");
   }
 
   static refhost::Key readKey(const formats::JsonValue& value, int type) {

@@ -6,7 +6,7 @@
 #include "plot/path_plot.h"
 #include "scene/mesh_materials.h"
 #include "scene/path_curve.h"
-#include "scene/value_parts.h"
+#include "scene/value_kind.h"
 #include "scene/value_plots.h"
 
 namespace vexa::scene {
@@ -33,7 +33,7 @@ plot::PathDrawing drawingOf(const refhost::Path& path) {
 std::vector<plot::Track> emptyTracks(const refhost::Scene& scene) {
   std::vector<plot::Track> tracks;
   for (const auto& value : scene.mProperties) {
-    if (partNames(value).size() == 6) tracks.push_back({value.mName, {}});
+    if (isPosition(value)) tracks.push_back({value.mName, {}});
   }
   for (const auto& instance : scene.mInstances.mElements) tracks.push_back({instance.mName, {}});
   return tracks;
@@ -44,7 +44,7 @@ std::vector<UxZel::CZelPoint> trackPoints(const ScenePlayer& player) {
   std::vector<UxZel::CZelPoint> points;
   const auto& values = player.scene().mProperties;
   for (std::size_t i = 0; i < values.size(); ++i) {
-    if (partNames(values[i]).size() != 6) continue;
+    if (!isPosition(values[i])) continue;
     const double* p = player.samples()[i].mValue.mVector;
     points.push_back({p[0], p[1], p[2]});
   }

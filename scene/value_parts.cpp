@@ -2,24 +2,16 @@
 
 #include <algorithm>
 
+#include "scene/value_kind.h"
+
 namespace vexa::scene {
 namespace {
 
 enum class Shape { kPosition, kVector, kColor, kInteger, kDate, kStep, kReal };
 
 Shape shapeOf(const refhost::Property& value) {
-  switch (value.mPropertyType) {
-    case UxZel::kPropertyPosition:
-    case UxZel::kPropertyPositionTarget:
-    case UxZel::kPropertyPositionObject:
-      return Shape::kPosition;
-    case UxZel::kPropertyAnimatedFrame:
-    case UxZel::kPropertyAnimatedWalk:
-    case UxZel::kPropertyAnimatedFrameRate:
-      return Shape::kInteger;
-    default:
-      break;
-  }
+  if (isPosition(value)) return Shape::kPosition;
+  if (showsFrames(value)) return Shape::kInteger;
   switch (value.mKeys.mElements.front().mValueType) {
     case UxZel::kValueVector:
       return Shape::kVector;

@@ -7,6 +7,7 @@
 
 #include "formats/calendar.h"
 #include "plot/curve_plot.h"
+#include "scene/value_kind.h"
 #include "scene/value_parts.h"
 
 namespace vexa::scene {
@@ -16,7 +17,7 @@ using Samples = std::vector<ScenePlayer::Sample>;
 
 constexpr plot::Ink kInks[] = {{0.80, 0.20, 0.15}, {0.15, 0.55, 0.25}, {0.15, 0.35, 0.75},
                                {0.45, 0.45, 0.45}, {0.60, 0.20, 0.60}, {0.70, 0.55, 0.00}};
-constexpr std::size_t kPlaceParts = 3, kPositionParts = 6;
+constexpr std::size_t kPlaceParts = 3;  // of a position; its direction follows
 
 // How often a cyclic value has started anew before a frame.
 std::int64_t passOf(const refhost::Property& value, int frame) {
@@ -35,12 +36,6 @@ bool stepsBetween(const refhost::Property& value, int from, int to) {
     if (holds && keys[k].mFrame > from && keys[k].mFrame <= to) return true;
   }
   return false;
-}
-
-bool showsFrames(const refhost::Property& value) {
-  return value.mPropertyType == UxZel::kPropertyAnimatedFrame ||
-         value.mPropertyType == UxZel::kPropertyAnimatedWalk ||
-         value.mPropertyType == UxZel::kPropertyAnimatedFrameRate;
 }
 
 // The samples that do not continue the one before.
@@ -95,15 +90,14 @@ void addDates(plot::CurvePlot& ioPlot) {
 void addPlots(const refhost::Property& value, std::size_t index, const std::vector<int>& frames,
               const std::vector<Samples>& samples, std::vector<plot::CurvePlot>& ioPlots) {
   const std::size_t count = partNames(value).size();
-  const bool isPosition = count == kPositionParts;
   plot::CurvePlot plot =
-      plotOfParts(value, index, frames, samples, 0, isPosition ? kPlaceParts : count);
+      plotOfParts(value, index, frames, samples, 0, isPosition(value) ? kPlaceParts : count);
   if (isColor(value)) addSwatches(plot, index, samples);
   if (isDate(value)) addDates(plot);
-  if (isPosition) plot.mUnit = "scene units";
+  if (isPosition(value)) plot.mUnit = "scene units";
   if (showsFrames(value)) plot.mUnit = "frame of the animation";
   ioPlots.push_back(std::move(plot));
-  if (!isPosition) return;
+  if (!isPosition(value)) return;
   ioPlots.push_back(plotOfParts(value, index, frames, samples, kPlaceParts, count));
   ioPlots.back().mTitle += ": direction";
 }
