@@ -24,6 +24,15 @@ PLANTED = {
                                     "<assimp/scene.h> belongs to importer"),
     "Cairo outside the plots": ("formats/planted.cpp", "#include <cairo.h>",
                                 "<cairo.h> belongs to plot"),
+    "the importer behind the page": ("web/planted.cpp", '#include "importer/model_import.h"',
+                                     'web may not include "importer/model_import.h"'),
+    "Emscripten outside the page": ("scene/planted.cpp", "#include <emscripten/emscripten.h>",
+                                    "<emscripten/emscripten.h> belongs to web"),
+    "pybind11 outside the module": ("scene/planted.cpp", "#include <pybind11/stl.h>",
+                                    "<pybind11/stl.h> belongs to python"),
+    "a script that imports from another folder": (
+        "verify/planted.mjs", "import { a } from '../web/src/scene.ts';",
+        'verify may not import "web/src/scene.ts"'),
     "a cycle": ("vexa/math/planted.h", '#include "vexa/math/planted.h"', "cycle: "),
     "a header missing from the umbrella": ("vexa/math/planted.h", "", "lacks vexa/math/planted.h"),
 }
@@ -44,6 +53,7 @@ class CheckLayers(unittest.TestCase):
                 tree = pathlib.Path(temporary)
                 for folder in ("vexa", "importer", "scene", "formats"):
                     shutil.copytree(ROOT / folder, tree / folder)
+                (tree / path).parent.mkdir(exist_ok=True)
                 (tree / path).write_text(line + "\n")
                 result = check(tree)
                 self.assertEqual(result.returncode, 1)
