@@ -5,6 +5,7 @@
 #include <mutex>
 
 #include "formats/glb.h"
+#include "formats/mesh_surfaces.h"
 #include "python/bindings_internal.h"
 #include "scene/ScenePlayer.h"
 #include "scene/scene_file.h"
@@ -136,6 +137,7 @@ class Scene {
     const py::gil_scoped_release released;
     const std::lock_guard<std::mutex> lock(mMutex);
     std::vector<MovingMesh> moving = mMeshes;
+    formats::addSurfaces(moving);
     for (const int frame : wanted) {
       mPlayer.setFrame(frame);
       mPlayer.appendPoses(moving);

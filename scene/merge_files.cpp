@@ -6,6 +6,7 @@
 
 #include "formats/NewFile.h"
 #include "formats/glb.h"
+#include "formats/mesh_surfaces.h"
 #include "formats/point_cache.h"
 #include "scene/mesh_names.h"
 
@@ -121,6 +122,7 @@ std::vector<std::string> mergeCaches(const std::vector<MergedPart>& parts, float
 void mergeGlb(const std::vector<MergedPart>& parts, const std::vector<int>& frames,
               ScenePlayer& player, const formats::OutputFolder& target) {
   std::vector<formats::MovingMesh> meshes = player.meshes();
+  formats::addSurfaces(meshes);
   std::vector<std::vector<formats::PointCacheReader>> readers;
   for (const std::string& name : meshNames(meshes))
     readers.push_back(openCaches(parts, name + ".pc2"));

@@ -1,35 +1,20 @@
 #include "scene/mesh_materials.h"
 
-#include <algorithm>
 #include <filesystem>
 #include <map>
-#include <stdexcept>
 
-#include "formats/obj.h"
-#include "formats/read_file.h"
+#include "formats/mesh_surfaces.h"
 #include "plot/Picture.h"
 
 namespace vexa::scene {
 namespace {
 
-// Files may state any number of materials; what nobody can see apart is cut off.
-constexpr unsigned int kMostMaterials = 1000;
-
 using Color = Oru::TVector3D<float>;
-using Materials = std::vector<std::optional<formats::MtlMaterial>>;
-
-Materials materialsOfFile(const std::string& objFile) {
-  try {
-    return meshMaterials(formats::readFile(objFile), objFile);
-  } catch (const std::runtime_error&) {
-    return {};
-  }
-}
 
 // The materials of one mesh file with their textures.
 class Palette {
  public:
-  explicit Palette(const std::string& objFile) : mMaterials(materialsOfFile(objFile)) {
+  explicit Palette(const std::string& objFile) : mMaterials(formats::materialsOfFile(objFile)) {
     const std::filesystem::path folder = std::filesystem::path(objFile).parent_path();
     for (const auto& material : mMaterials) {
       const bool isPictured = material && !material->texture.empty();
@@ -50,33 +35,11 @@ class Palette {
   }
 
  private:
-  Materials mMaterials;
+  formats::MaterialsById mMaterials;
   std::vector<plot::Picture> mTextures;
 };
 
 }  // namespace
-
-std::vector<std::optional<formats::MtlMaterial>> meshMaterials(const std::string& objText,
-                                                               const std::string& objFile) {
-  const std::string folder = std::filesystem::path(objFile).parent_path().string();
-  const auto known = formats::readMaterialsOf(objText, folder);
-  Materials materials;
-  if (known.empty()) return materials;
-  const formats::ObjModel model = formats::parseObj(objText, objFile);
-  unsigned int count = 0;
-  for (const auto& triangle : model.triangles) count = std::max(count, triangle.material + 1);
-  for (unsigned int id = 0; id < std::min(count, kMostMaterials); ++id) {
-    const std::string name = id < model.materials.size() ? model.materials[id] : std::to_string(id);
-    const auto found = std::find_if(known.begin(), known.end(),
-                                    [&name](const auto& each) { return each.name == name; });
-    if (found == known.end()) {
-      materials.emplace_back();
-    } else {
-      materials.emplace_back(*found);
-    }
-  }
-  return materials;
-}
 
 void addColors(std::vector<formats::MovingMesh>& ioMeshes) {
   std::map<std::string, Palette> palettes;

@@ -5,8 +5,8 @@
 
 #include "formats/base64.h"
 #include "formats/json_value.h"
+#include "formats/mesh_surfaces.h"
 #include "formats/read_file.h"
-#include "scene/mesh_materials.h"
 #include "scene/recorded_results.h"
 #include "scene/value_parts.h"
 
@@ -35,7 +35,7 @@ std::string dataAddress(const Path& file) {
 json materialsOf(const std::string& objText, const Path& objFile) {
   const Path folder = objFile.parent_path();
   json list = json::array();
-  for (const auto& material : meshMaterials(objText, objFile.string())) {
+  for (const auto& material : formats::meshMaterials(objText, objFile.string())) {
     if (!material) {
       list.push_back(nullptr);
       continue;

@@ -15,6 +15,7 @@
 #include "formats/OutputFolder.h"
 #include "formats/file_error.h"
 #include "formats/glb.h"
+#include "formats/mesh_surfaces.h"
 #include "formats/obj.h"
 #include "formats/point_cache.h"
 #include "scene/mesh_names.h"
@@ -125,6 +126,7 @@ class SceneFiles {
       return;
     }
     if (mOutput.mMeshes == SceneOutput::Meshes::kPointCache) return prepareCaches(meshes, poses);
+    formats::addSurfaces(meshes);
     for (std::size_t m = 0; m < meshes.size(); ++m) meshes[m].mFrames.push_back(poses[m]);
     const int timeScale = player.scene().mSettings.mElements[0].mTimeScale;
     const std::string path = mFolder.pathFor("scene.glb");

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <tiny_gltf.h>
 
+#include "formats/write_file.h"
 #include "tests/helpers/compare.h"
 #include "tests/helpers/scratch_directory.h"
 
@@ -63,6 +64,42 @@ TEST(Glb, AnotherReaderFindsTheFramesAsMorphTargets) {
   EXPECT_EQ(numberAt<float>(model, weights.sparse.values.bufferView, 1), 1);
   const auto& moves = model.accessors.at(std::size_t(shape.targets[1].at("POSITION")));
   EXPECT_EQ(moves.maxValues, (std::vector<double>{0, 2, 0}));
+}
+
+// Half of what a screen shows is about a fifth of the light. The square has no uv for a picture.
+TEST(Glb, StatedColoursAndPicturesAreInTheFile) {
+  const vexa::tests::ScratchDirectory folder;
+  const std::string picture = (folder / "p.png").string(), path = (folder / "flap.glb").string();
+  vexa::formats::writeFile(picture, "\x89PNG\r\n\x1a\n and what an encoder wrote");
+  MovingMesh plain = flap(2), pictured = flap(2);
+  plain.mFile = pictured.mFile = "flap.obj";
+  plain.mSurfaces = {vexa::formats::MtlMaterial{"skin", {0.5, 0, 1}, picture}};
+  pictured.mSurfaces = plain.mSurfaces;
+  pictured.mUvs.resize(2);
+  writeGlb(path, {plain, pictured, pictured}, 25);
+  tinygltf::TinyGLTF reader;
+  std::string image;
+  const auto keepImage = [](tinygltf::Image*, int, std::string*, std::string*, int, int,
+                            const unsigned char* bytes, int size, void* to) {
+    static_cast<std::string*>(to)->assign(bytes, bytes + size);
+    return true;
+  };
+  reader.SetImageLoader(keepImage, &image);
+  tinygltf::Model model;
+  std::string error, warning;
+  ASSERT_TRUE(reader.LoadBinaryFromFile(&model, &error, &warning, path)) << error;
+  EXPECT_EQ(image, vexa::tests::textOf(picture));
+  const auto materialOf = [&model](std::size_t mesh, std::size_t primitive) {
+    const int index = model.meshes.at(mesh).primitives.at(primitive).material;
+    return model.materials.at(std::size_t(index));
+  };
+  const auto& color = materialOf(0, 0).pbrMetallicRoughness.baseColorFactor;
+  EXPECT_NEAR(color.at(0), 0.214, 0.001);
+  EXPECT_EQ(color.at(2), 1);
+  EXPECT_EQ(materialOf(0, 0).pbrMetallicRoughness.baseColorTexture.index, -1);
+  EXPECT_EQ(materialOf(1, 0).pbrMetallicRoughness.baseColorTexture.index, 0);
+  EXPECT_EQ(materialOf(0, 1).name, "material_5");  // not stated
+  EXPECT_EQ(model.materials.size(), 3u);           // the third mesh has those of the second
 }
 
 TEST(Glb, WithoutMeshesAnEmptyScene) {
