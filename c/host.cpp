@@ -77,7 +77,7 @@ class HostObject final : public Object {
 
   std::uint32_t addObject(const vexa_object& object) {
     refhost::Definition definition = definitionOf(object);
-    mTakeFrames.push_back({});
+    mTakeFrames.emplace_back();
     mObjects.push_back(std::move(definition));
     return std::uint32_t(mObjects.size() - 1);
   }
@@ -122,14 +122,14 @@ class HostObject final : public Object {
     property.mInstance = index;
     instance.mDefinition = 0;
     // Lent for the call: the manager knows the object by its address.
-    std::swap(scene.mDefinitions[0], mObjects[shown.mObject]);
-    const GiveBack giveBack{scene.mDefinitions[0], mObjects[shown.mObject]};
+    refhost::Definition& lent = scene.mDefinitions.front();
+    std::swap(lent, mObjects[shown.mObject]);
+    const GiveBack giveBack{lent, mObjects[shown.mObject]};
     vexa::scene::checkValue(scene, property);
     UxZel::CZelVector direction;
     instance.mState.mCurrentFrame =
         mManager
-            ->ManageAnimatedObjectInstance(&scene, &instance, &scene.mDefinitions[0], &property,
-                                           frame, &direction)
+            ->ManageAnimatedObjectInstance(&scene, &instance, &lent, &property, frame, &direction)
             .mInteger;
     return placementOf(instance);
   }

@@ -41,7 +41,8 @@ class VEXA_EXPORT XCFrameCollector : public XIFrameCollector {
                                                        double& outWeightSum) const override;
   Oru::TVector3D<float> TransformPoint(const Oru::TVector3D<float>* vertex, unsigned int take,
                                        unsigned int frame) const override;
-  Oru::TVector3D<float> TransformPoint(unsigned int, unsigned int, unsigned int) const override;
+  Oru::TVector3D<float> TransformPoint(unsigned int take, unsigned int frame,
+                                       unsigned int vertex) const override;
   UXS::Mesh* GetCurrentDefinition(unsigned int take, unsigned int frame,
                                   const UxZel::CZelUUID& definition) override;
   unsigned int GetSize() const override;

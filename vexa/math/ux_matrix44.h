@@ -112,7 +112,7 @@ class VEXA_EXPORT ux_matrix44 {
  private:
   // For results whose elements are all written next.
   struct Unset {};
-  explicit ux_matrix44(Unset) {}
+  explicit ux_matrix44(Unset /*unused*/) {}
 
   constexpr T row(int r, const ux_point4<T>& p) const {
     return rowTimesDirection(e, r, p) + e[12 + r] * p.w;  // order: exact floats

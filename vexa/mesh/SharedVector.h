@@ -22,7 +22,8 @@ class SharedVector {
   SharedVector(std::vector<T> values)  // NOLINT(google-explicit-constructor): a vector is one
       : mValues(std::make_shared<std::vector<T>>(std::move(values))) {}
   SharedVector& operator=(std::initializer_list<T> values) {
-    return *this = SharedVector(std::vector<T>(values));
+    *this = SharedVector(std::vector<T>(values));
+    return *this;
   }
 
   operator const std::vector<T>&() const { return get(); }  // NOLINT(google-explicit-constructor)

@@ -82,7 +82,7 @@ class VEXA_EXPORT uxs_array {
   /// Twice the capacity, or 1 when that is 0.
   /// Required behaviour: computed in the width of Index, so half of its range wraps to 1.
   static Index default_sizefunc(Index capacity) {
-    const Index doubled = static_cast<Index>(2 * capacity);
+    const auto doubled = Index(2 * capacity);
     return doubled == 0 ? Index{1} : doubled;
   }
   /// Copies the bytes; false when either pointer is null.
@@ -140,10 +140,10 @@ bool uxs_array<T, Index>::copy(const uxs_array& other) {
 template <class T, class Index>
 Index uxs_array<T, Index>::copy(const uxs_array& other, Index start, Index n) try {
   if (other.mSize <= start) return 0;
-  const Index rest = static_cast<Index>(other.mSize - start);
+  const auto rest = Index(other.mSize - start);
   const Index count = rest < n ? rest : n;
   if (this == &other) return count;
-  const Index end = static_cast<Index>(start + count);
+  const auto end = Index(start + count);
   if (mCapacity < end && !reserve(end)) return 0;
   for (Index i = mSize; i < start; ++i) mData[i] = T();  // what a clear() left there
   mCopyFunction(mData + start, other.mData + start, count);
