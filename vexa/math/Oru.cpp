@@ -2,7 +2,8 @@
 #include "vexa/math/TVector2D.h"
 #include "vexa/math/TVector3D.h"
 
-// Constant initialisation: the values are there before any code of the host runs.
+// Constant initialisation: the values are there before any code of the host runs. They are in one
+// source, so that every module of a host sees the same address.
 namespace Oru {
 
 template <>

@@ -4,7 +4,8 @@
 /// row r and column c at 4c + r, points as column vectors on the right.
 namespace Norvel::Vexa {
 
-/// out = a p for one column p of four values, each row summed from the first term on.
+/// out = a p for one column p of four values, each row summed from the first term on. p is read
+/// before out is written, so out may be p.
 template <class T>
 constexpr void multiplyColumn(const T* a, const T* p, T* out) {
   const T x = p[0], y = p[1], z = p[2], w = p[3];

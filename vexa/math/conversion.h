@@ -21,18 +21,20 @@ constexpr std::int32_t truncToInt(double value) {
                                                        : std::numeric_limits<std::int32_t>::min();
 }
 
-/// Truncated toward zero; out of range or NaN gives the most negative 64-bit integer.
+/// Truncated toward zero; out of range or NaN gives the most negative 64-bit integer. -2^63 itself
+/// is a double and converts; the next double below it does not.
 constexpr std::int64_t truncToLong(double value) {
   return value >= -9223372036854775808.0 && value < 9223372036854775808.0
              ? std::int64_t(value)
              : std::numeric_limits<std::int64_t>::min();
 }
 
-/// The low 32 bits of a 64-bit integer, as a signed integer.
+/// The low 32 bits of a 64-bit integer, as a signed integer. gcc and clang define the conversion
+/// from unsigned as wrapping, which C++17 leaves to the compiler.
 constexpr std::int32_t wrapToInt(std::int64_t value) { return std::int32_t(std::uint32_t(value)); }
 
 /// Sum, difference and product that wrap around, as two's complement hardware does. T is a signed
-/// integer of 32 or 64 bits.
+/// integer of 32 or 64 bits. They are computed unsigned, where overflow is defined.
 template <class T>
 constexpr T wrapAdd(T a, T b) {
   using Bits = std::make_unsigned_t<T>;

@@ -13,9 +13,11 @@ namespace Norvel::Vexa {
 
 namespace {
 
+// In T: the double rounded, which for float is the nearest float to pi.
 template <class T>
 constexpr T kPi = T(3.141592653589793);
 
+// The inverse is written once for both precisions; the build chooses plain or wide lanes.
 template <class T>
 using Inverse = MatrixInverse<T, std::conditional_t<std::is_same_v<T, float>, Float4, Double4>>;
 
@@ -59,6 +61,7 @@ ux_matrix44<T> ux_matrix44<T>::invert() const {
   return result;
 }
 
+// invert() throws before anything is assigned, so a singular matrix stays as it was.
 template <class T>
 void ux_matrix44<T>::inverse() {
   *this = invert();
@@ -82,6 +85,13 @@ void ux_matrix44<T>::trans(T x, T y, T z) {
   e[14] = z;
 }
 
+// Rodrigues' formula for a unit axis a = (x, y, z): the part of a vector along the axis stays, the
+// part across it turns by the angle.
+//
+//   M = a a^T + (1 - a a^T) cos + [a]x sin        [a]x v = a x v
+//
+// The diagonal keeps this grouping, the other elements have the cosine factored out. Both are the
+// same on paper and differ in the last bit.
 template <class T>
 void ux_matrix44<T>::rot(T x, T y, T z, T angle) {
   ux_matrix44& m = *this;
@@ -107,6 +117,8 @@ void ux_matrix44<T>::scale(T x, T y, T z) {
   e[10] = z;
 }
 
+// The centre of the window and the near plane go to the origin, then the box is scaled. The depth
+// is divided by its whole length, not by half of it: hence [0, -1].
 template <class T>
 void ux_matrix44<T>::ortho_proj(T left, T right, T bottom, T top, T near, T far) {
   scale(2 / (right - left), 2 / (top - bottom), -1 / (far - near));
@@ -124,12 +136,18 @@ void ux_matrix44<T>::oblique_proj(T left, T right, T bottom, T top, T near, T fa
   *this = *this * shear;
 }
 
+//      |       /        f = 1 / tan(fovy / 2), the distance at which the window is 2 wide.
+//      |     /|         w of the result is -z, so the division by w makes x smaller with the
+//      |   /  | 1       distance. The depth a z + b, divided by -z, is to be -1 at the near plane
+//      | /    |         and 1 at the far plane, which gives m(2, 2) = a and m(2, 3) = b.
+//  eye o--------- -z
+//           f
 template <class T>
 void ux_matrix44<T>::persp_proj(T fovy, T aspect, T near, T far) {
   ux_matrix44& m = *this;
-  const T f = 1 / std::tan(fovy * kPi<T> / 180 * T(0.5));
+  const T f = 1 / std::tan(fovy * kPi<T> / 180 * T(0.5));  // order: exact floats
   const T d = 1 / (near - far);
-  m = ux_matrix44() * T(0);
+  m = ux_matrix44() * T(0);  // an identity would leave 1 at (3, 3)
   m(0, 0) = aspect >= 1 ? f : f / aspect;
   m(1, 1) = aspect >= 1 ? f * aspect : f;
   m(2, 2) = (near + far) * d;
@@ -137,6 +155,8 @@ void ux_matrix44<T>::persp_proj(T fovy, T aspect, T near, T far) {
   m(3, 2) = -1;
 }
 
+// The same projection through a window that need not be centred: column 2 shears the window's
+// centre onto the axis.
 template <class T>
 void ux_matrix44<T>::frustum(T left, T right, T bottom, T top, T near, T far) {
   ux_matrix44& m = *this;
@@ -152,6 +172,13 @@ void ux_matrix44<T>::frustum(T left, T right, T bottom, T top, T near, T far) {
   m(3, 2) = -1;
 }
 
+// The camera's axes as rows: s to the right, u up, f backwards, as the camera looks along its -Z.
+//
+//      u  up        s = up x f points out of the drawing. u is f x s and not `up` itself, which
+//      ^  ^         need not be perpendicular to the view.
+//      | /
+//      |/           A point is first moved so that the eye is the origin, then measured along the
+//  f <-o eye        three axes.
 template <class T>
 void ux_matrix44<T>::lookat(const ux_point3<T>& eye, const ux_point3<T>& center,
                             const TUxBaseVector<T>& up) {

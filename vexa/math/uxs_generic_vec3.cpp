@@ -1,6 +1,7 @@
 #include "vexa/math/uxs_generic_vec3.h"
 
-// Constant initialisation: the values are there before any code of the host runs.
+// Constant initialisation: the values are there before any code of the host runs. Other types of
+// component have no constants: each would need its seven definitions here.
 namespace UXS {
 
 using Consts = uxs_generic_vec3_consts<float>;

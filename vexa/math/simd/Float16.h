@@ -16,7 +16,8 @@ inline __m512 loadRows(const float* a, const float* b, const float* c, const flo
   rows = _mm512_insertf32x4(rows, _mm_loadu_ps(c), 2);
   return _mm512_insertf32x4(rows, _mm_loadu_ps(d), 3);
 }
-/// Four rows of each quarter of the registers become three columns.
+/// Four rows of each quarter of the registers become three columns; see Float8.h for the steps. The
+/// lanes of a result are then points 0 4 8 12 | 1 5 9 13 | ..., and join() restores the order.
 inline void transposeRows(const __m512 (&r)[4], __m512& outX, __m512& outY, __m512& outZ) {
   const __m512 xy01 = _mm512_unpacklo_ps(r[0], r[1]), xy23 = _mm512_unpacklo_ps(r[2], r[3]);
   const __m512 z01 = _mm512_unpackhi_ps(r[0], r[1]), z23 = _mm512_unpackhi_ps(r[2], r[3]);
@@ -44,8 +45,8 @@ struct Avx512Point16 {
   void split(struct Avx512Float16& outX, struct Avx512Float16& outY,
              struct Avx512Float16& outZ) const;
   static Avx512Point16 join(struct Avx512Float16 x, struct Avx512Float16 y, struct Avx512Float16 z);
-  // Nine registers of 16 floats: each row gives 36 of the 144 floats. A place from 16 on is one of
-  // the second row.
+  // Sixteen points three times are 144 floats, nine full registers, so that nothing is written past
+  // the end. Each row gives 36 of them. A place from 16 on is one of the second row.
   void storeTripled(float* to) const {
     const auto from = [&](int row, const __m512i& places) {
       return _mm512_permutexvar_ps(places, rows[row]);
@@ -105,13 +106,12 @@ struct Avx512Float16 {
   static unsigned int storeSelected(const unsigned int* pairs, unsigned int mask,
                                     unsigned int* to) {
     const unsigned int front = mask & 0xFF, back = mask >> 8;
-    const auto count = static_cast<unsigned int>(__builtin_popcount(front));
-    _mm512_storeu_si512(
-        to, _mm512_maskz_compress_epi64(static_cast<__mmask8>(front), _mm512_loadu_si512(pairs)));
-    _mm512_storeu_si512(
-        to + 2 * count,
-        _mm512_maskz_compress_epi64(static_cast<__mmask8>(back), _mm512_loadu_si512(pairs + 16)));
-    return count + static_cast<unsigned int>(__builtin_popcount(back));
+    const auto count = unsigned(__builtin_popcount(front));
+    _mm512_storeu_si512(to,
+                        _mm512_maskz_compress_epi64(__mmask8(front), _mm512_loadu_si512(pairs)));
+    _mm512_storeu_si512(to + 2 * count, _mm512_maskz_compress_epi64(
+                                            __mmask8(back), _mm512_loadu_si512(pairs + 16)));
+    return count + unsigned(__builtin_popcount(back));
   }
 };
 

@@ -109,6 +109,14 @@ inline __m256 loadRows(const float* low, const float* high) {
   return _mm256_insertf128_ps(_mm256_castps128_ps256(_mm_loadu_ps(low)), _mm_loadu_ps(high), 1);
 }
 /// Four rows of each half of the registers become three columns.
+///
+///   r[0] = x0 y0 z0 .       unpacklo(r0, r1) = x0 x1 y0 y1      outX = x0 x1 x2 x3
+///   r[1] = x1 y1 z1 .       unpacklo(r2, r3) = x2 x3 y2 y3      outY = y0 y1 y2 y3
+///   r[2] = x2 y2 z2 .       unpackhi(r0, r1) = z0 z1 .  .       outZ = z0 z1 z2 z3
+///   r[3] = x3 y3 z3 .       unpackhi(r2, r3) = z2 z3 .  .
+///
+/// The lanes of a result are then points 0 2 4 6 | 1 3 5 7. Arithmetic is lane by lane and
+/// join() restores the order.
 inline void transposeRows(const __m256 (&r)[4], __m256& outX, __m256& outY, __m256& outZ) {
   const __m256 xy01 = _mm256_unpacklo_ps(r[0], r[1]), xy23 = _mm256_unpacklo_ps(r[2], r[3]);
   const __m256 z01 = _mm256_unpackhi_ps(r[0], r[1]), z23 = _mm256_unpackhi_ps(r[2], r[3]);
@@ -134,7 +142,12 @@ struct AvxPoint8 {
   }
   void split(struct AvxFloat8& outX, struct AvxFloat8& outY, struct AvxFloat8& outZ) const;
   static AvxPoint8 join(struct AvxFloat8 x, struct AvxFloat8 y, struct AvxFloat8 z);
-  // In ascending order, as each store writes over the float past the one before.
+  // A row has two points, which become 18 floats in three stores of 8, 8 and 4. The last float of
+  // the third store is junk, and the next row's first store writes over it: hence ascending order.
+  //
+  //   from 0:   0 1 2 0 1 2 0 1          (the numbers are places in the row)
+  //   from 8:                   2 4 5 6 4 5 6 4
+  //   from 15:                                4 5 6 junk
   void storeTripled(float* to) const {
     const __m256i front = _mm256_setr_epi32(0, 1, 2, 0, 1, 2, 0, 1);
     const __m256i middle = _mm256_setr_epi32(2, 4, 5, 6, 4, 5, 6, 4);
@@ -146,7 +159,8 @@ struct AvxPoint8 {
   }
 };
 
-/// For each mask of four bits: the places of the 32-bit halves of the selected pairs, in order.
+/// For each mask of four bits: the places of the 32-bit halves of the selected pairs, in order. The
+/// places after them are 0; what they copy lies past the count that is returned.
 alignas(32) constexpr int kSelectedPairs[16][8] = {
     {},
     {0, 1},
@@ -186,7 +200,7 @@ struct AvxFloat8 {
     return {_mm256_and_ps(lanes, _mm256_cmp_ps(condition.lanes, _mm256_setzero_ps(), _CMP_GT_OQ))};
   }
   unsigned int maskOfAtLeast(AvxFloat8 b) const {
-    return static_cast<unsigned int>(_mm256_movemask_ps(_mm256_cmp_ps(lanes, b.lanes, _CMP_GE_OQ)));
+    return unsigned(_mm256_movemask_ps(_mm256_cmp_ps(lanes, b.lanes, _CMP_GE_OQ)));
   }
 
   static AvxFloat8 dotRowsZYX(const float* rows, const unsigned int* pairs) {
@@ -202,10 +216,10 @@ struct AvxFloat8 {
   static unsigned int storeSelected(const unsigned int* pairs, unsigned int mask,
                                     unsigned int* to) {
     const unsigned int front = mask & 15, back = mask >> 4;
-    const auto count = static_cast<unsigned int>(__builtin_popcount(front));
+    const auto count = unsigned(__builtin_popcount(front));
     storeFour(pairs, front, to);
     storeFour(pairs + 8, back, to + 2 * count);
-    return count + static_cast<unsigned int>(__builtin_popcount(back));
+    return count + unsigned(__builtin_popcount(back));
   }
   AvxDouble8 widened() const {
     return {_mm256_cvtps_pd(_mm256_castps256_ps128(lanes)),

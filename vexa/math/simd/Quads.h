@@ -95,6 +95,7 @@ struct VectorQuads {
     io[2].lanes = __builtin_shufflevector(ac23, bd23, 0, 4, 1, 5);
     io[3].lanes = __builtin_shufflevector(ac23, bd23, 2, 6, 3, 7);
   }
+  // Two interleaved registers instead of the four of transpose(): c needs no partner.
   static void transposeThree(VectorQuads a, VectorQuads b, VectorQuads c, VectorQuads out[4]) {
     const Lanes ab01 = __builtin_shufflevector(a.lanes, b.lanes, 0, 4, 1, 5);
     const Lanes ab23 = __builtin_shufflevector(a.lanes, b.lanes, 2, 6, 3, 7);
@@ -123,6 +124,7 @@ struct AvxQuads {
                                           _mm_loadu_ps(from + 16 + 4 * k), 1);
     }
   }
+  // Two loads of four and two floats: one of eight would read past the last point.
   static AvxQuads loadPoints(const float* from) {
     const __m128i low = _mm_loadu_si128(reinterpret_cast<const __m128i*>(from));
     const __m128i high = _mm_loadl_epi64(reinterpret_cast<const __m128i*>(from + 4));
