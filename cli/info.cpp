@@ -15,7 +15,7 @@ std::string asText(const scene::Description& value);
 // "walk (seconds 1.5, keys 20)": the name, then the rest of an object.
 std::string asFacts(const scene::Description& object) {
   std::string name, rest;
-  for (const auto& [key, value] : object.items()) {
+  for (const auto& [key, value] : *object.members()) {
     if (key == "name") {
       name = asText(value);
     } else {
@@ -26,32 +26,32 @@ std::string asFacts(const scene::Description& object) {
 }
 
 std::string asText(const scene::Description& value) {
-  if (value.is_string()) return formats::printable(value.get<std::string>());
-  if (value.is_object()) return asFacts(value);
-  if (!value.is_array()) return value.dump();
+  if (value.text() != nullptr) return formats::printable(*value.text());
+  if (value.members() != nullptr) return asFacts(value);
+  if (value.elements() == nullptr) return value.dump();
   std::string text;
-  for (const auto& element : value) text += (text.empty() ? "" : ", ") + asText(element);
+  for (const auto& element : *value.elements()) {
+    text += (text.empty() ? "" : ", ") + asText(element);
+  }
   return text;
 }
 
 void printText(const scene::Description& description) {
-  for (const auto& [name, value] : description.items()) {
+  for (const auto& [name, value] : *description.members()) {
     if (name == "notes" || name == "faults" || name == "formatVersion") continue;
-    std::printf("%-26s %s\n", name.c_str(), formats::printable(asText(value)).c_str());
+    std::printf("%-26s %s\n", name.c_str(), asText(value).c_str());
   }
-  for (const auto& note : description["notes"])
-    std::printf("note: %s\n", formats::printable(asText(note)).c_str());
-  for (const auto& fault : description["faults"])
-    std::printf("fault: %s\n", formats::printable(asText(fault)).c_str());
+  for (const auto& note : *description["notes"].elements())
+    std::printf("note: %s\n", asText(note).c_str());
+  for (const auto& fault : *description["faults"].elements())
+    std::printf("fault: %s\n", asText(fault).c_str());
 }
 
 void info(const std::string& file, bool json) {
   const scene::Description description =
       importer::isModelFile(file) ? importer::describeModel(file) : scene::describeFile(file);
   if (json) {
-    // Names are from the file: only plain characters, the others as \u escapes.
-    constexpr auto kReplace = scene::Description::error_handler_t::replace;
-    std::puts(description.dump(2, ' ', true, kReplace).c_str());
+    std::puts(description.dump(scene::Description::Layout::kIndented).c_str());
   } else {
     printText(description);
   }

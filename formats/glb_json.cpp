@@ -1,7 +1,7 @@
 #include <cstdint>
-#include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "formats/JsonTree.h"
 #include "formats/glb_json_internal.h"
 
 namespace vexa::formats {
@@ -19,7 +19,7 @@ std::size_t lengthOf(const PutJson& putJson) {
 }  // namespace
 
 std::string quoted(const std::string& text) {
-  return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+  return JsonTree(text).dump(JsonTree::Layout::kOneLine, JsonTree::Characters::kUtf8);
 }
 
 GlbFrame::GlbFrame(const std::string& name, const PutJson& putJson, std::size_t binaryBytes)

@@ -2,11 +2,12 @@
 
 #include <cstdint>
 #include <initializer_list>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <string>
 #include <utility>
 #include <vector>
+
+#include "formats/JsonTree.h"
 
 namespace vexa::formats {
 
@@ -16,11 +17,11 @@ namespace vexa::formats {
 /// what was expected.
 class JsonValue {
  public:
-  explicit JsonValue(const nlohmann::json& document) : mValue(&document) {}
+  explicit JsonValue(const JsonTree& document) : mValue(&document) {}
 
   const std::string& path() const { return mPath; }
-  bool isText() const { return mValue->is_string(); }
-  bool isNumber() const { return mValue->is_number(); }
+  bool isText() const { return mValue->text() != nullptr; }
+  bool isNumber() const { return mValue->isNumber(); }
 
   /// The members of an object that may occur; any other name is a fault.
   void allowOnly(std::initializer_list<const char*> names) const;
@@ -42,17 +43,10 @@ class JsonValue {
   [[noreturn]] void fail(const std::string& fault) const;
 
  private:
-  JsonValue(const nlohmann::json& value, std::string path)
-      : mValue(&value), mPath(std::move(path)) {}
+  JsonValue(const JsonTree& value, std::string path) : mValue(&value), mPath(std::move(path)) {}
 
-  const nlohmann::json* mValue;
+  const JsonTree* mValue;
   std::string mPath;
 };
-
-/// Parses a whole JSON document; throws std::runtime_error with line and column of a syntax fault.
-nlohmann::json parseJson(const std::string& text);
-/// Reads a whole JSON document; throws std::runtime_error "FILE: what is wrong", with line
-/// and column of a syntax fault.
-nlohmann::json readJsonFile(const std::string& file);
 
 }  // namespace vexa::formats

@@ -20,6 +20,7 @@
 #endif
 
 #include "formats/Descriptor.h"
+#include "importer/child_result_internal.h"
 
 namespace vexa::importer {
 
@@ -165,22 +166,6 @@ bool readAll(int fd, char* bytes, std::size_t count, Clock::time_point deadline,
   return true;
 }
 
-// The lengths come from the child and are not to be trusted.
-bool receiveMessage(int fd, char& outKind, std::string& outBytes, Clock::time_point deadline,
-                    const ChildLimits& limits) {
-  std::array<char, 9> header{};
-  if (!readAll(fd, header.data(), header.size(), deadline, limits)) return false;
-  outKind = header[0];
-  std::uint64_t length = 0;
-  std::memcpy(&length, header.data() + 1, sizeof(length));
-  if (length > limits.mResultBytes) {
-    throw std::runtime_error("its result is larger than " + std::to_string(limits.mResultBytes) +
-                             " bytes");
-  }
-  outBytes.resize(std::size_t(length));
-  return readAll(fd, outBytes.data(), outBytes.size(), deadline, limits);
-}
-
 [[noreturn]] void failForStatus(int status, const ChildLimits& limits) {
   if (WIFSIGNALED(status)) {
     const int number = WTERMSIG(status);
@@ -197,6 +182,22 @@ bool receiveMessage(int fd, char& outKind, std::string& outBytes, Clock::time_po
 
 }  // namespace
 
+std::optional<std::string> receiveResult(int fd, Clock::time_point deadline,
+                                         const ChildLimits& limits) {
+  std::array<char, 9> header{};
+  if (!readAll(fd, header.data(), header.size(), deadline, limits)) return std::nullopt;
+  std::uint64_t length = 0;
+  std::memcpy(&length, header.data() + 1, sizeof(length));
+  if (length > limits.mResultBytes) {
+    throw std::runtime_error("its result is larger than " + std::to_string(limits.mResultBytes) +
+                             " bytes");
+  }
+  std::string bytes(std::size_t(length), '\0');
+  if (!readAll(fd, bytes.data(), bytes.size(), deadline, limits)) return std::nullopt;
+  if (header[0] != kResult) throw std::runtime_error(oneLine(bytes));
+  return bytes;
+}
+
 std::string runInChild(const std::function<std::string()>& work, const ChildLimits& limits) {
   const Clock::time_point deadline = Clock::now() + limits.mWallTime;
   int ends[2];
@@ -211,15 +212,10 @@ std::string runInChild(const std::function<std::string()>& work, const ChildLimi
   Child child(pid);
   input.close();
 
-  char kind = 0;
-  std::string bytes;
-  if (!receiveMessage(output.get(), kind, bytes, deadline, limits)) {
-    int status = 0;
-    if (!child.wait(deadline, status)) failForTime(limits);
-    failForStatus(status, limits);
-  }
-  if (kind != kResult) throw std::runtime_error(oneLine(bytes));
-  return bytes;
+  if (auto result = receiveResult(output.get(), deadline, limits)) return std::move(*result);
+  int status = 0;
+  if (!child.wait(deadline, status)) failForTime(limits);
+  failForStatus(status, limits);
 }
 
 std::string oneLine(const std::string& text) {

@@ -17,7 +17,7 @@ namespace vexa::importer {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
+using Json = formats::JsonTree;
 
 std::size_t keysOf(const SourceModel::Clip& clip) {
   std::size_t keys = 0;
@@ -30,12 +30,13 @@ std::size_t keysOf(const SourceModel::Clip& clip) {
 }
 
 Json clipsOf(const SourceModel& model) {
-  Json clips = Json::array();
+  Json clips = Json::list();
   for (const SourceModel::Clip& clip : model.mClips) {
-    clips.push_back({{"name", clip.mName},
-                     {"seconds", clipLength(clip)},
-                     {"nodes", clip.mChannels.size()},
-                     {"keys", keysOf(clip)}});
+    clips.add(Json::object()
+                  .with("name", clip.mName)
+                  .with("seconds", clipLength(clip))
+                  .with("nodes", clip.mChannels.size())
+                  .with("keys", keysOf(clip)));
   }
   return clips;
 }
@@ -88,8 +89,8 @@ Json sizeOf(const std::vector<Vec3>& points) {
     low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
     high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};
   }
-  if (points.empty()) return nullptr;
-  return {high.x - low.x, high.y - low.y, high.z - low.z};
+  if (points.empty()) return {};
+  return Json::list(high.x - low.x, high.y - low.y, high.z - low.z);
 }
 
 // What an import would say about it.
@@ -99,7 +100,7 @@ void describeImport(SourceModel model, Json& ioFacts) {
     ioFacts["size"] = sizeOf(imported.mReference.pose(0, 0));
     ioFacts["notes"] = imported.mNotes;
   } catch (const std::runtime_error& e) {
-    ioFacts["faults"].push_back(std::string("it would not be imported: ") + e.what());
+    ioFacts["faults"].add(std::string("it would not be imported: ") + e.what());
   }
 }
 
@@ -120,17 +121,17 @@ Json describeModel(const std::string& file) {
   } catch (const std::runtime_error& e) {
     throw std::runtime_error(file + ": " + e.what());
   }
-  Json facts = {{"formatVersion", 1}, {"kind", "model"}};
+  Json facts = Json::object().with("formatVersion", 1).with("kind", "model");
   describeMeshes(model, facts);
   describeSkin(model, facts);
-  Json materials = Json::array();
-  for (const auto& material : model.mMaterials) materials.push_back(material.mName);
+  Json materials = Json::list();
+  for (const auto& material : model.mMaterials) materials.add(material.mName);
   facts["materials"] = materials;
   facts["clips"] = clipsOf(model);
   facts["up"] = upAxisOf(model);
   if (model.mMetresPerUnit > 0) facts["metresPerUnit"] = model.mMetresPerUnit;
   facts["notes"] = model.mNotes;
-  facts["faults"] = Json::array();
+  facts["faults"] = Json::list();
   describeImport(std::move(model), facts);
   return facts;
 }

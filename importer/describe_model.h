@@ -1,7 +1,8 @@
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string>
+
+#include "formats/JsonTree.h"
 
 namespace vexa::importer {
 
@@ -13,6 +14,6 @@ bool isModelFile(const std::string& file);
 /// import would leave out or repair, "faults" why it would be refused.
 ///
 /// Throws std::runtime_error "FILE: what is wrong" for a file that cannot be read.
-nlohmann::ordered_json describeModel(const std::string& file);
+formats::JsonTree describeModel(const std::string& file);
 
 }  // namespace vexa::importer

@@ -5,18 +5,19 @@
 #include <cstdio>
 #include <filesystem>
 #include <limits>
-#include <nlohmann/json.hpp>
 #include <stdexcept>
 
+#include "formats/JsonTree.h"
 #include "formats/OutputFolder.h"
 #include "formats/mtl.h"
+#include "formats/utf8.h"
 #include "formats/write_file.h"
 
 namespace vexa::importer {
 namespace {
 
 namespace fs = std::filesystem;
-using Json = nlohmann::ordered_json;
+using Json = formats::JsonTree;
 
 /// The vertex nearest to the middle of the rest mesh, which moves with the body rather than a limb.
 std::size_t middleVertex(const formats::ObjModel& mesh) {
@@ -44,38 +45,46 @@ int wholeRate(const ImportedModel::Take& take) {
 
 /// One instance that repeats the first take; a host frame is a frame of the take.
 Json sceneOf(const ImportedModel& model, const std::string& name) {
-  Json takes = Json::array();
+  Json takes = Json::list();
   for (const auto& take : model.mTakes) {
-    takes.push_back(
-        {{"name", take.mName}, {"frames", take.mFrameCount}, {"rate", wholeRate(take)}});
+    takes.add(Json::object()
+                  .with("name", take.mName)
+                  .with("frames", take.mFrameCount)
+                  .with("rate", wholeRate(take)));
   }
   const auto& first = model.mTakes.front();
-  return {{"settings", {{"timeScale", wholeRate(first)}}},
-          {"objects",
-           {{{"name", name},
-             {"mesh", name + ".obj"},
-             {"animation", name + ".amo"},
-             {"takes", takes},
-             {"anchorVertex", middleVertex(model.mMesh)}}}},
-          {"instances", {{{"name", name}, {"object", name}, {"take", first.mName}}}},
-          {"values",
-           {{{"name", name + " frame"},
-             {"kind", "takeFrame"},
-             {"instance", name},
-             {"cyclic", true},
-             {"repeat", 1000000},
-             {"keys",
-              {{{"frame", 0}, {"value", 0}},
-               {{"frame", first.mFrameCount}, {"value", first.mFrameCount - 1}}}}}}}};
+  const Json keys = Json::list(
+      Json::object().with("frame", 0).with("value", 0),
+      Json::object().with("frame", first.mFrameCount).with("value", first.mFrameCount - 1));
+  return Json::object()
+      .with("settings", Json::object().with("timeScale", wholeRate(first)))
+      .with("objects", Json::list(Json::object()
+                                      .with("name", name)
+                                      .with("mesh", name + ".obj")
+                                      .with("animation", name + ".amo")
+                                      .with("takes", takes)
+                                      .with("anchorVertex", middleVertex(model.mMesh))))
+      .with("instances",
+            Json::list(
+                Json::object().with("name", name).with("object", name).with("take", first.mName)))
+      .with("values", Json::list(Json::object()
+                                     .with("name", name + " frame")
+                                     .with("kind", "takeFrame")
+                                     .with("instance", name)
+                                     .with("cyclic", true)
+                                     .with("repeat", 1000000)
+                                     .with("keys", keys)));
 }
 
 /// Throws for names that are no UTF-8, which JSON cannot hold.
-std::string asText(const Json& scene, const std::string& stem) {
-  try {
-    return scene.dump(2) + "\n";
-  } catch (const Json::type_error&) {
-    throw std::runtime_error(stem + ": its name, or that of a take, is no UTF-8");
-  }
+void requireUtf8(const ImportedModel& model, const std::string& stem) {
+  const auto isFit = [](const auto& take) { return formats::isUtf8(take.mName); };
+  if (formats::isUtf8(stem) && std::all_of(model.mTakes.begin(), model.mTakes.end(), isFit)) return;
+  throw std::runtime_error(stem + ": its name, or that of a take, is no UTF-8");
+}
+
+std::string asText(const Json& scene) {
+  return scene.dump(Json::Layout::kIndented, Json::Characters::kUtf8) + "\n";
 }
 
 void requireFaithful(const ImportCheck& check, const ImportedModel& model,
@@ -104,10 +113,11 @@ class ImportWriter {
         mFolder(mTarget.string()) {}
 
   ImportFiles write(const std::string& stem, const ImportProgress& progress) {
+    requireUtf8(mModel, mName);
     const std::string animation = add(mName + ".amo"), mesh = add(mName + ".obj");
     formats::writeAnimationFile(mModel.mAnimation, animation);
     formats::writeObj(mesh, mModel.mMesh, writeMaterials());
-    formats::writeFile(add(mName + ".json"), asText(sceneOf(mModel, mName), stem));
+    formats::writeFile(add(mName + ".json"), asText(sceneOf(mModel, mName)));
     ImportFiles result;
     result.mCheck = verifyImport(mModel, animation, formats::readObj(mesh).points, progress);
     requireFaithful(result.mCheck, mModel, stem);

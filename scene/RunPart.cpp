@@ -6,7 +6,6 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <nlohmann/json.hpp>
 #include <optional>
 #include <stdexcept>
 
@@ -58,17 +57,24 @@ std::optional<std::string> fileSum(const std::string& path) {
 }
 
 /// Frames as first, last and step where they are evenly spaced, as a run's are.
-nlohmann::json framesAsJson(const std::vector<int>& frames) {
+formats::JsonTree framesAsJson(const std::vector<int>& frames) {
   const int step = frames.size() < 2 ? 1 : frames[1] - frames[0];
-  return {frames.front(), frames.back(), step};
+  return formats::JsonTree::list(frames.front(), frames.back(), step);
 }
 
-nlohmann::ordered_json asJson(const RunPart& part) {
-  nlohmann::ordered_json files = nlohmann::ordered_json::object();
+formats::JsonTree asJson(const RunPart& part) {
+  formats::JsonTree files = formats::JsonTree::object();
   for (const auto& [name, sum] : part.mFiles) files[name] = sum;
-  return {{"formatVersion", 1}, {"scene", part.mScene}, {"sceneSum", part.mSceneSum},
-          {"take", part.mTake}, {"mesh", part.mMesh},   {"frames", framesAsJson(part.mFrames)},
-          {"task", part.mTask}, {"tasks", part.mTasks}, {"files", files}};
+  return formats::JsonTree::object()
+      .with("formatVersion", 1)
+      .with("scene", part.mScene)
+      .with("sceneSum", part.mSceneSum)
+      .with("take", part.mTake)
+      .with("mesh", part.mMesh)
+      .with("frames", framesAsJson(part.mFrames))
+      .with("task", part.mTask)
+      .with("tasks", part.mTasks)
+      .with("files", std::move(files));
 }
 
 std::vector<int> framesOf(const formats::JsonValue& value) {
@@ -97,13 +103,15 @@ RunPart partOf(const formats::JsonValue& value) {
 
 RunPart readPart(const std::string& folder) {
   const std::string path = folder + "/" + kManifest;
-  const nlohmann::json document = formats::readJsonFile(path);
+  const formats::JsonTree document = formats::readJsonFile(path);
   try {
     RunPart part = partOf(formats::JsonValue(document));
-    for (const auto& [name, sum] : document.at("files").items()) {
+    const auto* const files = document["files"].members();
+    if (files == nullptr) fail("/files", "expected names and checksums");
+    for (const auto& [name, sum] : *files) {
       const bool isPlain = name.find('/') == std::string::npos;
-      if (!isPlain || !sum.is_string()) fail("/files", "expected names and checksums");
-      part.mFiles.emplace_back(name, sum.get<std::string>());
+      if (!isPlain || sum.text() == nullptr) fail("/files", "expected names and checksums");
+      part.mFiles.emplace_back(name, *sum.text());
     }
     return part;
   } catch (const std::exception& error) {
@@ -252,7 +260,8 @@ std::vector<std::string> writePart(RunPart part, const std::string& folder,
     }
   }
   std::sort(part.mFiles.begin(), part.mFiles.end());
-  formats::writeFile(own + "/" + kManifest, asJson(part).dump(1) + "\n");
+  formats::writeFile(own + "/" + kManifest,
+                     asJson(part).dump(formats::JsonTree::Layout::kIndented) + "\n");
   lines.push_back(own + "/" + kManifest);
   return lines;
 }

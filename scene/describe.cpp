@@ -98,13 +98,12 @@ void describeWeights(const LinkFigures& figures, Description& ioDescription) {
   ioDescription["weightSumsNotOne"] = offOne;
   ioDescription["farthestWeightSumFromOne"] = farthest;
   if (offOne > 0) {
-    ioDescription["notes"].push_back("weights of " + count(offOne, "vertex sum") +
-                                     " differ from 1; they are divided by their sum");
+    ioDescription["notes"].add("weights of " + count(offOne, "vertex sum") +
+                               " differ from 1; they are divided by their sum");
   }
-  if (unlinked > 0)
-    ioDescription["faults"].push_back(count(unlinked, "vertex index") + " unlinked");
+  if (unlinked > 0) ioDescription["faults"].add(count(unlinked, "vertex index") + " unlinked");
   if (weightless > 0) {
-    ioDescription["faults"].push_back(count(weightless, "weight sum") + " of 0");
+    ioDescription["faults"].add(count(weightless, "weight sum") + " of 0");
   }
 }
 
@@ -112,8 +111,8 @@ Description newDescription(const char* kind) {
   Description description;
   description["formatVersion"] = 1;  // docs/info.schema.json
   description["kind"] = kind;
-  description["notes"] = Description::array();
-  description["faults"] = Description::array();
+  description["notes"] = Description::list();
+  description["faults"] = Description::list();
   return description;
 }
 
@@ -128,13 +127,13 @@ Description describeAnimation(const formats::AnimationFile& file) {
   description["bytesInMemory"] = sizeInMemory(file, figures);
   auto& faults = description["faults"];
   if (figures.mToAbsentNodes > 0) {
-    faults.push_back(count(figures.mToAbsentNodes, "link") + " to absent nodes");
+    faults.add(count(figures.mToAbsentNodes, "link") + " to absent nodes");
   }
   if (figures.mBadWeights > 0) {
-    faults.push_back(count(figures.mBadWeights, "weight") + " negative or not finite");
+    faults.add(count(figures.mBadWeights, "weight") + " negative or not finite");
   }
   if (const std::size_t bad = badMatrices(file); bad > 0) {
-    faults.push_back(count(bad, "matrix") + " not finite");
+    faults.add(count(bad, "matrix") + " not finite");
   }
   return description;
 }
@@ -162,9 +161,9 @@ Description describeMesh(const std::string& file) {
   description["materials"] = materials.size();
   description["unusedPoints"] = unused;
   description["degenerateTriangles"] = degenerate;
-  if (unused > 0) description["notes"].push_back(count(unused, "point") + " in no triangle");
-  if (degenerate > 0) description["notes"].push_back(count(degenerate, "degenerate triangle"));
-  if (bad > 0) description["faults"].push_back(count(bad, "point") + " not finite");
+  if (unused > 0) description["notes"].add(count(unused, "point") + " in no triangle");
+  if (degenerate > 0) description["notes"].add(count(degenerate, "degenerate triangle"));
+  if (bad > 0) description["faults"].add(count(bad, "point") + " not finite");
   return description;
 }
 
@@ -178,27 +177,27 @@ void describeObject(const refhost::Definition& definition, Description& ioDescri
     const std::size_t points = object.mPoints.mElements.size();
     auto& faults = ioDescription["faults"];
     if (figures.vertexCount() > points) {
-      faults.push_back(name + "links to vertex " + std::to_string(figures.vertexCount() - 1) +
-                       " of a mesh of " + count(points, "point"));
+      faults.add(name + "links to vertex " + std::to_string(figures.vertexCount() - 1) +
+                 " of a mesh of " + count(points, "point"));
     } else if (figures.vertexCount() < points) {
-      faults.push_back(name + count(points - figures.vertexCount(), "point") + " unlinked");
+      faults.add(name + count(points - figures.vertexCount(), "point") + " unlinked");
     }
     const auto& takes = object.mTakes.mElements;
     for (std::size_t t = 0; t < std::min(takes.size(), file.mFrameCounts.size()); ++t) {
       if (std::uint32_t(takes[t].mFrameCount) <= file.mFrameCounts[t]) continue;
-      faults.push_back(name + "take \"" + takes[t].mName + "\" has " +
-                       count(std::size_t(takes[t].mFrameCount), "frame") + ", its file has " +
-                       std::to_string(file.mFrameCounts[t]));
+      faults.add(name + "take \"" + takes[t].mName + "\" has " +
+                 count(std::size_t(takes[t].mFrameCount), "frame") + ", its file has " +
+                 std::to_string(file.mFrameCounts[t]));
     }
     if (object.mTakes.mElements.size() > file.mFrameCounts.size()) {
-      faults.push_back(name + "more takes than the animation file has");
+      faults.add(name + "more takes than the animation file has");
     }
     const Description animation = describeAnimation(file);
-    for (const auto& fault : animation["faults"]) {
-      faults.push_back(name + fault.get<std::string>());
+    for (const Description& fault : *animation["faults"].elements()) {
+      faults.add(name + *fault.text());
     }
   } catch (const std::runtime_error& error) {
-    ioDescription["faults"].push_back(name + error.what());
+    ioDescription["faults"].add(name + error.what());
   }
 }
 
@@ -207,15 +206,15 @@ void describeKeys(const refhost::Property& value, Description& ioDescription) {
   std::set<int> frames;
   for (const refhost::Key& key : value.mKeys.mElements) {
     if (frames.insert(key.mFrame).second) continue;
-    ioDescription["faults"].push_back("value \"" + value.mName + "\" has two keys at frame " +
-                                      std::to_string(key.mFrame));
+    ioDescription["faults"].add("value \"" + value.mName + "\" has two keys at frame " +
+                                std::to_string(key.mFrame));
   }
 }
 
 void describeInstance(const refhost::Instance& instance, Description& ioDescription) {
   const double* s = instance.mScale;
   if (s[0] != 0 && s[1] != 0 && s[2] != 0) return;
-  ioDescription["faults"].push_back("instance \"" + instance.mName + "\" has a scale of 0");
+  ioDescription["faults"].add("instance \"" + instance.mName + "\" has a scale of 0");
 }
 
 Description describeScene(const std::string& file) {
@@ -225,11 +224,11 @@ Description describeScene(const std::string& file) {
   description["paths"] = scene.mPaths.mElements.size();
   description["objects"] = scene.mDefinitions.size();
   description["instances"] = scene.mInstances.mElements.size();
-  description["values"] = Description::array();
+  description["values"] = Description::list();
   for (const auto& property : scene.mProperties) {
-    description["values"].push_back(property.mName);
+    description["values"].add(property.mName);
     if (property.mKeys.mElements.empty()) {
-      description["faults"].push_back("value \"" + property.mName + "\" has no key");
+      description["faults"].add("value \"" + property.mName + "\" has no key");
     }
     describeKeys(property, description);
   }

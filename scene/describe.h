@@ -1,13 +1,14 @@
 #pragma once
 
-#include <nlohmann/json.hpp>
 #include <string>
+
+#include "formats/JsonTree.h"
 
 namespace vexa::scene {
 
 /// Facts about a file, in an order that a person would read them in. "notes" and "faults" are lists
 /// of texts; a file without faults can be used as it is.
-using Description = nlohmann::ordered_json;
+using Description = formats::JsonTree;
 
 /// An animation file (.amo), a scene (.json) or a mesh (.obj), told by the name's ending; anything
 /// else is taken for an animation file. Throws std::runtime_error "FILE: what is

@@ -3,8 +3,8 @@
 #include <filesystem>
 #include <stdexcept>
 
+#include "formats/JsonTree.h"
 #include "formats/base64.h"
-#include "formats/json_value.h"
 #include "formats/mesh_surfaces.h"
 #include "formats/read_file.h"
 #include "scene/recorded_results.h"
@@ -14,7 +14,7 @@ namespace vexa::scene {
 namespace {
 
 using Path = std::filesystem::path;
-using nlohmann::json;
+using Json = formats::JsonTree;
 
 /// Numbers that a page keeps for the comparison; 100,000 are about two megabytes of text.
 constexpr std::size_t kMostNumbers = 100'000;
@@ -32,17 +32,18 @@ std::string dataAddress(const Path& file) {
 }
 
 /// The materials of a mesh in the order of their ids; none where no material file names a colour.
-json materialsOf(const std::string& objText, const Path& objFile) {
+Json materialsOf(const std::string& objText, const Path& objFile) {
   const Path folder = objFile.parent_path();
-  json list = json::array();
+  Json list = Json::list();
   for (const auto& material : formats::meshMaterials(objText, objFile.string())) {
     if (!material) {
-      list.push_back(nullptr);
+      list.add({});
       continue;
     }
     const std::string texture =
         material->texture.empty() ? "" : dataAddress(folder / material->texture);
-    list.push_back({{"color", material->color}, {"texture", texture}});
+    const auto& c = material->color;
+    list.add(Json::object().with("color", Json::list(c[0], c[1], c[2])).with("texture", texture));
   }
   return list;
 }
@@ -53,7 +54,7 @@ std::size_t numbersPerFrame(const refhost::Scene& scene) {
   return count;
 }
 
-json resultsOf(ScenePlayer& player, int first, int last) {
+Json resultsOf(ScenePlayer& player, int first, int last) {
   const std::size_t frames = std::size_t(last - first) + 1;
   const std::size_t numbers = frames * numbersPerFrame(player.scene());
   const auto step = int(numbers / kMostNumbers + 1);
@@ -63,32 +64,34 @@ json resultsOf(ScenePlayer& player, int first, int last) {
   return recorder.results();
 }
 
-void addFile(const std::string& name, const std::string& bytes, json& ioFiles) {
-  if (!ioFiles.contains(name)) ioFiles[name] = formats::base64Of(bytes);
+void addFile(const std::string& name, const std::string& bytes, Json& ioFiles) {
+  if (ioFiles.find(name) == nullptr) ioFiles[name] = formats::base64Of(bytes);
 }
 
 }  // namespace
 
 std::string pageData(const std::string& sceneFile, ScenePlayer& player, int first, int last) {
   const Path folder = Path(sceneFile).parent_path();
-  const json document = formats::readJsonFile(sceneFile);
-  json files = json::object(), materials = json::object();
-  for (const json& object : document.value("objects", json::array())) {
-    const std::string mesh = object.at("mesh"), animation = object.at("animation");
+  const Json document = formats::readJsonFile(sceneFile);
+  Json files = Json::object(), materials = Json::object();
+  const Json::List* const objects = document["objects"].elements();
+  for (const Json& object : objects == nullptr ? Json::List() : *objects) {
+    const std::string mesh = *object["mesh"].text(), animation = *object["animation"].text();
     const std::string text = formats::readFile((folder / mesh).string());
     addFile(mesh, text, files);
     addFile(animation, formats::readFile((folder / animation).string()), files);
     materials[mesh] = materialsOf(text, folder / mesh);
   }
-  const json data = {{"name", Path(sceneFile).filename().string()},
-                     {"scene", document},
-                     {"first", first},
-                     {"last", last},
-                     {"results", resultsOf(player, first, last)},
-                     {"files", files},
-                     {"materials", materials}};
+  const Json data = Json::object()
+                        .with("name", Path(sceneFile).filename().string())
+                        .with("scene", document)
+                        .with("first", first)
+                        .with("last", last)
+                        .with("results", resultsOf(player, first, last))
+                        .with("files", std::move(files))
+                        .with("materials", std::move(materials));
   std::string safe;
-  for (const char c : data.dump(-1, ' ', true)) {
+  for (const char c : data.dump()) {
     // Only texts can hold this character, and "</script" would end the element.
     if (c == '<') {
       safe += "\\u003c";

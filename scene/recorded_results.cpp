@@ -95,23 +95,29 @@ std::uint64_t ResultRecorder::meshDigest(const refhost::Instance& instance) {
   return mMeshDigests.emplace(key, digest).first->second;
 }
 
-nlohmann::json ResultRecorder::results() const {
+formats::JsonTree ResultRecorder::results() const {
+  using Json = formats::JsonTree;
   const refhost::Scene& scene = mPlayer.scene();
-  nlohmann::json values = nlohmann::json::array(), instances = nlohmann::json::array();
+  Json values = Json::list(), instances = Json::list();
   for (std::size_t i = 0; i < mValues.size(); ++i) {
     const refhost::Property& value = scene.mProperties[i];
-    values.push_back({{"name", value.mName},
-                      {"arithmeticOnly", isArithmeticOnly(scene, value)},
-                      {"numbers", mValues[i]}});
+    values.add(Json::object()
+                   .with("name", value.mName)
+                   .with("arithmeticOnly", isArithmeticOnly(scene, value))
+                   .with("numbers", mValues[i]));
   }
   for (std::size_t i = 0; i < mInstances.size(); ++i) {
     const refhost::Instance& instance = scene.mInstances.mElements[i];
     const bool hasMesh = mPlayer.mesh(instance) != nullptr;
-    instances.push_back({{"name", instance.mName},
-                         {"meshes", hasMesh ? hexadecimal(mInstances[i].mDigest) : ""},
-                         {"placement", mInstances[i].mNumbers}});
+    instances.add(Json::object()
+                      .with("name", instance.mName)
+                      .with("meshes", hasMesh ? hexadecimal(mInstances[i].mDigest) : "")
+                      .with("placement", mInstances[i].mNumbers));
   }
-  return {{"frames", mFrames}, {"values", values}, {"instances", instances}};
+  return Json::object()
+      .with("frames", mFrames)
+      .with("values", std::move(values))
+      .with("instances", std::move(instances));
 }
 
 }  // namespace vexa::scene

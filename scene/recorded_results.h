@@ -2,11 +2,11 @@
 
 #include <cstdint>
 #include <map>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <tuple>
 #include <vector>
 
+#include "formats/JsonTree.h"
 #include "scene/ScenePlayer.h"
 
 namespace vexa::scene {
@@ -30,7 +30,7 @@ class ResultRecorder {
   /// of the matrix into the world, column by column. DIGEST is the FNV-1a hash (64 bits, 16
   /// hexadecimal digits) of the deformed points in the instance's own space, each float from its
   /// lowest byte up; "" for an instance without mesh.
-  nlohmann::json results() const;
+  formats::JsonTree results() const;
 
  private:
   std::uint64_t meshDigest(const refhost::Instance& instance);

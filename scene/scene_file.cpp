@@ -327,7 +327,7 @@ class SceneReader {
 }  // namespace
 
 Scene readSceneFile(const std::string& file) {
-  const nlohmann::json document = formats::readJsonFile(file);
+  const formats::JsonTree document = formats::readJsonFile(file);
   try {
     return SceneReader(formats::JsonValue(document), std::filesystem::path(file).parent_path(),
                        SceneReader::Meshes::kRead)
@@ -338,12 +338,12 @@ Scene readSceneFile(const std::string& file) {
 }
 
 Scene readEditedScene(const std::string& text) {
-  const nlohmann::json document = formats::parseJson(text);
+  const formats::JsonTree document = formats::parseJson(text);
   return SceneReader(formats::JsonValue(document), {}, SceneReader::Meshes::kSkip).read();
 }
 
 Scene readSceneText(const std::string& text, const std::string& folder) {
-  const nlohmann::json document = formats::parseJson(text);
+  const formats::JsonTree document = formats::parseJson(text);
   return SceneReader(formats::JsonValue(document), folder, SceneReader::Meshes::kRead).read();
 }
 

@@ -2,10 +2,10 @@
 // well. Pointers stay valid until the next call.
 #include <emscripten/emscripten.h>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
+#include "formats/JsonTree.h"
 #include "scene/ScenePlayer.h"
 #include "scene/path_curve.h"
 #include "scene/recorded_results.h"
@@ -15,6 +15,7 @@
 
 namespace {
 
+using Json = vexa::formats::JsonTree;
 using vexa::scene::ScenePlayer;
 
 std::unique_ptr<ScenePlayer> player;
@@ -67,20 +68,22 @@ EMSCRIPTEN_KEEPALIVE const char* vexa_set_frame(int frame) {
 /// {"values": [{"name", "parts", "date", "color"}], "instances": [{"name", "object", "points"}]}
 EMSCRIPTEN_KEEPALIVE const char* vexa_describe() {
   return guarded([] {
-    nlohmann::json values = nlohmann::json::array(), instances = nlohmann::json::array();
+    Json values = Json::list(), instances = Json::list();
     for (const auto& value : player->scene().mProperties) {
-      values.push_back({{"name", value.mName},
-                        {"parts", vexa::scene::partNames(value)},
-                        {"date", vexa::scene::isDate(value)},
-                        {"color", vexa::scene::isColor(value)}});
+      values.add(Json::object()
+                     .with("name", value.mName)
+                     .with("parts", vexa::scene::partNames(value))
+                     .with("date", vexa::scene::isDate(value))
+                     .with("color", vexa::scene::isColor(value)));
     }
     for (const auto& instance : player->scene().mInstances.mElements) {
       const UXS::Mesh* mesh = player->mesh(instance);
-      instances.push_back({{"name", instance.mName},
-                           {"object", int(instance.mDefinition)},
-                           {"points", mesh == nullptr ? 0 : mesh->GetVerticesArray().size()}});
+      instances.add(Json::object()
+                        .with("name", instance.mName)
+                        .with("object", int(instance.mDefinition))
+                        .with("points", mesh == nullptr ? 0 : mesh->GetVerticesArray().size()));
     }
-    text = nlohmann::json({{"values", values}, {"instances", instances}}).dump();
+    text = Json::object().with("values", values).with("instances", instances).dump();
   });
 }
 

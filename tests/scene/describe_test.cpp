@@ -25,11 +25,11 @@ TEST(Describe, AnAnimationFileWithEveryFault) {
   file.mNodes[1].mLinks = {{1, 0.25}};
   writeAnimationFile(file, path);
   const auto description = describeFile(path);
-  EXPECT_EQ(description["nodes"], 2);
-  EXPECT_EQ(description["mostInfluencesPerVertex"], 2);
-  EXPECT_EQ(description["bytesInMemory"], 4 * 64 + 2 * (32 + 2 * 48) + 4 * 72 + 5 * 28);
+  EXPECT_EQ(description["nodes"].dump(), "2");
+  EXPECT_EQ(description["mostInfluencesPerVertex"].dump(), "2");
+  EXPECT_EQ(*description["bytesInMemory"].whole(), 4 * 64 + 2 * (32 + 2 * 48) + 4 * 72 + 5 * 28);
   EXPECT_EQ(description["notes"].size(), 1u);  // vertices 1 and 4 do not sum to 1
-  EXPECT_EQ(description["weightSumsNotOne"], 2);
+  EXPECT_EQ(description["weightSumsNotOne"].dump(), "2");
   EXPECT_EQ(description["faults"].dump(),
             R"(["1 vertex index unlinked","1 weight sum of 0","1 weight negative or not finite",)"
             R"("1 matrix not finite"])");
@@ -48,8 +48,7 @@ TEST(Describe, ASceneWhoseAnimationDoesNotFitItsMesh) {
                            R"({"objects": [{"name": "o", "mesh": "a.obj", "animation": "a.amo",
                               "takes": [{"name": "t", "frames": 1, "rate": 25}]}]})");
   const auto faults = describeFile((folder / "s.json").string())["faults"];
-  ASSERT_EQ(faults.size(), 1u);
-  EXPECT_EQ(faults[0], "object \"o\": links to vertex 3 of a mesh of 3 points");
+  EXPECT_EQ(faults.dump(), R"(["object \"o\": links to vertex 3 of a mesh of 3 points"])");
 }
 
 TEST(Describe, ASceneThatHidesWhatItSays) {
