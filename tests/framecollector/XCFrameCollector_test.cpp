@@ -1,5 +1,6 @@
 #include "vexa/framecollector/XCFrameCollector.h"
 
+#include <cmath>
 #include <functional>
 #include <gtest/gtest.h>
 
@@ -56,6 +57,18 @@ TEST(XCFrameCollector, ADefinitionIsKeptUntilItsFrameChanges) {
   EXPECT_NE(collector.GetCurrentDefinition(0, 1, kNone), first);
   EXPECT_EQ(first->GetReferenceCount(), 1);
   EXPECT_EQ(mesh->GetReferenceCount(), 1);
+}
+
+TEST(XCFrameCollector, AWeightThatIsInfiniteAsAFloatMeetsTheZerosOfTheGlobalMatrix) {
+  const auto mesh = meshOf({{1, 2, 3}});
+  XCFrameCollector collector(mesh.get());
+  collector.CreateTake();
+  Matrix tiny;
+  for (float& element : tiny.e) element = 1e-10f;
+  const int node = int(collector.AddTransformation(tiny, 0, -1));
+  for (const double weight : {7e38, -3e38, -3e38}) collector.AddLink(node, kNone, 0, weight);
+  EXPECT_TRUE(std::isnan(collector.TransformPoint(mesh->GetVerticesArray().data(), 0, 0).x));
+  EXPECT_TRUE(std::isnan(collector.GetCurrentDefinition(0, 0, kNone)->GetVerticesArray()[0].x));
 }
 
 TEST(XCFrameCollector, CountsItsSizeAndRefusesWhatIsNotThere) {

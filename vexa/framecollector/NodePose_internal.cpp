@@ -11,7 +11,8 @@ namespace {
 constexpr std::size_t kAlignment = 64;
 
 // A sum of weighted matrices stays finite when the exact one is below this: rounding a hundred
-// million times upwards does not make up for the factor that is left.
+// million times upwards does not make up for the factor that is left. A weight has the same bound,
+// as one that is larger may be infinite as a float.
 constexpr double kBound = 1e30;
 
 float* aligned(std::vector<float>& storage) {
@@ -52,7 +53,7 @@ void NodePose::gather(double largestWeight) {
     const float here = gatherRows(node.mFirst + 16 * frame, palette + 16 * n);
     if (here > largest || std::isnan(here)) largest = here;
   }
-  mIsBounded = double(largest) * largestWeight < kBound;
+  mIsBounded = largestWeight < kBound && double(largest) * largestWeight < kBound;
 }
 
 float NodePose::gatherRows(const float* columns, float* outRows) {
