@@ -13,6 +13,18 @@
 namespace vexa::formats {
 namespace {
 
+// The file, little-endian and without padding:
+//
+//   uint32          version, 101
+//   uint32          takes
+//   double[16]      global transformation
+//   uint32[takes]   frames of each take
+//   uint32          nodes
+//   per node        double[16] per frame: the frames of take 0, then those of take 1, ...
+//                   uint32 links, then per link uint32 vertex and double weight
+//
+// Every count comes before what it counts, so a reader can check it against the bytes that are
+// left.
 constexpr std::uint32_t kVersion = 101;
 constexpr std::uint64_t kCountBytes = 4, kLinkBytes = 12;
 
@@ -21,6 +33,7 @@ class Writer {
  public:
   template <class T>
   void put(const T& value) {
+    // Through a buffer of bytes: the text has no alignment that T could rely on.
     char bytes[sizeof(T)];
     const T ordered = littleEndian(value);
     std::memcpy(bytes, &ordered, sizeof(T));
@@ -64,6 +77,7 @@ class Source {
   explicit Source(FileReader& file) : mFile(&file), mSize(file.size()) {}
 
   std::uint64_t size() const { return mSize; }
+  // A file is read front to back, so its own position is `offset`.
   bool read(std::uint64_t offset, void* outBytes, std::size_t count) {
     if (mFile != nullptr) return mFile->read(outBytes, count) == count;
     std::memcpy(outBytes, mBytes->data() + offset, count);
@@ -79,6 +93,7 @@ class Source {
 // The same values back; every one has to be there.
 class Reader {
  public:
+  // mOffset never passes the size of the source: require() runs before every read.
   explicit Reader(Source source) : mSource(source) {}
 
   template <class T>
@@ -92,9 +107,11 @@ class Reader {
   // A count of elements that need at least that many bytes each.
   std::uint32_t getCount(std::uint64_t bytesEach, const char* what) {
     const auto count = get<std::uint32_t>(what);
+    // A false count must fail here, before anything grows by it.
     require(count, bytesEach, what);
     return count;
   }
+  // Divides, because count * bytesEach can exceed 64 bits.
   void require(std::uint64_t count, std::uint64_t bytesEach, const char* what) const {
     if (count > (mSource.size() - mOffset) / bytesEach) failForEnd(what);
   }
@@ -149,6 +166,8 @@ void writeAnimationFile(const AnimationFile& file, const std::string& path) {
 namespace {
 
 AnimationFile decode(Reader reader) {
+  // Without nodes a file has no matrices, so its frame counts may be any numbers; getNode checks
+  // their sum otherwise.
   AnimationFile file;
   if (reader.get<std::uint32_t>("the version") != kVersion) {
     reader.fail("the version is not 101");
@@ -176,6 +195,7 @@ AnimationFile readAnimationFile(const std::string& path) {
   try {
     return decode(Reader(Source(file)));
   } catch (const std::runtime_error& error) {
+    // Errors of reading name the path already, errors of decoding do not.
     const std::string text = error.what();
     const bool hasPath = text.compare(0, path.size() + 2, path + ": ") == 0;
     throw std::runtime_error(hasPath ? text : path + ": " + text);

@@ -9,7 +9,8 @@ namespace {
 
 constexpr int kLastStandardStream = 2;
 
-// Calls write(bytes, count) until everything is written.
+// Calls write(bytes, count) until everything is written. One call may take fewer bytes: into a
+// pipe, near the end of a disk, or when a signal comes.
 template <class Write>
 bool repeat(const void* bytes, std::size_t count, Write write) {
   const char* next = static_cast<const char*>(bytes);
@@ -28,18 +29,22 @@ bool repeat(const void* bytes, std::size_t count, Write write) {
 
 bool Descriptor::close() {
   const int fd = std::exchange(mFd, -1);
-  // After EINTR the descriptor is closed all the same.
+  // After EINTR Linux has closed the descriptor. Closing it again could hit a file that another
+  // thread has opened under the same number.
   return fd < 0 || ::close(fd) == 0 || errno == EINTR;
 }
 
 Descriptor openFile(const std::string& path, int flags) {
   int fd = -1;
   do {
+    // O_CLOEXEC: programs that a host starts must not inherit our files.
     fd = open(path.c_str(), flags | O_CLOEXEC, 0666);
   } while (fd < 0 && errno == EINTR);
   return aboveStandardStreams(Descriptor(fd));
 }
 
+// A program that was started with a closed standard stream gets that number for its next file. What
+// it prints afterwards would land in the file.
 Descriptor aboveStandardStreams(Descriptor descriptor) {
   if (!descriptor.isOpen() || descriptor.get() > kLastStandardStream) return descriptor;
   return Descriptor(fcntl(descriptor.get(), F_DUPFD_CLOEXEC, kLastStandardStream + 1));

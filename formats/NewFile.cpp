@@ -14,11 +14,16 @@ constexpr std::size_t kBlock = 1 << 16;
 
 }  // namespace
 
+// In a shared folder somebody may plant a file or a link under the name. O_EXCL and O_NOFOLLOW fail
+// then, where a plain open would write through the link.
 NewFile::NewFile(const std::string& path, std::string shownName)
     : mName(std::move(shownName)), mFile(openFile(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW)) {
   if (!mFile.isOpen()) failForFile(mName);
 }
 
+// Rows of tables are short, and a system call for each costs more than making it. A piece that
+// fills a block goes out at once; what was gathered before it has then been flushed, so the order
+// stays.
 void NewFile::write(std::string_view bytes) {
   if (mGathered.size() + bytes.size() > kBlock) flush();
   if (bytes.size() < kBlock) {
@@ -33,6 +38,7 @@ void NewFile::flush() {
   mGathered.clear();
 }
 
+// pwrite does not use the position of the file, which threads would have to share.
 void NewFile::writeAt(std::size_t offset, const void* bytes, std::size_t count) {
   if (!writeAllAt(mFile.get(), bytes, count, offset)) failForFile(mName);
 }
@@ -50,6 +56,7 @@ void NewFile::append(const std::string& path) {
   }
 }
 
+// Closing is where a network disk or a quota reports a failed write.
 void NewFile::close() {
   flush();
   if (!mFile.close()) failForFile(mName);

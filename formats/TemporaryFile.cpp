@@ -29,6 +29,9 @@ TemporaryFile::TemporaryFile(std::string target) : mTarget(std::move(target)) {
   }
 }
 
+// The file is closed first: a late failure of writing must not reach the target. The rename
+// replaces the target in one step, so a reader sees the old file or the whole new one. The bytes
+// are not forced to the disk: this guards against the end of the program, not of the machine.
 void TemporaryFile::commit() {
   mFile->close();
   const Uninterrupted steps;

@@ -23,19 +23,33 @@
 namespace vexa::formats {
 namespace {
 
+// How a signal and the threads that make files agree:
+//
+//   a thread in an Uninterrupted          the handler, in any thread
+//   ++gSteps                              gIsEnding = true
+//   take a slot, make the file            wait until gSteps is 0
+//   --gSteps                              remove what the slots name, end by the signal
+//
+// A thread that starts its steps after gIsEnding gives its count back and stops for good. So the
+// handler never sees a file without a slot, nor a slot that is half written.
+
+// What a user, a job system and the end of a session send. SIGKILL cannot be caught, and after a
+// crash (SIGSEGV and its kin) the slots themselves are not to be trusted.
 constexpr int kSignals[] = {SIGINT, SIGTERM, SIGHUP};
 
 // What a signal handler reads, which may neither allocate nor lock.
 struct Slot {
-  std::atomic<bool> mIsTaken{false};
-  std::atomic<bool> mIsSet{false};  // the rest may be read
+  std::atomic<bool> mIsTaken{false};  // by a thread, against the other threads
+  std::atomic<bool> mIsSet{false};    // the rest is complete and may be read
   Doomed::Kind mKind = Doomed::Kind::kFile;
   std::atomic<int> mFolder{-1};
   char mPath[PATH_MAX] = {};
 };
+// A fixed number, in static memory: the handler may not allocate. No command comes near 64.
 std::array<Slot, 64> gSlots;
 std::atomic<int> gSteps{0};  // threads inside an Uninterrupted
 std::atomic<bool> gIsEnding{false};
+// A child that is forked inherits the slots, but the files are not its own.
 pid_t gOwner = 0;
 thread_local int tDepth = 0;
 
@@ -67,6 +81,8 @@ void removeFiles(int folder) {
       Entry entry;
       std::memcpy(&entry, block + at, offsetof(Entry, mName));
       const char* const name = block + at + offsetof(Entry, mName);
+      // By the open folder and not by a path: somebody may have put a link in its place. "." and
+      // ".." fail both calls.
       if (unlinkat(folder, name, 0) != 0) unlinkat(folder, name, AT_REMOVEDIR);
       at += entry.mLength;
     }
@@ -105,10 +121,12 @@ void endBySignal(int number) {
     waitForOthers();
     removeTemporaries();
   }
+  // Raised again without a handler: the parent process shall see the same end as without us.
   std::signal(number, SIG_DFL);
   raise(number);
   const sigset_t set = signalSet();
   pthread_sigmask(SIG_UNBLOCK, &set, nullptr);
+  // Reached only when the signal does not end a process; the number is what a shell would report.
   _exit(128 + number);
 }
 
@@ -125,6 +143,7 @@ int takeSlot(const std::string& path, Doomed::Kind kind) {
   throw std::runtime_error(path + ": too many temporary files at a time");
 }
 
+// In the reverse order of takeSlot: the handler stops reading before another thread may write.
 void freeSlot(int slot) {
   if (slot < 0) return;
   gSlots[std::size_t(slot)].mIsSet = false;
@@ -157,6 +176,7 @@ void removeTemporariesOnSignals() {
 Uninterrupted::Uninterrupted() {
   const sigset_t set = signalSet();
   pthread_sigmask(SIG_BLOCK, &set, &mBefore);
+  // Nested ones count once: the outer one has already kept the handler away.
   if (tDepth++ > 0) return;
   ++gSteps;
   if (!gIsEnding) return;

@@ -10,6 +10,7 @@ void JsonValue::fail(const std::string& fault) const {
   throw std::runtime_error((mPath.empty() ? "/" : mPath) + ": " + fault);
 }
 
+// A misspelt name would otherwise be ignored, and its default would be taken in silence.
 void JsonValue::allowOnly(std::initializer_list<const char*> names) const {
   if (mValue->members() == nullptr) fail("expected an object");
   for (const auto& [name, value] : *mValue->members()) {

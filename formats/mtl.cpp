@@ -13,6 +13,7 @@ namespace vexa::formats {
 namespace {
 
 void appendMaterials(const std::string& file, std::vector<MtlMaterial>& ioMaterials) {
+  // Not by the loader's own opening: readFile refuses devices, pipes and huge files.
   std::istringstream stream(readFile(file));
   std::map<std::string, int> indices;
   std::vector<tinyobj::material_t> materials;
@@ -50,6 +51,7 @@ std::vector<MtlMaterial> readMaterialsOf(const std::string& objText, const std::
 
 std::string formatMtl(const std::vector<MtlMaterial>& materials) {
   std::ostringstream text;
+  // In another locale a number could have a comma or be grouped.
   text.imbue(std::locale::classic());
   for (const MtlMaterial& each : materials) {
     text << "newmtl " << each.name << "\nKd " << each.color[0] << ' ' << each.color[1] << ' '

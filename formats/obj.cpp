@@ -26,7 +26,7 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(first, text.find_last_not_of(kBlanks) - first + 1);
 }
 
-/// Takes the next word off the front.
+// Takes the next word off the front.
 std::string_view takeWord(std::string_view& ioText) {
   ioText = trimmed(ioText);
   const std::string_view word = ioText.substr(0, ioText.find_first_of(kBlanks));
@@ -40,7 +40,8 @@ bool parseId(std::string_view text, unsigned int& outValue) {
   return error == std::errc() && stop == end;
 }
 
-/// The nearest float; what is too small for one is a zero.
+// The nearest float. Exporters write numbers such as 1e-42 where they mean zero; parseNumber
+// refuses them for a float, so they go by way of a double.
 bool parseFloat(std::string_view text, float& outValue) {
   if (!text.empty() && text[0] == '+') text.remove_prefix(1);
   if (parseNumber(text, outValue)) return true;
@@ -50,7 +51,11 @@ bool parseFloat(std::string_view text, float& outValue) {
   return true;
 }
 
-/// A text to be read as a stream that knows which line was read last.
+// A text to be read as a stream that knows which line was read last.
+//
+// tinyobjloader gives its callbacks neither the number nor the text of a line. It reads its stream
+// line by line, so the place up to which it has read is the end of the line in question. mSeen
+// only moves forwards: each byte is looked at once.
 class LineSource : public std::streambuf {
  public:
   explicit LineSource(const std::string& text) : mText(text) {
@@ -58,7 +63,7 @@ class LineSource : public std::streambuf {
     setg(begin, begin, begin + mText.size());
   }
 
-  /// The line that ended where reading stands, without its end.
+  // The line that ended where reading stands, without its end.
   std::string_view line() {
     const auto end = static_cast<std::size_t>(gptr() - eback());
     for (; mSeen < end; ++mSeen) {
@@ -72,7 +77,7 @@ class LineSource : public std::streambuf {
     }
     return trimmed(std::string_view(mText).substr(mStart, mSeen - mStart));
   }
-  /// Its number, counted from 1.
+  // Its number, counted from 1.
   std::size_t number() const { return mNumber; }
 
  private:
@@ -81,8 +86,8 @@ class LineSource : public std::streambuf {
   bool mIsNewLine = true;
 };
 
-/// Gathers what tinyobjloader finds. The loader reads what is no number as 0 and rounds loosely, so
-/// the numbers of a line are read here.
+// Gathers what tinyobjloader finds. The loader reads what is no number as 0 and rounds loosely, so
+// the numbers of a line are read here.
 class Gatherer {
  public:
   Gatherer(const std::string& text, const std::string& name) : mSource(text), mName(name) {}
@@ -109,8 +114,8 @@ class Gatherer {
     throw std::runtime_error(mName + ":" + std::to_string(mSource.number()) + ": " + what);
   }
 
-  /// The numbers of the line that was read last, behind its keyword; `needed` of them must be
-  /// there.
+  // The numbers of the line that was read last, behind its keyword; `needed` of them must be
+  // there.
   template <std::size_t N>
   std::array<float, N> numbers(std::size_t needed) {
     std::string_view line = mSource.line();
@@ -132,7 +137,7 @@ class Gatherer {
 
   void addUV() { mUVs.push_back(numbers<2>(1)); }
 
-  /// An index as it stands in the file: from 1, or from -1 backwards.
+  // An index as it stands in the file: from 1, or from -1 backwards.
   std::size_t resolve(int index, std::size_t count, const char* what) {
     const auto size = static_cast<std::int64_t>(count);
     const std::int64_t position = index < 0 ? size + index : std::int64_t{index} - 1;
@@ -158,6 +163,7 @@ class Gatherer {
     if (count < 3) fail("a face of " + std::to_string(count) + " corners");
     const ObjCorner first = corner(corners[0]);
     ObjCorner last = corner(corners[1]);
+    // A fan around the first corner:  (0 1 2) (0 2 3) (0 3 4) ...
     for (int i = 2; i < count; ++i) {
       const ObjCorner next = corner(corners[i]);
       mModel.triangles.push_back({{first, last, next}, materialInUse()});
@@ -167,7 +173,7 @@ class Gatherer {
 
   void useMaterial(const char* name) { mMaterial = trimmed(name); }
 
-  /// For now in order of appearance.
+  // For now in order of appearance.
   unsigned int materialInUse() {
     const auto next = static_cast<unsigned int>(mModel.materials.size());
     const auto [known, isNew] = mMaterials.try_emplace(mMaterial, next);
@@ -175,7 +181,8 @@ class Gatherer {
     return known->second;
   }
 
-  /// Turns names into ids if each is a number.
+  // Turns names into ids if each is a number: formatObj calls a material without a name by its id,
+  // and reading such a file back gives the same ids.
   void nameMaterials() {
     std::vector<unsigned int> ids;
     for (const std::string& name : mModel.materials) {

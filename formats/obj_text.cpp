@@ -10,10 +10,10 @@
 namespace vexa::formats {
 namespace {
 
-/// Text that grows in large steps: a piece is formatted where it stays.
+// Text that grows in large steps: a piece is formatted where it stays.
 class Text {
  public:
-  /// Room for the shortest texts of a few numbers.
+  // Room for the shortest texts of a few numbers.
   void reserve() {
     if (mBytes.size() - mUsed < kPiece) mBytes.resize(2 * mBytes.size() + (1 << 16));
   }
@@ -32,6 +32,7 @@ class Text {
  private:
   void moveTo(const char* end) { mUsed = std::size_t(end - mBytes.data()); }
 
+  // A face is the longest line: three corners of two numbers with up to 20 digits each.
   static constexpr std::size_t kPiece = 256;
   std::string mBytes;
   std::size_t mUsed = 0;
@@ -44,8 +45,8 @@ bool hasUV(const ObjModel& model) {
   });
 }
 
-/// Gives each distinct (u, v), compared by bytes, an index from 1 on, and appends a "vt" line for
-/// each new one.
+// Gives each distinct (u, v), compared by bytes, an index from 1 on, and appends a "vt" line for
+// each new one.
 class UVIndices {
  public:
   explicit UVIndices(std::size_t corners) {
@@ -58,6 +59,7 @@ class UVIndices {
     std::uint64_t key = 0;
     std::memcpy(&key, &corner.u, sizeof(float));
     std::memcpy(reinterpret_cast<char*>(&key) + sizeof(float), &corner.v, sizeof(float));
+    // 2^64 divided by the golden ratio spreads neighbouring keys; the high bits are the mixed ones.
     std::size_t place = std::size_t(key * 0x9E3779B97F4A7C15u >> 20) & (mTable.size() - 1);
     while (mTable[place].index != 0 && mTable[place].key != key) {
       place = (place + 1) & (mTable.size() - 1);
@@ -75,6 +77,9 @@ class UVIndices {
   }
 
  private:
+  // A table with open addressing. At most half of it is in use, so a search ends soon at a free
+  // entry. Any key is possible, also 0; a free entry is known by its index, since indices start at
+  // 1.
   struct Entry {
     std::uint64_t key;
     std::uint32_t index;  // 0: free

@@ -18,6 +18,12 @@
 namespace vexa::formats {
 namespace {
 
+// Offsets in the file, whose frames all have one length, so each can be read by itself:
+//
+//    0  "POINTCACHE2" and a zero byte
+//   12  int32 version, 1
+//   16  the four numbers of PointCacheHeader
+//   32  per sample and point: float x, y, z
 constexpr char kMark[12] = "POINTCACHE2";
 constexpr std::size_t kHeaderSize = 32;
 using Point3 = Oru::TVector3D<float>;

@@ -9,6 +9,7 @@ namespace vexa::formats {
 namespace {
 
 bool isHarmless(std::uint32_t code) {
+  // Codes 0x80 to 0x9F are control characters, too: some terminals take 0x9B for ESC [.
   if (code < 0x20 || (code >= 0x7F && code < 0xA0)) return false;
   // Line and paragraph separators, marks of direction, and invisible joiners.
   return !((code >= 0x200B && code <= 0x200F) || (code >= 0x2028 && code <= 0x202E) ||

@@ -16,7 +16,9 @@ constexpr std::size_t kBlock = 1 << 16;
 
 }  // namespace
 
-// Without waiting: a pipe may have no writer.
+// O_NONBLOCK: opening a pipe without a writer would wait for ever. O_NOCTTY: a terminal must not
+// become the one of this process. The checks ask the open file, not the path, which may name
+// another file by then.
 FileReader::FileReader(std::string path, std::uint64_t largest)
     : mPath(std::move(path)), mFile(openFile(mPath, O_RDONLY | O_NONBLOCK | O_NOCTTY)) {
   if (!mFile.isOpen()) failForFile(mPath);
@@ -53,6 +55,7 @@ std::size_t FileReader::read(void* outBytes, std::size_t count) {
 }
 
 std::string readFile(const std::string& path, std::uint64_t largest) {
+  // Grows as bytes come: the stated size may be wrong by the time of reading.
   FileReader reader(path, largest);
   std::string bytes;
   char block[kBlock];
