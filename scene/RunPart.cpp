@@ -18,6 +18,16 @@
 namespace vexa::scene {
 namespace {
 
+// A run that is split, here into three tasks of thirty frames:
+//
+//   DIR/part_0_of_3/   frames  0 to  9     values.csv, placements.csv, NAME.pc2, ..., part.json
+//   DIR/part_1_of_3/   frames 10 to 19     the same names
+//   DIR/part_2_of_3/   frames 20 to 29     the same names
+//
+// Merging reads them in the order of the tasks and writes the files of a whole run into DIR. A part
+// is whole once it has its part.json: that is removed before a part is played and written after
+// everything else.
+
 namespace fs = std::filesystem;
 
 constexpr char kManifest[] = "part.json";
@@ -26,7 +36,7 @@ constexpr char kManifest[] = "part.json";
   throw std::runtime_error(where + ": " + fault);
 }
 
-/// FNV-1a, 64 bits: finds what was cut or damaged, not what was forged.
+// FNV-1a, 64 bits: finds what was cut or damaged, not what was forged.
 class Checksum {
  public:
   void add(const void* bytes, std::size_t count) {
@@ -44,10 +54,11 @@ class Checksum {
   std::uint64_t mHash = 0xcbf29ce484222325u;
 };
 
-/// Nothing for a file that cannot be read to its end.
+// Nothing for a file that cannot be read to its end.
 std::optional<std::string> fileSum(const std::string& path) {
   std::ifstream file(path, std::ios::binary);
   if (!file) return std::nullopt;
+  // By blocks: a point cache may be larger than memory.
   std::vector<char> block(std::size_t{1} << 20);
   Checksum sum;
   while (file.read(block.data(), std::streamsize(block.size())) || file.gcount() > 0) {
@@ -79,6 +90,7 @@ formats::JsonTree asJson(const RunPart& part) {
 
 std::vector<int> framesOf(const formats::JsonValue& value) {
   const std::vector<double> range = value.numbers(3);
+  // Checked as real numbers, in which no sum or quotient can overflow.
   const bool isRange = range[0] >= 0 && range[1] >= range[0] && range[1] <= 2147483647 &&
                        range[2] >= 1 && (range[1] - range[0]) / range[2] < 1e6;
   if (!isRange) value.fail("expected the first frame, the last and a step");
@@ -88,6 +100,7 @@ std::vector<int> framesOf(const formats::JsonValue& value) {
 }
 
 RunPart partOf(const formats::JsonValue& value) {
+  // Nothing here is trusted: the folder may have come from another machine.
   value.member("formatVersion").integer(1, 1);
   RunPart part;
   part.mScene = value.member("scene").text();
@@ -119,12 +132,13 @@ RunPart readPart(const std::string& folder) {
   }
 }
 
+// The path of the scene does not count: other machines may see the same files elsewhere.
 bool isOfSameRun(const RunPart& a, const RunPart& b) {
   return a.mSceneSum == b.mSceneSum && a.mTake == b.mTake && a.mMesh == b.mMesh &&
          a.mFrames == b.mFrames && a.mTasks == b.mTasks;
 }
 
-/// The name of the first file that is not as it was written, or "".
+// The name of the first file that is not as it was written, or "".
 std::string damagedFile(const RunPart& part, const std::string& folder) {
   for (const auto& [name, sum] : part.mFiles) {
     if (fileSum(folder + "/" + name) != sum) return name;
@@ -138,7 +152,7 @@ std::string framesText(const RunPart& part) {
   return "frames " + std::to_string(frames.front()) + " to " + std::to_string(frames.back());
 }
 
-/// The folders of parts below a folder, by name.
+// The folders of parts below a folder, by name.
 std::vector<std::string> partFolders(const std::string& folder) {
   std::vector<std::string> found;
   std::error_code error;
@@ -161,6 +175,7 @@ void requireAllTasks(const std::string& folder, const std::map<std::size_t, Plac
   std::string names;
   for (missing.mTask = 0; missing.mTask < missing.mTasks; ++missing.mTask) {
     if (parts.count(missing.mTask) != 0) continue;
+    // A run may have a million tasks; the first ones show what is wrong.
     if (names.size() > 500) {
       names += " ...";
       break;
@@ -170,8 +185,9 @@ void requireAllTasks(const std::string& folder, const std::map<std::size_t, Plac
   if (!names.empty()) fail(folder, "missing: " + names);
 }
 
-/// All parts of one run by their task; throws for anything else.
+// All parts of one run by their task; throws for anything else.
 std::map<std::size_t, PlacedPart> readParts(const std::string& folder) {
+  // By task, so that the parts are later merged in the order of their frames.
   std::map<std::size_t, PlacedPart> parts;
   for (const std::string& each : partFolders(folder)) {
     PlacedPart placed{each, readPart(each)};
@@ -192,12 +208,15 @@ std::map<std::size_t, PlacedPart> readParts(const std::string& folder) {
 
 std::string RunPart::folderName() const {
   const std::string count = std::to_string(mTasks);
+  // Leading zeros make the order of the names that of the tasks.
   std::string task = std::to_string(mTask);
   task.insert(0, count.size() > task.size() ? count.size() - task.size() : 0, '0');
   return "part_" + task + "_of_" + count;
 }
 
 std::vector<int> RunPart::frames() const {
+  // The lengths of two parts differ by at most one. Part i ends where part i + 1 starts, because
+  // both compute the same number; the product stays below 10^12.
   const std::size_t count = mFrames.size();
   const auto at = [&](std::size_t task) {
     return mFrames.begin() + static_cast<std::ptrdiff_t>(count * task / mTasks);
@@ -211,6 +230,8 @@ std::string sceneSum(const std::string& file, const refhost::Scene& scene) {
   for (const refhost::Definition& definition : scene.mDefinitions) {
     const refhost::AnimatedObject* object = definition.mAnimatedObject.get();
     if (object == nullptr) continue;
+    // The animation file by its bytes, the mesh as it was read: a comment in an OBJ file changes
+    // nothing.
     sum.add(formats::readFile(object->mAnimationFile));
     for (const auto& p : object->mPoints.mElements) {
       for (const double x : {p.x, p.y, p.z}) sum.add(&x, sizeof(x));
@@ -248,6 +269,7 @@ std::vector<std::string> writePart(RunPart part, const std::string& folder,
   if (part.mMesh == "glb") partial.mMeshes = SceneOutput::Meshes::kPointCache;
   std::error_code error;
   fs::remove(own + "/" + kManifest, error);
+  // There are more tasks than frames. An empty list would mean all frames to writeScene.
   if (partial.mFrames.empty()) {
     fs::create_directories(own, error);
     if (error) fail(own, error.message());
@@ -259,6 +281,7 @@ std::vector<std::string> writePart(RunPart part, const std::string& folder,
       part.mFiles.emplace_back(entry.path().filename().string(), *sum);
     }
   }
+  // A folder lists its files in any order; the manifest is the same in every run.
   std::sort(part.mFiles.begin(), part.mFiles.end());
   formats::writeFile(own + "/" + kManifest,
                      asJson(part).dump(formats::JsonTree::Layout::kIndented) + "\n");
@@ -287,6 +310,8 @@ std::vector<std::string> mergeParts(
     names.insert(names.end(), more.begin(), more.end());
   }
   if (any.mMesh == "glb") {
+    // The caches have points only. Triangles, materials and names of a GLB come from the scene,
+    // which therefore must not have changed since.
     ScenePlayer player = makePlayer(any.mScene, any.mTake);
     if (sceneSum(any.mScene, player.scene()) != any.mSceneSum) {
       fail(any.mScene, "is not the scene that the parts were played from");

@@ -31,9 +31,10 @@ const refhost::Path* pathOf(const refhost::Scene& scene, const Property& value) 
   return nullptr;
 }
 
+// Whether a control point lies away from its passage point.
 bool leans(const UxZel::CZelVector& v) { return v.x != 0 || v.y != 0 || v.z != 0; }
 
-/// Straight from passage to passage and along the control points: 0 only for a path of length 0.
+// Straight from passage to passage and along the control points: 0 only for a path of length 0.
 bool hasLength(const refhost::Path& path) {
   const auto& points = path.mPoints.mElements;
   const auto differs = [&](const refhost::BezierPoint& point) {
@@ -52,6 +53,7 @@ void checkPosition(const refhost::Scene& scene, const Property& value) {
   if (!isPosition(value) && !hasLength(*path)) {
     refuse("value", value.mName, "walks along a path of length 0");
   }
+  // The keys of a position are fractions of the path's length.
   for (const refhost::Key& key : value.mKeys.mElements) {
     if (!isPosition(value) || (key.mValue.mReal >= 0 && key.mValue.mReal <= 1)) continue;
     refuse("value", value.mName, "a key of a position lies outside 0 to 1");
@@ -60,7 +62,7 @@ void checkPosition(const refhost::Scene& scene, const Property& value) {
 
 }  // namespace
 
-/// The manager answers a request that cannot be met with zeros; here it is refused beforehand.
+// The manager answers a request that cannot be met with zeros; here it is refused beforehand.
 void checkValue(const refhost::Scene& scene, const Property& value) {
   if (value.mKeys.mElements.empty()) refuse("value", value.mName, "has no key");
   const auto& keys = value.mKeys.mElements;
@@ -77,6 +79,7 @@ void checkValue(const refhost::Scene& scene, const Property& value) {
   if (instance.mDefinition == refhost::kNone) {
     refuse("value", value.mName, "instance \"" + instance.mName + "\" has no object");
   }
+  // Without takes there is no frame that the instance could show.
   const auto& object = scene.mDefinitions[instance.mDefinition].mAnimatedObject;
   if (object == nullptr || instance.mState.mTakeIndex >= object->mTakes.mElements.size()) {
     refuse("value", value.mName, "the object of instance \"" + instance.mName + "\" has no take");
@@ -85,7 +88,7 @@ void checkValue(const refhost::Scene& scene, const Property& value) {
 
 namespace {
 
-/// A take that the animation file lacks has no pose.
+// A take that the animation file lacks has no pose.
 void checkTakes(const refhost::Definition& definition) {
   const refhost::AnimatedObject& object = *definition.mAnimatedObject;
   const formats::AnimationFile file = formats::readAnimationFile(object.mAnimationFile);
@@ -100,7 +103,7 @@ void checkTakes(const refhost::Definition& definition) {
          "a vertex is no finite point; is each linked to a node?");
 }
 
-/// For each instance the one that encloses it, or kNone.
+// For each instance the one that encloses it, or kNone.
 std::vector<std::size_t> parentsOf(const refhost::Scene& scene) {
   const auto& instances = scene.mInstances.mElements;
   std::map<UxZel::CZelUUID, std::size_t> known;
@@ -114,7 +117,13 @@ std::vector<std::size_t> parentsOf(const refhost::Scene& scene) {
   return parents;
 }
 
-/// All instances, each after the one that encloses it.
+// All instances, each after the one that encloses it. Takes time in proportion to their number:
+//
+//   each instance that is not placed yet starts a chain upwards:   leaf -> arm -> body
+//   the chain ends at the top or at a placed instance, and is then placed from its end:
+//                                                                  body, arm, leaf
+//
+// A chain that meets itself is a ring.
 std::vector<std::size_t> parentsFirst(const refhost::Scene& scene,
                                       const std::vector<std::size_t>& parents) {
   enum class State { kUnseen, kInChain, kPlaced };
@@ -144,6 +153,8 @@ Oru::TVector3D<float> transformed(const Matrix& matrix, const Oru::TVector3D<flo
 
 }  // namespace
 
+// What cannot be played is found here and not at some frame of a long run. The values come first,
+// because their check needs no file.
 ScenePlayer::ScenePlayer(refhost::Scene scene)
     : mScene(std::move(scene)), mManager(Norvel::Vexa::XIAnimationMgr::Create()) {
   if (mManager == nullptr) throw std::bad_alloc();
@@ -151,6 +162,7 @@ ScenePlayer::ScenePlayer(refhost::Scene scene)
   for (Instance& instance : mScene.mInstances.mElements) {
     if (instance.mDefinition != refhost::kNone) registerInstance(instance);
   }
+  // An object without instance is never played, so its animation file need not be read.
   std::vector<bool> isShown(mScene.mDefinitions.size(), false);
   for (const Instance& instance : mScene.mInstances.mElements) {
     if (instance.mDefinition != refhost::kNone) isShown[instance.mDefinition] = true;
@@ -165,6 +177,9 @@ void ScenePlayer::orderScene() {
   mParents = parentsOf(mScene);
   mPlacementOrder = parentsFirst(mScene, mParents);
   placeInstances();
+  // Parents are earlier in the list of instances than what they enclose, so the order of the list
+  // is an order for the values, too. kNone is the largest number: values that drive nothing come
+  // last.
   const auto& values = mScene.mProperties;
   mSamples.assign(values.size(), Sample());
   mOrder.resize(values.size());
@@ -177,6 +192,8 @@ void ScenePlayer::orderScene() {
 void ScenePlayer::registerInstance(Instance& instance) {
   refhost::AnimatedObject* object = mScene.mDefinitions[instance.mDefinition].mAnimatedObject.get();
   if (object == nullptr) return;
+  // The manager looks for the file here when the first place fails; the folder of the file itself
+  // adds no other place.
   const std::string folder = std::filesystem::path(object->mAnimationFile).parent_path().string();
   try {
     mManager->RegisterAnimatedObject(&instance, object, object->mAnimationFile.c_str(),
@@ -184,6 +201,7 @@ void ScenePlayer::registerInstance(Instance& instance) {
   } catch (const std::exception& error) {
     refuse("instance", instance.mName, object->mAnimationFile + ": " + error.what());
   }
+  // A file that is not there is no error to the manager: the instance then shows nothing.
   if (mesh(instance) == nullptr) {
     refuse("instance", instance.mName, object->mAnimationFile + ": no such animation file");
   }
@@ -213,6 +231,8 @@ void ScenePlayer::setFrame(int frame) {
   placeInstances();
 }
 
+// A host keeps its own scene graph. This is that part of one: each instance in the world, parents
+// before what they enclose, by the functions that the manager itself uses.
 void ScenePlayer::placeInstances() {
   const auto& instances = mScene.mInstances.mElements;
   mPlacements.resize(instances.size());
@@ -225,12 +245,15 @@ void ScenePlayer::placeInstances() {
         &instance, parent.mScale, parent.mToWorld, nullptr, nullptr, false, true, plantGroupFlag,
         true);
     const double* s = instance.mScale;
+    // The mean of the three factors is what the manager takes when it places a walker in its
+    // parent.
     placement.mScale =
         parent.mScale * float((std::abs(s[0]) + std::abs(s[1]) + std::abs(s[2])) / 3);
     placement.mIsPlantGroup = instance.mClassName == "3DPlantGroupInstances";
   }
 }
 
+// Instances are elements of the scene's list, which does not move while the player lives.
 const ScenePlayer::Placement& ScenePlayer::placementOf(const Instance& instance) const {
   return mPlacements[std::size_t(&instance - mScene.mInstances.mElements.data())];
 }
@@ -244,6 +267,8 @@ void ScenePlayer::edit(refhost::Scene edited) {
   if (!std::equal(instances.begin(), instances.end(), wanted.begin(), wanted.end(), isSame)) {
     throw std::runtime_error("the instances are not those of the scene that is played");
   }
+  // The manager borrows the registered objects: they keep their addresses, while everything else is
+  // replaced. Nothing has changed when a check fails.
   edited.mDefinitions.swap(mScene.mDefinitions);
   try {
     for (const Property& value : edited.mProperties) checkValue(edited, value);
@@ -277,6 +302,8 @@ UxZel::CZelPoint ScenePlayer::worldPosition(const Instance& instance) const {
   return {p.x, p.y, p.z};
 }
 
+// Triangles, materials and uvs are the same in every frame, so they are copied once; a frame then
+// costs its points alone.
 std::vector<formats::MovingMesh> ScenePlayer::meshes() const {
   std::vector<formats::MovingMesh> meshes;
   for (const Instance& instance : mScene.mInstances.mElements) {

@@ -15,33 +15,36 @@
 namespace vexa::scene {
 namespace {
 
-/// Farther from 1 than a sum of rounded weights gets.
+// Files store weights as doubles that were often single-precision numbers before. Sums of these
+// miss 1 by less than that.
 constexpr double kWeightTolerance = 1e-5;
 
 std::string count(std::size_t number, const char* what) {
   return std::to_string(number) + " " + what + (number == 1 ? "" : "s");
 }
 
-/// What the links of an animation file say about its vertices.
+// What the links of an animation file say about its vertices.
 struct LinkFigures {
   struct Vertex {
     double sum = 0;
     std::uint32_t influences = 0;
   };
-  std::map<std::uint32_t, Vertex> mVertices;  ///< the linked ones; an index may be any number
+  std::map<std::uint32_t, Vertex> mVertices;  // the linked ones; an index may be any number
   std::size_t mLinks = 0;
-  std::size_t mToAbsentNodes = 0;  ///< links of a node that has no matrix
-  std::size_t mBadWeights = 0;     ///< negative or not finite
+  std::size_t mToAbsentNodes = 0;  // links of a node that has no matrix
+  std::size_t mBadWeights = 0;     // negative or not finite
 
-  /// How many vertices a mesh needs to hold them all.
+  // How many vertices a mesh needs to hold them all.
   std::size_t vertexCount() const {
     return mVertices.empty() ? 0 : std::size_t{mVertices.rbegin()->first} + 1;
   }
 };
 
+// Negated comparisons below also catch NaN.
 LinkFigures figuresOf(const formats::AnimationFile& file) {
   LinkFigures figures;
   for (const formats::AnimationFile::Node& node : file.mNodes) {
+    // A node without matrices is absent; the library skips its links with a warning.
     figures.mLinks += node.mLinks.size();
     if (node.mMatrices.empty()) figures.mToAbsentNodes += node.mLinks.size();
     for (const formats::AnimationFile::Link& link : node.mLinks) {
@@ -66,7 +69,8 @@ std::size_t badMatrices(const formats::AnimationFile& file) {
   return bad;
 }
 
-/// The bytes that a frame collector accounts for.
+// The bytes that a frame collector accounts for: 28 a link and 72 more for the first link of a
+// vertex, 32 a node and 48 for each of its takes, 64 a matrix of sixteen floats.
 std::uint64_t sizeInMemory(const formats::AnimationFile& file, const LinkFigures& figures) {
   std::uint64_t size = 28 * figures.mLinks + 72 * figures.mVertices.size();
   for (const auto& node : file.mNodes) {
@@ -77,6 +81,8 @@ std::uint64_t sizeInMemory(const formats::AnimationFile& file, const LinkFigures
 }
 
 void describeWeights(const LinkFigures& figures, Description& ioDescription) {
+  // A sum other than 1 is a note, because the library divides by it. A vertex without links, or
+  // with a sum of 0, is a fault: its position would be 0 / 0.
   const std::size_t unlinked = figures.vertexCount() - figures.mVertices.size();
   std::size_t weightless = 0, offOne = 0;
   double farthest = 0;
@@ -84,6 +90,7 @@ void describeWeights(const LinkFigures& figures, Description& ioDescription) {
   for (const auto& [index, vertex] : figures.mVertices) {
     most = std::max(most, vertex.influences);
     const double off = std::abs(vertex.sum - 1);
+    // The weighted sum of a vertex is divided by this, so 0 leaves no position.
     if (vertex.sum == 0) {
       ++weightless;
     } else if (off > kWeightTolerance) {
@@ -148,6 +155,7 @@ Description describeMesh(const std::string& file) {
     materials.insert(triangle.material);
     const auto& c = triangle.corners;
     for (const auto& corner : c) used[corner.point] = true;
+    // Two equal corners leave no area and no normal.
     const bool repeats =
         c[0].point == c[1].point || c[1].point == c[2].point || c[2].point == c[0].point;
     degenerate += repeats ? 1 : 0;
@@ -155,6 +163,7 @@ Description describeMesh(const std::string& file) {
   for (const auto& p : model.points) {
     bad += formats::isFinite(p) ? 0 : 1;
   }
+  // Links count points by their numbers, so an unused point is kept and only noted.
   const auto unused = static_cast<std::size_t>(std::count(used.begin(), used.end(), false));
   description["points"] = model.points.size();
   description["triangles"] = model.triangles.size();
@@ -167,7 +176,8 @@ Description describeMesh(const std::string& file) {
   return description;
 }
 
-/// Whether an object's animation file fits its mesh.
+// Whether an object's animation file fits its mesh. The file does not say for which mesh it was
+// made; a file of another one shows by its number of vertices.
 void describeObject(const refhost::Definition& definition, Description& ioDescription) {
   const refhost::AnimatedObject& object = *definition.mAnimatedObject;
   const std::string name = "object \"" + definition.mName + "\": ";
@@ -196,12 +206,13 @@ void describeObject(const refhost::Definition& definition, Description& ioDescri
     for (const Description& fault : *animation["faults"].elements()) {
       faults.add(name + *fault.text());
     }
+    // A file that is not there is a fault of the scene; the other facts are still of use.
   } catch (const std::runtime_error& error) {
     ioDescription["faults"].add(name + error.what());
   }
 }
 
-/// Keys of a value that stand at one frame: only one of them can be seen.
+// Keys of a value that stand at one frame: only one of them can be seen.
 void describeKeys(const refhost::Property& value, Description& ioDescription) {
   std::set<int> frames;
   for (const refhost::Key& key : value.mKeys.mElements) {
@@ -243,6 +254,7 @@ Description describeFile(const std::string& file) {
   const std::string extension = std::filesystem::path(file).extension().string();
   if (extension == ".json") return describeScene(file);
   if (extension == ".obj") return describeMesh(file);
+  // Models are described by the importer, which the command asks first.
   return describeAnimation(formats::readAnimationFile(file));
 }
 

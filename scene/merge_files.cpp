@@ -19,14 +19,16 @@ bool endsWith(const std::string& text, const std::string& end) {
   return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
-/// Appends a table; of all but the first one without the header. Names of values may hold line
-/// breaks, in quotes.
+// Appends a table; of all but the first one without the header. Names of values may hold line
+// breaks, in quotes.
 void appendTable(const std::string& path, bool withHeader, formats::NewFile& ioFile) {
   std::ifstream from(path, std::ios::binary);
   bool isQuoted = false, isCopying = withHeader;
   std::vector<char> block(std::size_t{1} << 20);
   while (from.read(block.data(), std::streamsize(block.size())) || from.gcount() > 0) {
     std::string_view bytes(block.data(), std::size_t(from.gcount()));
+    // Skips the header, which ends at the first line break outside quotes. A doubled quote inside a
+    // quoted field turns the state off and on again, which is right as well.
     while (!isCopying && !bytes.empty()) {
       if (bytes[0] == '"') isQuoted = !isQuoted;
       isCopying = bytes[0] == '\n' && !isQuoted;
@@ -37,11 +39,13 @@ void appendTable(const std::string& path, bool withHeader, formats::NewFile& ioF
   if (from.bad()) throw std::runtime_error(path + ": cannot be read");
 }
 
-/// The readers of one mesh's caches, part by part.
+// The readers of one mesh's caches, part by part.
 std::vector<formats::PointCacheReader> openCaches(const std::vector<MergedPart>& parts,
                                                   const std::string& name) {
+  // All parts are open at a time: mergeGlb needs a frame of every mesh at once.
   std::vector<formats::PointCacheReader> readers;
   for (const MergedPart& part : parts) {
+    // Such a part has no files.
     if (part.mFrames.empty()) continue;
     readers.emplace_back(part.mFolder + "/" + name);
     const formats::PointCacheHeader& header = readers.back().header();
@@ -70,6 +74,7 @@ std::vector<std::string> mergeTables(const std::vector<MergedPart>& parts,
   return names;
 }
 
+// Names of OBJ files hold their frame, so the files of two parts never have one name.
 std::vector<std::string> mergeObjs(const std::vector<MergedPart>& parts,
                                    const formats::OutputFolder& target) {
   std::vector<std::string> names;
@@ -87,6 +92,8 @@ std::vector<std::string> mergeObjs(const std::vector<MergedPart>& parts,
 
 std::vector<std::string> mergeCaches(const std::vector<MergedPart>& parts, float step,
                                      const formats::OutputFolder& target) {
+  // The rest mesh of a whole run shows its first frame, and that frame is in the first part that
+  // has any.
   const auto first = std::find_if(parts.begin(), parts.end(),
                                   [](const auto& part) { return !part.mFrames.empty(); });
   std::vector<std::string> names;
@@ -126,6 +133,8 @@ void mergeGlb(const std::vector<MergedPart>& parts, const std::vector<int>& fram
   std::vector<std::vector<formats::PointCacheReader>> readers;
   for (const std::string& name : meshNames(meshes))
     readers.push_back(openCaches(parts, name + ".pc2"));
+  // The GLB rests in the first frame of the run: it goes to the writer with the meshes, and the
+  // loop below skips it.
   std::vector<Points> poses(meshes.size());
   for (std::size_t m = 0; m < meshes.size(); ++m) {
     meshes[m].mFrames.resize(1);

@@ -26,6 +26,7 @@ class Palette {
   bool isEmpty() const { return mMaterials.empty(); }
 
   Color at(unsigned int material, double u, double v) const {
+    // A material without a colour is a light grey, in which shading can still be seen.
     constexpr Color kUnstated{0.7F, 0.7F, 0.7F};
     if (material >= mMaterials.size() || !mMaterials[material]) return kUnstated;
     const auto& color = mMaterials[material]->color;
@@ -42,12 +43,14 @@ class Palette {
 }  // namespace
 
 void addColors(std::vector<formats::MovingMesh>& ioMeshes) {
+  // Instances of one object share their file, whose textures are decoded once.
   std::map<std::string, Palette> palettes;
   for (formats::MovingMesh& mesh : ioMeshes) {
     if (mesh.mFile.empty()) continue;
     const Palette& palette = palettes.try_emplace(mesh.mFile, mesh.mFile).first->second;
     if (palette.isEmpty()) continue;
     for (std::size_t t = 0; t < mesh.mTriangles.size(); ++t) {
+      // A triangle of a picture covers few pixels, so one colour is enough.
       double u = 0, v = 0;
       if (!mesh.mUvs.empty()) {
         const auto& uv = mesh.mUvs[t];

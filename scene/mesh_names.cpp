@@ -16,11 +16,13 @@ std::vector<std::string> meshNames(const std::vector<formats::MovingMesh>& meshe
   std::vector<std::string> names;
   std::set<std::string> taken;
   for (const formats::MovingMesh& mesh : meshes) {
+    // File systems allow 255 bytes; a number and an ending are still to come.
     std::string name = mesh.mName.substr(0, 100);
     std::replace_if(
         name.begin(), name.end(), [](char c) { return !isPlain(c); }, '_');
     if (name.empty()) name = "mesh";
     std::string unique = name;
+    // Names that differ in signs only, such as "a b" and "a?b", are the same by now.
     for (int i = 2; !taken.insert(unique).second; ++i) unique = name + "_" + std::to_string(i);
     names.push_back(unique);
   }

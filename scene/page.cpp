@@ -16,10 +16,11 @@ namespace {
 using Path = std::filesystem::path;
 using Json = formats::JsonTree;
 
-/// Numbers that a page keeps for the comparison; 100,000 are about two megabytes of text.
+// Numbers that a page keeps for the comparison; 100,000 are about two megabytes of text.
 constexpr std::size_t kMostNumbers = 100'000;
 
-/// A picture as an address of its own; empty when a browser would not show it.
+// A picture as an address of its own, because a page that was opened from a disk may not read other
+// files. Empty when a browser would not show it.
 std::string dataAddress(const Path& file) {
   const std::string ending = file.extension().string();
   const char* type = nullptr;
@@ -49,6 +50,7 @@ Json materialsOf(const std::string& objText, const Path& objFile) {
 }
 
 std::size_t numbersPerFrame(const refhost::Scene& scene) {
+  // The sixteen numbers are the matrix of a placement.
   std::size_t count = 16 * scene.mInstances.mElements.size();
   for (const refhost::Property& value : scene.mProperties) count += partNames(value).size();
   return count;
@@ -59,6 +61,7 @@ Json resultsOf(ScenePlayer& player, int first, int last) {
   const std::size_t numbers = frames * numbersPerFrame(player.scene());
   const auto step = int(numbers / kMostNumbers + 1);
   ResultRecorder recorder(player);
+  // The last frame is always compared, whatever the step.
   for (int frame = first; frame <= last - step; frame += step) recorder.add(frame);
   recorder.add(last);
   return recorder.results();

@@ -11,9 +11,11 @@
 namespace vexa::scene {
 namespace {
 
+// The start of FNV-1a with 64 bits; 1099511628211 below is its prime.
 constexpr std::uint64_t kEmptyDigest = 14695981039346656037u;
 
 void addBytes(std::uint64_t& ioDigest, std::uint64_t word, int count) {
+  // From the lowest byte up, so that the order of bytes in memory has no influence.
   for (int i = 0; i < count; ++i) {
     ioDigest = (ioDigest ^ (word >> (8 * i) & 0xff)) * 1099511628211u;
   }
@@ -23,6 +25,7 @@ std::uint64_t digestOf(const std::vector<Oru::TVector3D<float>>& points) {
   std::uint64_t digest = kEmptyDigest;
   for (const auto& point : points) {
     for (const float number : {point.x, point.y, point.z}) {
+      // By its bits: equal numbers may differ in the sign of a zero.
       std::uint32_t bits;
       std::memcpy(&bits, &number, sizeof(bits));
       addBytes(digest, bits, 4);
@@ -48,6 +51,8 @@ bool isOnClosedPath(const refhost::Scene& scene, const refhost::Property& value)
 
 bool isArithmeticOnly(const refhost::Scene& scene, const refhost::Property& value) {
   const auto& keys = value.mKeys.mElements;
+  // These three curves are made of sine and cosine. Sums, products, quotients and square roots are
+  // exact to the last bit by IEEE 754; sines are what each library makes of them.
   const auto isCurved = [](const refhost::Key& key) {
     return key.mInterpolationType == UxZel::kInterpolationSquare ||
            key.mInterpolationType == UxZel::kInterpolationOneMinusSquare ||
@@ -79,6 +84,7 @@ void ResultRecorder::add(int frame) {
   for (std::size_t i = 0; i < mInstances.size(); ++i) {
     const refhost::Instance& instance = scene.mInstances.mElements[i];
     const auto matrix = mPlayer.toWorld(instance);
+    // The mesh is hashed in its own space: its placement may depend on sines, its pose does not.
     auto& numbers = mInstances[i].mNumbers;
     numbers.insert(numbers.end(), std::begin(matrix.e), std::end(matrix.e));
     addBytes(mInstances[i].mDigest, meshDigest(instance), 8);
@@ -86,6 +92,7 @@ void ResultRecorder::add(int frame) {
 }
 
 std::uint64_t ResultRecorder::meshDigest(const refhost::Instance& instance) {
+  // Many instances often show the same frame of the same take: each is hashed once.
   const std::tuple key(instance.mDefinition, instance.mState.mTakeIndex,
                        instance.mState.mCurrentFrame);
   const auto known = mMeshDigests.find(key);
@@ -108,6 +115,7 @@ formats::JsonTree ResultRecorder::results() const {
   }
   for (std::size_t i = 0; i < mInstances.size(); ++i) {
     const refhost::Instance& instance = scene.mInstances.mElements[i];
+    // Told apart by the mesh, not by the digest: the hash of no points is a number as well.
     const bool hasMesh = mPlayer.mesh(instance) != nullptr;
     instances.add(Json::object()
                       .with("name", instance.mName)

@@ -9,7 +9,8 @@
 namespace vexa::scene {
 namespace {
 
-/// A field in quotes where CSV asks for them.
+// A field in quotes where RFC 4180 asks for them; a quote inside is doubled. Names of values come
+// from the scene file and may hold anything.
 std::string field(const std::string& text) {
   if (text.find_first_of(",\"\r\n") == std::string::npos) return text;
   std::string quoted = "\"";
@@ -22,6 +23,7 @@ std::string field(const std::string& text) {
 std::string shortestNumber(double value) { return formats::shortestText(value); }
 
 std::string valuesHeader(const refhost::Scene& scene) {
+  // "colour.r", "colour.g", ...: a value that is one number has a plain name.
   std::string line = "frame";
   for (const refhost::Property& value : scene.mProperties) {
     for (const std::string& part : partNames(value)) {
@@ -36,6 +38,7 @@ std::string valuesRow(const ScenePlayer& player, int frame) {
   const auto& values = player.scene().mProperties;
   for (std::size_t i = 0; i < values.size(); ++i) {
     for (const double part : parts(values[i], player.samples()[i])) {
+      // Dates are texts for people and spreadsheets; everything else reads back as the same number.
       line += "," + (isDate(values[i]) ? formats::dateOfSeconds(static_cast<std::int64_t>(part))
                                        : shortestNumber(part));
     }
@@ -51,6 +54,7 @@ std::string placementsHeader() {
 std::string placementsRows(const ScenePlayer& player, int frame) {
   std::string lines;
   for (const refhost::Instance& instance : player.scene().mInstances.mElements) {
+    // As a host stores them: position and direction are in the space of the parent.
     lines += std::to_string(frame) + "," + field(instance.mName) + "," +
              std::to_string(instance.mState.mTakeIndex) + "," +
              std::to_string(instance.mState.mCurrentFrame);

@@ -13,6 +13,7 @@ constexpr unsigned int kTakeFrame = UxZel::kPropertyAnimatedFrame;
 // Host frames of one pass; takes count frames per time unit, and so does the time scale.
 int lengthOf(const refhost::Scene& scene, const refhost::Take& take) {
   const double scale = scene.mSettings.mElements[0].mTimeScale;
+  // Rounded to a whole host frame, and never 0: both keys would be at one frame.
   const double length = std::round(take.mFrameCount * scale / take.mFrameRate);
   return int(std::clamp(length, 1.0, 1e9));
 }
@@ -20,7 +21,9 @@ int lengthOf(const refhost::Scene& scene, const refhost::Take& take) {
 void playOnce(const refhost::Scene& scene, const refhost::Take& take, refhost::Property& ioValue) {
   auto& keys = ioValue.mKeys.mElements;
   if (ioValue.mPropertyType != kTakeFrame || keys.size() < 2) return;
+  // In 64 bits: both summands may be near the largest int.
   const std::int64_t end = std::int64_t{keys[0].mFrame} + lengthOf(scene, take);
+  // The second key is reached when the take has run for its whole length, and shows its last frame.
   keys[0].mValue.mInteger = 0;
   keys[1].mFrame = int(std::min<std::int64_t>(end, 2147483647));
   keys[1].mValue.mInteger = take.mFrameCount - 1;
@@ -54,6 +57,7 @@ void showTake(refhost::Scene& ioScene, const std::string& take) {
 int lastFrame(const refhost::Scene& scene) {
   int last = 0;
   for (const refhost::Property& value : scene.mProperties) {
+    // A cyclic "takeFrame" from frame 0 to 24 shows at 24 what it showed at 0.
     const bool repeats = value.mPropertyType == kTakeFrame && value.mCyclic;
     for (const refhost::Key& key : value.mKeys.mElements) {
       last = std::max(last, key.mFrame - (repeats ? 1 : 0));

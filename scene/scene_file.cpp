@@ -17,7 +17,8 @@ namespace {
 using refhost::Scene;
 
 constexpr std::int64_t kMaxInt = 2147483647;
-/// Apart from the identifiers of instances, which count from 1.
+// Hosts find paths and instances by UUID. Paths count from here and instances from 1, so that no
+// path has the identifier of an instance.
 constexpr std::uint32_t kFirstPathNumber = 1'000'000;
 
 using Names = std::map<std::string, std::size_t>;
@@ -38,7 +39,8 @@ const Codes kKinds = {{"ordinary", 0},
                       {"walk", UxZel::kPropertyAnimatedWalk},
                       {"frameRate", UxZel::kPropertyAnimatedFrameRate}};
 
-/// A code by its name, or as the number that a host stores.
+// A code by its name, or as the number that a host stores. An unknown number is passed on: the
+// library defines what it does with each.
 int codeOf(const formats::JsonValue& value, const Codes& codes) {
   if (value.isNumber()) return static_cast<int>(value.integer(0, kMaxInt));
   const auto found = codes.find(value.text());
@@ -63,7 +65,7 @@ bool booleanOr(const formats::JsonValue& object, const char* name, bool otherwis
   return found ? found->boolean() : otherwise;
 }
 
-/// CZelPoint or CZelVector from three numbers.
+// CZelPoint or CZelVector from three numbers.
 template <class Triple>
 Triple tripleOr(const formats::JsonValue& object, const char* name, const Triple& otherwise) {
   const auto found = object.find(name);
@@ -72,8 +74,9 @@ Triple tripleOr(const formats::JsonValue& object, const char* name, const Triple
   return {numbers[0], numbers[1], numbers[2]};
 }
 
-/// Remembers a name that others refer to.
+// Remembers a name that others refer to.
 std::string newName(const formats::JsonValue& object, Names& names) {
+  // The index of a name is the number of names before it, which is its place in the list.
   const formats::JsonValue name = object.member("name");
   if (!names.emplace(name.text(), names.size()).second) name.fail("is used twice");
   return name.text();
@@ -87,15 +90,18 @@ std::size_t indexOf(const formats::JsonValue& reference, const Names& names, con
   return found->second;
 }
 
-/// Builds a scene from a document, list by list; names are known to all that comes later.
+// Builds a scene from a document, list by list. A name can be referred to by everything that comes
+// later, never by what comes before: so parents are earlier than children, and there is no ring.
 class SceneReader {
  public:
+  // The page sends each edit as a whole scene. It cannot change meshes, so reading them is skipped.
   enum class Meshes { kRead, kSkip };
 
   SceneReader(const formats::JsonValue& document, std::filesystem::path folder, Meshes meshes)
       : mDocument(document), mFolder(std::move(folder)), mMeshes(meshes) {}
 
   Scene read() {
+    // The order is that of the references: values name instances and paths, instances name objects.
     mDocument.allowOnly({"$schema", "settings", "paths", "objects", "instances", "values"});
     if (const auto settings = mDocument.find("settings")) readSettings(*settings);
     forEach("paths", [this](const formats::JsonValue& value) { readPath(value); });
@@ -113,6 +119,7 @@ class SceneReader {
     for (const formats::JsonValue& element : found->list()) read(element);
   }
 
+  // An absolute name stays as it is: that is how paths are joined.
   std::string fileName(const formats::JsonValue& value) const {
     return (mFolder / value.text()).string();
   }
@@ -134,6 +141,7 @@ class SceneReader {
     for (const formats::JsonValue& point : value.member("points").list()) {
       point.allowOnly({"position", "before", "after", "tangentLocked"});
       refhost::BezierPoint bezier;
+      // Required; tripleOr alone would take the origin for a missing one.
       point.member("position");
       bezier.mPassage = tripleOr(point, "position", UxZel::CZelPoint{});
       bezier.mBefore = tripleOr(point, "before", UxZel::CZelVector{});
@@ -154,6 +162,7 @@ class SceneReader {
     if (mMeshes == Meshes::kRead) readMesh(value.member("mesh"), object);
     object.mAnimationFile = fileName(value.member("animation"));
     for (const formats::JsonValue& take : value.member("takes").list()) readTake(take, object);
+    // Without the mesh the number of its points is not known.
     const std::int64_t last = mMeshes == Meshes::kRead
                                   ? static_cast<std::int64_t>(object.mPoints.mElements.size()) - 1
                                   : kMaxInt;
@@ -169,6 +178,7 @@ class SceneReader {
       outObject.mMeshFile = fileName(value);
       model = formats::readObj(outObject.mMeshFile);
     } catch (const std::runtime_error& error) {
+      // The reader's error names the mesh file; this adds where the scene names it.
       value.fail(error.what());
     }
     for (const auto& point : model.points) {
@@ -204,9 +214,11 @@ class SceneReader {
               .mIdentity.mUUID;
     }
     instance.mName = newName(value, mInstances);
+    // Numbered by place, so that an edited scene gives each instance its former identifier.
     instance.mIdentity.mUUID = refhost::numberedUUID(static_cast<std::uint32_t>(mInstances.size()));
     if (const auto name = value.find("class")) instance.mClassName = name->text();
     instance.mPosition = tripleOr(value, "position", UxZel::CZelPoint{});
+    // Files state degrees because people write them; the host interfaces take radians.
     constexpr double kRadiansPerDegree = 3.141592653589793 / 180;
     instance.mRotation = numberOr(value, "rotationDegrees", 0) * kRadiansPerDegree;
     readScale(value, instance);
@@ -223,6 +235,7 @@ class SceneReader {
   static void readScale(const formats::JsonValue& value, refhost::Instance& outInstance) {
     const auto scale = value.find("scale");
     if (!scale) return;
+    // One factor for all axes, or one for each.
     const std::vector<double> factors =
         scale->isNumber() ? std::vector<double>(3, scale->number()) : scale->numbers(3);
     std::copy(factors.begin(), factors.end(), outInstance.mScale);
@@ -255,6 +268,7 @@ class SceneReader {
     if (const auto instance = value.find("instance")) {
       property.mInstance = indexOf(*instance, mInstances, "instance");
     }
+    // All keys of a value have one type: the parts of its samples follow from the first key.
     const int type = valueTypeOf(value, property);
     for (const formats::JsonValue& key : value.member("keys").list())
       property.mKeys.add(readKey(key, type));
@@ -262,7 +276,7 @@ class SceneReader {
     mScene.mProperties.push_back(std::move(property));
   }
 
-  /// The type of a value's keys; the kinds that are driven have one each.
+  // The type of a value's keys; the kinds that are driven have one each.
   static int valueTypeOf(const formats::JsonValue& value, const refhost::Property& property) {
     if (const auto type = value.find("type")) return codeOf(*type, kValueTypes);
     return showsFrames(property) ? UxZel::kValueInteger : UxZel::kValueReal;
@@ -277,6 +291,7 @@ class SceneReader {
   static refhost::Key readKey(const formats::JsonValue& value, int type) {
     value.allowOnly({"frame", "curve", "value"});
     refhost::Key key;
+    // -1 is a key without a frame, which hosts have and the search for keys ignores.
     key.mFrame = static_cast<int>(value.member("frame").integer(-1, kMaxInt));
     if (const auto curve = value.find("curve")) key.mInterpolationType = codeOf(*curve, kCurves);
     key.mValueType = static_cast<unsigned int>(type);
@@ -293,6 +308,7 @@ class SceneReader {
         return;
       }
       case UxZel::kValueColor: {
+        // Not numbers(4): each byte has its own range and its own place in an error.
         std::vector<formats::JsonValue> bytes = value.list();
         if (bytes.size() != 4) value.fail("expected red, green, blue and alpha");
         for (std::size_t i = 0; i < 4; ++i) {

@@ -26,11 +26,20 @@
 namespace vexa::scene {
 namespace {
 
+// Frames are divided over threads, four in this picture:
+//
+//   frames     0 .. 24 | 25 .. 49 | 50 .. 74 | 75 .. 99
+//   tables     values.csv, values.csv.1, values.csv.2, values.csv.3, joined at the end
+//   GLB, PC2   one file; the place of each frame in it is known, so all threads write at once
+//   OBJ        a file per frame
+//
+// No output depends on how the frames are divided.
+
 using Points = formats::MovingMesh::Points;
 
 constexpr const char* kTables[] = {"values.csv", "placements.csv"};
 
-/// The model of all meshes together, for its faces: the points are zeros.
+// The model of all meshes together, for its faces: the points are zeros.
 formats::ObjModel asObj(const std::vector<formats::MovingMesh>& meshes,
                         const std::vector<Points>& poses) {
   formats::ObjModel model;
@@ -56,13 +65,13 @@ std::string objName(int frame) {
   return name;
 }
 
-/// Not NAME.obj: the mesh that the scene reads is often of that name, in the same folder.
+// Not NAME.obj: the mesh that the scene reads is often of that name, in the same folder.
 std::string restName(const std::string& name) { return name + "_mesh.obj"; }
 
-/// What all jobs write into; every operation may be called from any of them.
+// What all jobs write into; every operation may be called from any of them.
 class SceneFiles {
  public:
-  /// `player` is left at the first frame.
+  // `player` is left at the first frame.
   SceneFiles(ScenePlayer& player, const SceneOutput& output)
       : mOutput(output), mFolder(output.mFolder) {
     player.setFrame(mOutput.mFrames[0]);
@@ -72,23 +81,24 @@ class SceneFiles {
 
   const std::vector<int>& frames() const { return mOutput.mFrames; }
 
-  /// A part of a table, in the order of the jobs.
+  // A part of a table, in the order of the jobs.
   formats::NewFile newPart(const char* table, std::size_t job) const {
     return formats::NewFile(partPath(table, job));
   }
 
-  /// Whatever there is about frame i of the list, which `player` shows, apart from the tables.
+  // Whatever there is about frame i of the list, which `player` shows, apart from the tables.
   void addFrame(const ScenePlayer& player, std::size_t i, std::vector<Points>& ioPoses) {
     if (mGlb || mHasObjs || !mCaches.empty()) player.getPoses(ioPoses);
     if (mGlb && i > 0) mGlb->writeFrame(i, ioPoses);
     if (mHasObjs) writeObj(frames()[i], ioPoses);
     for (std::size_t m = 0; m < mCaches.size(); ++m) mCaches[m].write(i, ioPoses[m]);
     if (mRecord) mRecord->add(player, i);
+    // The caller's function need not be safe for several threads.
     const std::lock_guard<std::mutex> lock(mProgress);
     mOutput.mProgress(++mDone, frames().size());
   }
 
-  /// Puts the parts together and moves everything to its place; returns what was written.
+  // Puts the parts together and moves everything to its place; returns what was written.
   std::vector<std::string> publish(const ScenePlayer& player, std::size_t jobs) {
     std::vector<std::string> names(std::begin(kTables), std::end(kTables));
     for (const std::string& table : names) joinParts(table, jobs);
@@ -122,6 +132,7 @@ class SceneFiles {
     player.getPoses(poses);
     if (mOutput.mMeshes == SceneOutput::Meshes::kObj) {
       mHasObjs = !meshes.empty();
+      // The faces of all frames are the same text.
       mFaces = formats::formatObjFaces(asObj(meshes, poses));
       return;
     }
@@ -134,7 +145,7 @@ class SceneFiles {
     mGlb.emplace(*mGlbFile, path, meshes, frames().size(), framesPerSecond(timeScale, frames()));
   }
 
-  /// A rest mesh and a cache for each mesh.
+  // A rest mesh and a cache for each mesh.
   void prepareCaches(const std::vector<formats::MovingMesh>& meshes,
                      const std::vector<Points>& poses) {
     mCacheNames = meshNames(meshes);
@@ -174,6 +185,7 @@ class SceneFiles {
   void joinParts(const std::string& table, std::size_t jobs) const {
     if (jobs == 1) return;
     const std::string whole = partPath(table, 0);
+    // NewFile writes only files that are not there, so the first part makes room for the whole.
     const std::string first = whole + ".0";
     if (std::rename(whole.c_str(), first.c_str()) != 0) formats::failForFile(whole);
     formats::NewFile file(whole);
@@ -188,7 +200,7 @@ class SceneFiles {
   const SceneOutput& mOutput;
   formats::OutputFolder mFolder;
   bool mHasObjs = false;
-  std::string mFaces;  ///< what an OBJ file says besides the points
+  std::string mFaces;  // what an OBJ file says besides the points
   std::optional<formats::NewFile> mGlbFile;
   std::optional<formats::GlbWriter> mGlb;
   std::vector<std::string> mCacheNames;
@@ -198,13 +210,14 @@ class SceneFiles {
   std::size_t mDone = 0;
 };
 
-/// Frames `first` to `last`, the last not included, of a run that has as many jobs as it has parts.
+// Frames `first` to `last`, the last not included, of a run that has as many jobs as it has parts.
 struct Job {
   std::size_t mIndex, mFirst, mLast;
   std::exception_ptr mFailure;
 };
 
-/// The lowest job that has failed: those above it may stop, those below it may still fail first.
+// The lowest job that has failed, or the number of jobs. Jobs above it stop. Jobs below it go on,
+// because the failure that is reported is that of the lowest frame, as when one thread plays all.
 using LowestFailure = std::atomic<std::size_t>;
 
 void playFrames(ScenePlayer& player, const Job& job, SceneFiles& files,
@@ -227,7 +240,7 @@ void playFrames(ScenePlayer& player, const Job& job, SceneFiles& files,
   placements.close();
 }
 
-/// Notes a failure in the place of throwing it.
+// Notes a failure in the place of throwing it.
 template <class Play>
 void playJob(Job& ioJob, LowestFailure& ioFailure, Play play) {
   try {
@@ -235,12 +248,13 @@ void playJob(Job& ioJob, LowestFailure& ioFailure, Play play) {
   } catch (...) {
     ioJob.mFailure = std::current_exception();
     std::size_t lowest = ioFailure;
+    // Keeps the minimum when several jobs fail at a time.
     while (ioJob.mIndex < lowest && !ioFailure.compare_exchange_weak(lowest, ioJob.mIndex)) {
     }
   }
 }
 
-/// Joins its threads at the end, whatever happens.
+// Joins its threads at the end, whatever happens.
 struct Threads {
   std::vector<std::thread> mThreads;
   ~Threads() {
@@ -248,12 +262,13 @@ struct Threads {
   }
 };
 
-/// Each job but the first loads the scene in its own thread: a manager belongs to one thread.
+// Each job but the first loads the scene in its own thread: a manager belongs to one thread.
 void playJobs(ScenePlayer& player, const PlayerMaker& makePlayer, std::vector<Job>& ioJobs,
               SceneFiles& files) {
   LowestFailure failure{ioJobs.size()};
   {
     Threads threads;
+    // The references that the threads take stay valid until Threads has joined them.
     threads.mThreads.reserve(ioJobs.size());
     for (std::size_t j = 1; j < ioJobs.size(); ++j) {
       threads.mThreads.emplace_back([&, j] {
@@ -273,6 +288,7 @@ void playJobs(ScenePlayer& player, const PlayerMaker& makePlayer, std::vector<Jo
 std::vector<Job> splitFrames(std::size_t frames, std::size_t jobs) {
   std::vector<Job> result;
   for (std::size_t j = 0; j < jobs; ++j) {
+    // Every job has a frame: there are never more jobs than frames.
     result.push_back({j, frames * j / jobs, frames * (j + 1) / jobs, nullptr});
   }
   return result;

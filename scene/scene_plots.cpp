@@ -20,6 +20,7 @@ plot::PathDrawing drawingOf(const refhost::Path& path) {
   plot::PathDrawing drawing;
   drawing.mName = path.mName;
   for (const auto& point : path.mPoints.mElements) {
+    // Control points are stored relative to their passage point.
     drawing.mControls.push_back(sum(point.mPassage, point.mBefore));
     drawing.mControls.push_back(point.mPassage);
     drawing.mControls.push_back(sum(point.mPassage, point.mAfter));
@@ -28,8 +29,8 @@ plot::PathDrawing drawingOf(const refhost::Path& path) {
   return drawing;
 }
 
-/// Everything that moves, in the world: values that are positions, and instances; of a walker
-/// without a parent its anchor, which is on the path.
+// Everything that moves, in the world: values that are positions, and instances; of a walker
+// without a parent its anchor, which is on the path.
 std::vector<plot::Track> emptyTracks(const refhost::Scene& scene) {
   std::vector<plot::Track> tracks;
   for (const auto& value : scene.mProperties) {
@@ -39,7 +40,7 @@ std::vector<plot::Track> emptyTracks(const refhost::Scene& scene) {
   return tracks;
 }
 
-/// Where each of them is in the frame that the player shows.
+// Where each of them is in the frame that the player shows.
 std::vector<UxZel::CZelPoint> trackPoints(const ScenePlayer& player) {
   std::vector<UxZel::CZelPoint> points;
   const auto& values = player.scene().mProperties;
@@ -53,6 +54,7 @@ std::vector<UxZel::CZelPoint> trackPoints(const ScenePlayer& player) {
     const bool walks = std::any_of(values.begin(), values.end(), [i](const auto& value) {
       return value.mPropertyType == UxZel::kPropertyAnimatedWalk && value.mInstance == i;
     });
+    // The anchor of a walker is in the space of its parent; without a parent that is the world.
     points.push_back(walks && UxZel::isNone(instances[i].mParent)
                          ? instances[i].mAnchor
                          : player.worldPosition(instances[i]));
@@ -69,12 +71,16 @@ SceneRecord::SceneRecord(const ScenePlayer& player, std::vector<int> frames)
       mPoints(mFrames.size()),
       mPosed(player.meshes()) {
   addColors(mPosed);
+  // Points are kept for the frames of the sheet alone, so the poses of a long run take no more
+  // memory.
   for (formats::MovingMesh& mesh : mPosed) mesh.mFrames.resize(mPictured.size());
 }
 
 void SceneRecord::add(const ScenePlayer& player, std::size_t i) {
+  // Each frame has its own elements, which were made beforehand: threads do not meet.
   mSamples[i] = player.samples();
   mPoints[i] = trackPoints(player);
+  // mPictured rises, as contactSheetFrames makes it.
   const auto picture = std::lower_bound(mPictured.begin(), mPictured.end(), i);
   if (picture == mPictured.end() || *picture != i) return;
   std::vector<formats::MovingMesh::Points> poses;

@@ -12,6 +12,7 @@ enum class Shape { kPosition, kVector, kColor, kInteger, kDate, kStep, kReal };
 Shape shapeOf(const refhost::Property& value) {
   if (isPosition(value)) return Shape::kPosition;
   if (showsFrames(value)) return Shape::kInteger;
+  // checkValue refuses a value without keys.
   switch (value.mKeys.mElements.front().mValueType) {
     case UxZel::kValueVector:
       return Shape::kVector;
@@ -60,6 +61,7 @@ void writeParts(const refhost::Property& value, const ScenePlayer::Sample& sampl
                 double* outNumbers) {
   const UxZel::IZelKeyFrame::uValue& v = sample.mValue;
   const UxZel::CZelVector& d = sample.mDirection;
+  // The manager answers with a union; the shape tells which member it has set.
   const Shape shape = shapeOf(value);
   switch (shape) {
     case Shape::kPosition:
@@ -89,6 +91,7 @@ void writeParts(const refhost::Property& value, const ScenePlayer::Sample& sampl
 }
 
 std::vector<double> parts(const refhost::Property& value, const ScenePlayer::Sample& sample) {
+  // writeParts fills memory of others, too: a column of an array in Python.
   std::vector<double> numbers(partCount(value));
   writeParts(value, sample, numbers.data());
   return numbers;

@@ -32,6 +32,7 @@ bool stepsBetween(const refhost::Property& value, int from, int to) {
   const auto& keys = value.mKeys.mElements;
   for (std::size_t k = 1; k < keys.size(); ++k) {
     const int curve = keys[k - 1].mInterpolationType;
+    // Codes below 0 and above 5 hold the value like the constant curve.
     const bool holds = curve < 0 || curve == UxZel::kInterpolationConstant || curve > 5;
     if (holds && keys[k].mFrame > from && keys[k].mFrame <= to) return true;
   }
@@ -43,6 +44,7 @@ std::vector<std::size_t> breaksOf(const refhost::Property& value, const std::vec
                                   const plot::Series& series) {
   std::vector<std::size_t> breaks;
   for (std::size_t i = 1; i < frames.size(); ++i) {
+    // A line across one of these would show values that no frame has.
     const bool wraps = value.mCyclic && passOf(value, frames[i]) != passOf(value, frames[i - 1]);
     // A frame number falls only where its animation starts anew.
     const bool restarts = showsFrames(value) && series.mValues[i] < series.mValues[i - 1];
@@ -58,12 +60,14 @@ plot::CurvePlot plotOfParts(const refhost::Property& value, std::size_t index,
   plot::CurvePlot plot;
   plot.mTitle = value.mName;
   const std::vector<std::string> names = partNames(value);
+  // Three numbers have the colours of the axes: x red, y green, z blue.
   for (std::size_t part = firstPart; part < endPart; ++part) {
     plot::Series series{names[part], kInks[(part - firstPart) % std::size(kInks)], {}};
     for (const Samples& frame : samples) series.mValues.push_back(parts(value, frame[index])[part]);
     plot.mSeries.push_back(std::move(series));
   }
   for (const refhost::Key& key : value.mKeys.mElements) plot.mKeyFrames.push_back(key.mFrame);
+  // All numbers of a value step at the same frames, so one of them tells where.
   plot.mBreaks = breaksOf(value, frames, plot.mSeries.front());
   return plot;
 }
