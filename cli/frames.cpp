@@ -9,7 +9,7 @@ namespace {
 
 constexpr long long kMostFrames = 1'000'000;
 
-/// A whole number from 0 up to the end of the text.
+// A whole number from 0 up to the end of the text.
 long long number(const std::string& text, const std::string& whole) {
   long long value = -1;
   const char* end = text.data() + text.size();

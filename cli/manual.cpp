@@ -8,7 +8,7 @@
 
 namespace {
 
-/// Text as roff shows it unchanged: no escapes, no requests, hyphens that can be searched for.
+// Text as roff shows it unchanged: no escapes, no requests, hyphens that can be searched for.
 std::string roff(const std::string& text) {
   std::string out;
   for (const char c : text) {
@@ -33,7 +33,7 @@ void writeOption(const CLI::Option& option, bool isPositional) {
             << roff(formatter.make_option_desc(&option)) << "\n";
 }
 
-/// The footer holds examples, which keep their line breaks.
+// The footer holds examples, which keep their line breaks.
 void writeCommand(const CLI::App& command) {
   std::cout << ".SS vexa " << roff(command.get_name());
   for (const CLI::Option* option : command.get_options()) {
@@ -58,7 +58,7 @@ void writeManual(const CLI::App& app) {
   std::cout << ".SH EXIT STATUS\n0 on success, 1 for bad input, 2 for bad usage.\n";
 }
 
-/// Every name of an option: "--frames", "-h".
+// Every name of an option: "--frames", "-h".
 std::string namesOf(const CLI::App& app) {
   std::string names;
   for (const CLI::Option* option : app.get_options()) {

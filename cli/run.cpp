@@ -46,7 +46,7 @@ std::size_t number(const std::string& text, const std::string& whole) {
   refuseTask("\"" + whole + "\": expected INDEX/COUNT, such as 0/8");
 }
 
-/// "3/8": the fourth of eight tasks.
+// "3/8": the fourth of eight tasks.
 void parseTask(const std::string& text, scene::RunPart& outPart) {
   const std::size_t slash = std::min(text.find('/'), text.size());
   outPart.mTask = number(text.substr(0, slash), text);

@@ -24,7 +24,7 @@ struct Options {
   std::string pageTemplate;
 };
 
-/// The template beside this program: as installed, or in the build folder.
+// The template beside this program: as installed, or in the build folder.
 std::string templateFile(const Options& options) {
   if (!options.pageTemplate.empty()) return options.pageTemplate;
   std::error_code error;

@@ -8,7 +8,7 @@
 
 using namespace Norvel;
 
-/// A host's log: keeps its lines together and prints them at the end.
+// A host's log: keeps its lines together and prints them at the end.
 class Log : public XIReporter {
  public:
   explicit Log(std::string name) : mName(std::move(name)) {}
@@ -22,7 +22,7 @@ class Log : public XIReporter {
   std::string mName, mLines;
 };
 
-/// A job that looks for a file and reports to whoever listens on its thread.
+// A job that looks for a file and reports to whoever listens on its thread.
 void lookFor(const char* url) {
   std::string error;
   const CChemin path(CChemin::kTypeURL, url);

@@ -20,11 +20,11 @@ constexpr std::size_t kMostFrames = 65536;
 
 }  // namespace
 
-/// Where everything is in the file, which is known before the first frame except for the bounds.
-///
-/// The binary chunk: per shape positions, uvs and one index list per material; then, if anything
-/// moves, the times, the places and values of the weights that are 1; the pictures; then per frame
-/// and shape the offsets from the rest positions.
+// Where everything is in the file, which is known before the first frame except for the bounds.
+//
+// The binary chunk: per shape positions, uvs and one index list per material; then, if anything
+// moves, the times, the places and values of the weights that are 1; the pictures; then per frame
+// and shape the offsets from the rest positions.
 class GlbWriter::Layout {
  public:
   Layout(const std::string& name, const std::vector<MovingMesh>& meshes, std::size_t frameCount,
@@ -33,7 +33,7 @@ class GlbWriter::Layout {
   const std::vector<GlbShape>& shapes() const { return mShapes; }
   const std::string& meshName(std::size_t mesh) const { return mMeshNames[mesh]; }
   std::size_t motions() const { return mShapes.empty() ? 0 : mFrameCount - 1; }
-  /// Offset in the file of the moves of a shape in a frame from 1 on.
+  // Offset in the file of the moves of a shape in a frame from 1 on.
   std::size_t movesAt(std::size_t frame, std::size_t shape) const;
   void writeJson(NewFile& file, const std::vector<GlbBounds>& bounds) const;
   void writeFixedArrays(NewFile& file) const;
@@ -56,10 +56,10 @@ class GlbWriter::Layout {
   const std::size_t mFrameCount;
   const double mFramesPerSecond;
   std::vector<GlbShape> mShapes;
-  std::vector<std::size_t> mOffsetInFrame;  ///< of the moves of each shape
+  std::vector<std::size_t> mOffsetInFrame;  // of the moves of each shape
   GlbMaterials mMaterials;
   GlbArrays mArrays;
-  std::size_t mTimes = 0;  ///< its array
+  std::size_t mTimes = 0;  // its array
   std::size_t mBytesPerFrame = 0;
   std::optional<GlbFrame> mFrame;
 };
@@ -123,6 +123,14 @@ void GlbWriter::Layout::writeFixedArrays(NewFile& file) const {
 // In frame k the weight of target k - 1 is 1; all others are the zeros of a sparse accessor.
 void GlbWriter::Layout::writeMotion(NewFile& file) const {
   std::vector<float> times;
+  // All weights are frameCount x motions numbers, nearly all 0. The sparse accessor states the ones
+  // alone, which keeps the file from growing with the square of the frames:
+  //
+  //            target 0  1  2
+  //   frame 0         0  0  0
+  //   frame 1         1  0  0     the one is at index 3
+  //   frame 2         0  1  0                         7
+  //   frame 3         0  0  1                         11
   std::vector<std::uint32_t> ones;
   for (std::size_t k = 0; k < mFrameCount; ++k) {
     times.push_back(float(double(k) / mFramesPerSecond));
@@ -192,6 +200,8 @@ void GlbWriter::Layout::putAnimation(JsonText& json) const {
 }
 
 void GlbWriter::Layout::putAccessors(JsonText& json, const std::vector<GlbBounds>& bounds) const {
+  // In this order: the arrays, the weights (which have no view of their own), the moves frame by
+  // frame. putTargets and putAnimation count on it.
   json << R"(,"accessors":[)";
   mArrays.putAccessors(json);
   if (motions() > 0) {

@@ -7,6 +7,16 @@
 namespace vexa::formats {
 namespace {
 
+// A GLB file:
+//
+//    0   "glTF", uint32 2, uint32 length of the file
+//   12   uint32 length of the JSON, "JSON", the JSON, blanks up to a multiple of 4
+//        uint32 length of the arrays, "BIN" and a zero byte, the arrays
+//
+// The arrays are written first, at their offsets. The JSON comes last, because it states bounds
+// that are known only then, and must have the length for which room was left: so all its numbers
+// have one width.
+
 constexpr std::size_t kMostBytes = 0xFFFFFFFF;  // lengths are 32-bit
 constexpr std::size_t kHeaderBytes = 12, kChunkHeaderBytes = 8;
 

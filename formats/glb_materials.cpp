@@ -53,6 +53,8 @@ std::size_t GlbMaterials::imageOf(const std::string& path) {
 std::size_t GlbMaterials::indexOf(const MovingMesh& mesh, unsigned int id) {
   const bool isStated = id < mesh.mSurfaces.size() && mesh.mSurfaces[id].has_value();
   const bool hasUvs = !mesh.mUvs.empty();
+  // Meshes of one file share its materials. A mesh without uvs cannot show a texture, so it gets a
+  // material of its own.
   const auto [place, isNew] =
       mIndices.try_emplace({isStated ? mesh.mFile : "", id, isStated && hasUvs}, mMaterials.size());
   if (!isNew) return place->second;
@@ -75,6 +77,7 @@ void GlbMaterials::addArrays(GlbArrays& ioArrays) {
 void GlbMaterials::writeArrays(NewFile& file, std::size_t binaryAt, const GlbArrays& arrays) const {
   for (const Image& image : mImages) {
     std::string bytes = image.mBytes;
+    // The padding of the last array counts to the length of the file, so it must be there.
     bytes.resize((bytes.size() + 3) & ~std::size_t{3});
     file.writeAt(binaryAt + arrays.offsetOf(image.mArray), bytes.data(), bytes.size());
   }

@@ -13,6 +13,8 @@ using Float3 = Oru::TVector3D<float>;
 GlbShape shapeOf(const MovingMesh& mesh) {
   GlbShape shape;
   const bool hasUvs = !mesh.mUvs.empty();
+  // glTF has one index per vertex where OBJ has one for the point and one for the uv, so a point
+  // with two uvs becomes two vertices.
   std::map<std::tuple<std::uint32_t, float, float>, std::uint32_t> known;
   const auto vertexOf = [&](std::uint32_t point, Float2 uv) {
     if (!isFinite(uv)) uv = {};

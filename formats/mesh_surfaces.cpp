@@ -26,6 +26,7 @@ MaterialsById meshMaterials(const std::string& objText, const std::string& objFi
   for (const auto& triangle : model.triangles) count = std::max(count, triangle.material + 1);
   for (unsigned int id = 0; id < std::min(count, kMostMaterials); ++id) {
     const std::string name = id < model.materials.size() ? model.materials[id] : std::to_string(id);
+    // An MTL file may state a name twice; the first one counts.
     const auto found = std::find_if(known.begin(), known.end(),
                                     [&name](const auto& each) { return each.name == name; });
     if (found == known.end()) {
@@ -37,6 +38,7 @@ MaterialsById meshMaterials(const std::string& objText, const std::string& objFi
   return materials;
 }
 
+// Colours are decoration: a file that is gone or damaged by now gives none.
 MaterialsById materialsOfFile(const std::string& objFile) {
   try {
     return meshMaterials(readFile(objFile), objFile);

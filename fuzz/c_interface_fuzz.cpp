@@ -16,7 +16,7 @@
 
 namespace {
 
-/// The bytes of an input, read off as numbers; zeros after the end.
+// The bytes of an input, read off as numbers; zeros after the end.
 class Input {
  public:
   Input(const std::uint8_t* data, std::size_t size) : mData(data), mSize(size) {}
@@ -33,7 +33,7 @@ class Input {
     return value;
   }
   std::uint32_t below(std::uint32_t limit) { return take<std::uint8_t>() % limit; }
-  /// Mostly a small index, sometimes anything.
+  // Mostly a small index, sometimes anything.
   std::uint32_t index() { return below(8) == 0 ? take<std::uint32_t>() : below(4); }
   std::int32_t frame() { return below(4) == 0 ? take<std::int32_t>() : std::int32_t(below(64)); }
   double number() { return below(3) == 0 ? take<double>() : double(take<std::int8_t>()) / 8; }
@@ -51,7 +51,7 @@ class Input {
   std::size_t mSize;
 };
 
-/// A folder of this process, removed at its end.
+// A folder of this process, removed at its end.
 const std::string& folder() {
   struct Folder {
     std::string mPath = (std::filesystem::temp_directory_path() / "vexa_c_XXXXXX").string();
@@ -64,7 +64,7 @@ const std::string& folder() {
   return made.mPath;
 }
 
-/// A good animation file for up to four vertices, made once.
+// A good animation file for up to four vertices, made once.
 const char* animationFile() {
   static const std::string path = [] {
     vexa::formats::AnimationFile file;
@@ -111,7 +111,7 @@ vexa_path_point pointOf(Input& input) {
   return point;
 }
 
-/// Answers of a host: 0 nearly always, else a failure or an exception.
+// Answers of a host: 0 nearly always, else a failure or an exception.
 int answer(Input& input) {
   switch (input.below(40)) {
     case 0:
@@ -181,7 +181,7 @@ int hostKey(void* user, std::uint64_t, std::uint32_t, vexa_key* out) {
   return answer(input);
 }
 
-/// All handles there were, living and ended, and the calls on them.
+// All handles there were, living and ended, and the calls on them.
 class Caller {
  public:
   explicit Caller(Input& input) : mInput(input) {}

@@ -30,7 +30,7 @@ void mayThrow(Call call) {
   }
 }
 
-/// What is written is read back the same, unless a zero byte of the path cuts the text.
+// What is written is read back the same, unless a zero byte of the path cuts the text.
 void checkRoundTrip(const CChemin& path) {
   const std::string url = path.DonneURL();
   if (url.find('\0') != std::string::npos) return;

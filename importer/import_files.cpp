@@ -19,7 +19,7 @@ namespace {
 namespace fs = std::filesystem;
 using Json = formats::JsonTree;
 
-/// The vertex nearest to the middle of the rest mesh, which moves with the body rather than a limb.
+// The vertex nearest to the middle of the rest mesh, which moves with the body rather than a limb.
 std::size_t middleVertex(const formats::ObjModel& mesh) {
   double sum[3] = {0, 0, 0};
   for (const auto& p : mesh.points) {
@@ -38,12 +38,12 @@ std::size_t middleVertex(const formats::ObjModel& mesh) {
   return nearest;
 }
 
-/// Scenes count whole frames per time unit.
+// Scenes count whole frames per time unit.
 int wholeRate(const ImportedModel::Take& take) {
   return std::max(1, int(std::lround(take.mFramesPerSecond)));
 }
 
-/// One instance that repeats the first take; a host frame is a frame of the take.
+// One instance that repeats the first take; a host frame is a frame of the take.
 Json sceneOf(const ImportedModel& model, const std::string& name) {
   Json takes = Json::list();
   for (const auto& take : model.mTakes) {

@@ -33,7 +33,7 @@ Doubles curve(const std::string& name, double startTime, double endTime, double 
   return result;
 }
 
-/// A path and the host's points behind it, which it borrows.
+// A path and the host's points behind it, which it borrows.
 class BezierPath {
  public:
   BezierPath(const Doubles& points, const Doubles& before, const Doubles& after, bool closed) {

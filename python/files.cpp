@@ -13,7 +13,7 @@ namespace {
 using formats::AnimationFile;
 static_assert(sizeof(AnimationFile::Matrix) == 16 * sizeof(double), "16 numbers and nothing else");
 
-/// Stored column by column; as an array m[..., row, column].
+// Stored column by column; as an array m[..., row, column].
 void putMatrix(const AnimationFile::Matrix& matrix, double* out) {
   for (std::size_t i = 0; i < 16; ++i) out[4 * (i % 4) + i / 4] = matrix[i];
 }
@@ -95,7 +95,7 @@ void writeAnimation(const std::string& path, const std::vector<std::uint32_t>& f
   formats::writeAnimationFile(file, path);
 }
 
-/// Writes a model as STEM.amo, STEM.obj and STEM.json; returns what the command prints.
+// Writes a model as STEM.amo, STEM.obj and STEM.json; returns what the command prints.
 py::dict importModel(const std::string& path, const std::string& stem,
                      const std::vector<std::string>& clips, double framesPerSecond,
                      const std::string& up, const std::array<double, 3>& travel) {

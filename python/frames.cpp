@@ -12,7 +12,7 @@ int frameOf(long long frame) {
   return int(frame);
 }
 
-/// A range is read by its three numbers: a million of Python's integers take longer than sampling.
+// A range is read by its three numbers: a million of Python's integers take longer than sampling.
 std::vector<int> framesOfRange(const py::object& range) {
   const auto start = range.attr("start").cast<long long>();
   const auto step = range.attr("step").cast<long long>();

@@ -16,8 +16,8 @@ namespace {
 
 using formats::MovingMesh;
 
-/// A scene that is played. Its lock keeps threads apart that use one scene at once; it is taken
-/// after the interpreter's lock has been released, never the other way round.
+// A scene that is played. Its lock keeps threads apart that use one scene at once; it is taken
+// after the interpreter's lock has been released, never the other way round.
 class Scene {
  public:
   explicit Scene(refhost::Scene scene) : mPlayer(std::move(scene)), mMeshes(mPlayer.meshes()) {
@@ -179,7 +179,7 @@ class Scene {
 
   std::mutex mMutex;
   scene::ScenePlayer mPlayer;
-  const std::vector<MovingMesh> mMeshes;  ///< without poses
+  const std::vector<MovingMesh> mMeshes;  // without poses
 };
 
 std::unique_ptr<Scene> sceneOfDocument(const py::object& document, const std::string& folder) {

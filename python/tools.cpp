@@ -16,7 +16,7 @@ namespace {
 using Matrix = Norvel::Vexa::ux_matrix44<double>;
 using Converter = UXS::uxs_final_options_converter;
 
-/// Matrices come as rows of columns, m[..., row, column].
+// Matrices come as rows of columns, m[..., row, column].
 Matrix matrixAt(const double* numbers) {
   Matrix m;
   for (int r = 0; r < 4; ++r) {
@@ -99,7 +99,7 @@ Doubles perspective(double fovyDegrees, double aspect, double nearest, double fa
   return built([&](Matrix& m) { m.persp_proj(fovyDegrees, aspect, nearest, farthest); });
 }
 
-/// Directions to the sun for seconds of the local clock since 1970.
+// Directions to the sun for seconds of the local clock since 1970.
 Floats sunDirection(
     double latitude, double longitude,
     const py::array_t<std::int64_t, py::array::c_style | py::array::forcecast>& clock, int timezone,

@@ -65,7 +65,7 @@ EMSCRIPTEN_KEEPALIVE const char* vexa_set_frame(int frame) {
   return guarded([frame] { player->setFrame(frame); });
 }
 
-/// {"values": [{"name", "parts", "date", "color"}], "instances": [{"name", "object", "points"}]}
+// {"values": [{"name", "parts", "date", "color"}], "instances": [{"name", "object", "points"}]}
 EMSCRIPTEN_KEEPALIVE const char* vexa_describe() {
   return guarded([] {
     Json values = Json::list(), instances = Json::list();
@@ -87,7 +87,7 @@ EMSCRIPTEN_KEEPALIVE const char* vexa_describe() {
   });
 }
 
-/// All parts of all values, in their order.
+// All parts of all values, in their order.
 EMSCRIPTEN_KEEPALIVE const double* vexa_values() {
   numbers.clear();
   const auto& values = player->scene().mProperties;
@@ -98,7 +98,7 @@ EMSCRIPTEN_KEEPALIVE const double* vexa_values() {
   return numbers.data();
 }
 
-/// Per instance the take, its frame, and the matrix into the world, column by column.
+// Per instance the take, its frame, and the matrix into the world, column by column.
 EMSCRIPTEN_KEEPALIVE const double* vexa_placements() {
   numbers.clear();
   for (const auto& instance : player->scene().mInstances.mElements) {
@@ -110,7 +110,7 @@ EMSCRIPTEN_KEEPALIVE const double* vexa_placements() {
   return numbers.data();
 }
 
-/// The deformed points of an instance in its own space, three floats each.
+// The deformed points of an instance in its own space, three floats each.
 EMSCRIPTEN_KEEPALIVE const float* vexa_points(int instance) {
   return &player->mesh(instanceAt(instance))->GetVerticesArray().data()->x;
 }
@@ -119,12 +119,12 @@ EMSCRIPTEN_KEEPALIVE int vexa_triangle_count(int instance) {
   return int(player->mesh(instanceAt(instance))->GetTrianglesArray().size());
 }
 
-/// Three corners per triangle.
+// Three corners per triangle.
 EMSCRIPTEN_KEEPALIVE const unsigned int* vexa_triangles(int instance) {
   return &player->mesh(instanceAt(instance))->GetTrianglesArray().data()->x;
 }
 
-/// One per triangle.
+// One per triangle.
 EMSCRIPTEN_KEEPALIVE const unsigned int* vexa_materials(int instance) {
   const UXS::Mesh* mesh = player->mesh(instanceAt(instance));
   materials.clear();
@@ -134,7 +134,7 @@ EMSCRIPTEN_KEEPALIVE const unsigned int* vexa_materials(int instance) {
   return materials.data();
 }
 
-/// Three (u, v) per triangle, or null.
+// Three (u, v) per triangle, or null.
 EMSCRIPTEN_KEEPALIVE const float* vexa_uvs(int instance) {
   const UXS::Mesh* mesh = player->mesh(instanceAt(instance));
   if (!mesh->HasUVCoords()) return nullptr;
@@ -158,7 +158,7 @@ EMSCRIPTEN_KEEPALIVE int vexa_curve_size(int path) {
   return int(numbers.size() / 3);
 }
 
-/// The points that vexa_curve_size has counted, three numbers each.
+// The points that vexa_curve_size has counted, three numbers each.
 EMSCRIPTEN_KEEPALIVE const double* vexa_curve() { return numbers.data(); }
 
 EMSCRIPTEN_KEEPALIVE const char* vexa_record_begin() {
@@ -169,7 +169,7 @@ EMSCRIPTEN_KEEPALIVE const char* vexa_record(int frame) {
   return guarded([frame] { recorder->add(frame); });
 }
 
-/// The results as JSON.
+// The results as JSON.
 EMSCRIPTEN_KEEPALIVE const char* vexa_record_results() {
   return guarded([] { text = recorder->results().dump(); });
 }
