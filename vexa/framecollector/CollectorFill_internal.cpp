@@ -40,6 +40,7 @@ CollectorFill::Matrix* CollectorFill::nextNode() {
 
 int CollectorFill::addNode() {
   const std::vector<std::uint32_t>& starts = mCollector.mSlab->mStarts;
+  mCollector.dropAskedPoints();
   mCollector.mNodes.push_back(XCTransformationNode(starts, nextNode()));
   mCollector.mSize += 64 * starts.back() + 32 + 48 * mCollector.GetNbrTakes();
   return int(mNodes++);

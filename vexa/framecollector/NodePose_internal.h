@@ -19,6 +19,7 @@ class NodePose {
 
   // `global` is borrowed.
   NodePose(std::uint32_t nodes, std::uint32_t frame, const Matrix& global);
+  NodePose(NodePose&&) = default;  // a copy would point into the original
 
   // Sets a node that has links: the matrices of its frames; none when it can not be followed.
   void set(std::uint32_t node, const Matrix* frames, std::uint32_t count);

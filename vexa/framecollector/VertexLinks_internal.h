@@ -32,9 +32,13 @@ class VertexLinks {
   // Throws std::bad_alloc, with nothing changed.
   void layOut(std::size_t vertices, std::uint32_t nodes);
 
-  // Calls visit(node, weight) for the links of a vertex, the last added first.
+  // Calls visit(node, weight) for the links of a vertex, the last added first; returns whether it
+  // has any.
   template <class Visit>
-  void visit(std::size_t vertex, Visit visit) const;
+  bool visit(std::size_t vertex, Visit visit) const;
+
+  // Whether the layout holds all that has been added, for nodes below `nodes`.
+  bool isLaidOut(std::uint32_t nodes) const { return mLog.empty() && mIsUsed.size() == nodes; }
 
   // What follows is about the layout.
   std::size_t blocks() const { return mBlockLinks.empty() ? 0 : mBlockLinks.size() - 1; }
@@ -82,12 +86,14 @@ class VertexLinks {
 };
 
 template <class Visit>
-void VertexLinks::visit(std::size_t vertex, Visit visit) const {
-  for (std::uint32_t i = lastLogged(vertex); i != kNone; i = mLog[i].mPrevious) {
+bool VertexLinks::visit(std::size_t vertex, Visit visit) const {
+  const std::uint32_t last = lastLogged(vertex);
+  for (std::uint32_t i = last; i != kNone; i = mLog[i].mPrevious) {
     visit(mLog[i].mNode, mLog[i].mWeight);
   }
   const Range range = laidOut(vertex);
   for (std::uint32_t i = range.mBegin; i < range.mEnd; ++i) visit(mLinks[i].mNode, mWeights[i]);
+  return last != kNone || range.mBegin != range.mEnd;
 }
 
 }  // namespace Norvel::Vexa

@@ -1,6 +1,8 @@
 #include "vexa/framecollector/XCFrameCollector.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <new>
 #include <utility>
 
@@ -75,6 +77,63 @@ struct XCFrameCollector::Blend {
   }
 };
 
+// The points around those that TransformPoint was asked for last, at one take and frame. Hosts ask
+// for many points of a frame, neighbours one after the other; a block of them is deformed at once.
+//
+// Invariant: the links are laid out while there is a pose. Whoever adds nodes, matrices or links
+// drops all this first.
+struct XCFrameCollector::AskedPoints {
+  // A palette is made when a frame was asked for as often as there are nodes, a block at the fourth
+  // call for it in a row: calls in any other order do not wait for either.
+  static constexpr unsigned int kCallsForBlock = 4;
+
+  void start(unsigned int take, unsigned int frame) {
+    mTake = take;
+    mFrame = frame;
+    mCalls = 0;
+    mCounted = kNoBlock;
+    mBytes = 0;
+    mPose.reset();
+  }
+
+  // Counts a call for a point that is not at hand.
+  bool isToBeMade(std::size_t block) {
+    if (block != mCounted) mCalls = 0;
+    mCounted = block;
+    return ++mCalls == kCallsForBlock;
+  }
+  void make(const XCFrameCollector& collector, std::size_t block) {
+    const std::vector<Point>& rest = collector.restVertices();
+    const std::size_t first = block * skinning::kBlock;
+    const std::size_t count = std::min<std::size_t>(skinning::kBlock, rest.size() - first);
+    std::copy_n(rest.data() + first, count, mRest);
+    std::fill_n(mLeft, skinning::kBlock, false);
+    collector.deformBlock(block, *mPose, mMade, mLeft);
+    mAddress = reinterpret_cast<std::uintptr_t>(rest.data() + first);
+    mBytes = count * sizeof(Point);
+  }
+  // Null for a point that is not at hand, or was another one when its block was made.
+  const Point* find(const Point* vertex, unsigned int take, unsigned int frame) const {
+    const std::size_t offset = reinterpret_cast<std::uintptr_t>(vertex) - mAddress;
+    if (offset >= mBytes || take != mTake || frame != mFrame) return nullptr;
+    const std::size_t i = offset / sizeof(Point);
+    const bool isSame =
+        offset % sizeof(Point) == 0 && std::memcmp(&mRest[i], vertex, sizeof(Point)) == 0;
+    return isSame && !mLeft[i] ? &mMade[i] : nullptr;
+  }
+
+  static constexpr std::size_t kNoBlock = SIZE_MAX;
+
+  unsigned int mTake = 0, mFrame = 0;
+  unsigned int mCalls = 0;
+  std::unique_ptr<NodePose> mPose;
+  std::size_t mCounted = kNoBlock;  // the block that mCalls is about
+  std::uintptr_t mAddress = 0;      // of the rest points at hand, mBytes in all
+  std::size_t mBytes = 0;
+  Point mRest[skinning::kBlock], mMade[skinning::kBlock];
+  bool mLeft[skinning::kBlock];
+};
+
 XCFrameCollector::XCFrameCollector(UXS::Mesh* mesh)
     : mLinks(std::make_unique<VertexLinks>()), mMesh(mesh) {}
 
@@ -91,6 +150,7 @@ unsigned int XCFrameCollector::AddTransformation(const Matrix& matrix, unsigned 
   const std::size_t nodes = mNodes.size();
   const Matrix copy = matrix;  // it may lie in a node that is about to move
   mSize += 64;
+  dropAskedPoints();
   try {
     if (node < 0) {
       mNodes.emplace_back(GetNbrTakes());
@@ -126,6 +186,7 @@ void XCFrameCollector::AddLink(int node, const UxZel::CZelUUID& /*definition*/, 
                                double weight) {
   const std::size_t vertices = restVertices().size();
   UxThrow::IfFalse(vertex < vertices, "XCFrameCollector::AddLink : bad vertex index");
+  dropAskedPoints();
   const bool isFirst = mLinks->add(vertex, static_cast<std::uint32_t>(node), weight, vertices);
   mSize += isFirst ? 72 + 28 : 28;
 }
@@ -145,7 +206,11 @@ Matrix XCFrameCollector::GetVertexTransformation(const Point* vertex, unsigned i
 Point XCFrameCollector::TransformPoint(const Point* vertex, unsigned int take,
                                        unsigned int frame) const {
   if (vertex == nullptr) UxThrow::SignalNULL("XCFrameCollector::TransformPoint : bad vertex");
-  return deformed(indexOf(vertex), *vertex, take, frame);
+  const Point* const made = mAsked != nullptr ? mAsked->find(vertex, take, frame) : nullptr;
+  if (made != nullptr) return *made;
+  const std::size_t index = indexOf(vertex);
+  prepareNeighbours(index, take, frame);
+  return deformed(index, *vertex, take, frame);
 }
 
 Point XCFrameCollector::TransformPoint(unsigned int, unsigned int, unsigned int) const {
@@ -190,9 +255,10 @@ const std::vector<Point>& XCFrameCollector::restVertices() const {
 // too large.
 std::size_t XCFrameCollector::indexOf(const Point* vertex) const {
   const auto address = reinterpret_cast<std::uintptr_t>(vertex);
-  const auto offset = address - reinterpret_cast<std::uintptr_t>(restVertices().data());
+  const std::vector<Point>& rest = restVertices();
+  const auto offset = address - reinterpret_cast<std::uintptr_t>(rest.data());
   const std::size_t index = offset / sizeof(Point);
-  return offset % sizeof(Point) == 0 && index < restVertices().size() ? index : SIZE_MAX;
+  return offset % sizeof(Point) == 0 && index < rest.size() ? index : SIZE_MAX;
 }
 
 // The matrix of a node at a frame; null when it can not be followed, which is reported.
@@ -212,13 +278,8 @@ inline const Matrix* XCFrameCollector::follow(unsigned int node, unsigned int ta
 // is left out, weight and all. False for a vertex without links.
 bool XCFrameCollector::FillMatrix(std::size_t vertex, unsigned int take, unsigned int frame,
                                   Blend& outBlend) const {
-  if (!mLinks->has(vertex)) {
-    // Required behaviour: a check that never fires.
-    UxThrow::IfFalse(true, "XCFrameCollector::FillMatrix : Bad vertex index");
-    return false;
-  }
   Blend blend;
-  mLinks->visit(vertex, [&](std::uint32_t node, double weight) {
+  const bool isLinked = mLinks->visit(vertex, [&](std::uint32_t node, double weight) {
     const Matrix* const matrix = follow(node, take, frame);
     if (matrix == nullptr) return;
     const float w = float(weight);
@@ -227,6 +288,11 @@ bool XCFrameCollector::FillMatrix(std::size_t vertex, unsigned int take, unsigne
     }
     blend.mWeightSum += weight;  // order: exact floats
   });
+  if (!isLinked) {
+    // Required behaviour: a check that never fires.
+    UxThrow::IfFalse(true, "XCFrameCollector::FillMatrix : Bad vertex index");
+    return false;
+  }
   outBlend = blend;
   return true;
 }
@@ -250,27 +316,61 @@ Point XCFrameCollector::deformed(std::size_t vertex, const Point& rest, unsigned
   return {row[0], row[2], row[1]};
 }
 
-// Deforms all vertices by blocks. What a kernel leaves is done one by one, in the order of the
-// vertices, in which links that can not be followed are reported.
-void XCFrameCollector::deformVertices(unsigned int take, unsigned int frame, Point* out) {
-  const std::vector<Point>& rest = restVertices();
-  mLinks->layOut(rest.size(), nodeCount());
+// The links are laid out.
+NodePose XCFrameCollector::poseOf(unsigned int take, unsigned int frame) const {
   NodePose pose(nodeCount(), frame, mGlobalTransformation);
   for (unsigned int n = 0; n < nodeCount(); ++n) {
     const XCTransformationNode::Frames frames = mNodes[n].frames(take);
     if (mLinks->isUsed(n)) pose.set(n, frames.mFirst, frames.mCount);
   }
   pose.gather(mLinks->largestWeight());
-  const skinning::DeformBlock deformBlock = pose.kernel(skinning::kernels());
+  return pose;
+}
+
+// Deforms a block of the layout; what the kernel leaves is marked. Returns whether there is any.
+bool XCFrameCollector::deformBlock(std::size_t index, const NodePose& pose, Point* out,
+                                   bool* outLeft) const {
+  skinning::Block block = mLinks->block(index);
+  block.mPoints = &restVertices()[index * skinning::kBlock].x;
+  block.mOut = &out->x;
+  const skinning::Kernels& kernels = skinning::kernels();
+  return pose.kernel(kernels)(pose.pose(), block, outLeft);
+}
+
+void XCFrameCollector::dropAskedPoints() { mAsked.reset(); }
+
+// A call for a point that is not at hand may be the one after which its block is made. Without
+// memory points are deformed one by one.
+void XCFrameCollector::prepareNeighbours(std::size_t vertex, unsigned int take,
+                                         unsigned int frame) const {
+  if (mAsked == nullptr) mAsked.reset(new (std::nothrow) AskedPoints);
+  if (mAsked == nullptr) return;
+  AskedPoints& asked = *mAsked;
+  if (take != asked.mTake || frame != asked.mFrame) asked.start(take, frame);
+  if (asked.mPose != nullptr) {
+    const std::size_t block = vertex / skinning::kBlock;
+    if (vertex < mLinks->vertices() && asked.isToBeMade(block)) asked.make(*this, block);
+  } else if (++asked.mCalls > nodeCount() && mLinks->isLaidOut(nodeCount())) {
+    asked.mCalls = 0;
+    try {
+      asked.mPose = std::make_unique<NodePose>(poseOf(take, frame));
+    } catch (const std::bad_alloc&) {
+    }
+  }
+}
+
+// Deforms all vertices by blocks. What a kernel leaves is done one by one, in the order of the
+// vertices, in which links that can not be followed are reported.
+void XCFrameCollector::deformVertices(unsigned int take, unsigned int frame, Point* out) {
+  const std::vector<Point>& rest = restVertices();
+  mLinks->layOut(rest.size(), nodeCount());
+  const NodePose pose = poseOf(take, frame);
   for (std::size_t b = 0; b < mLinks->blocks(); ++b) {
     const std::size_t first = b * skinning::kBlock;
-    skinning::Block block = mLinks->block(b);
-    block.mPoints = &rest[first].x;
-    block.mOut = &out[first].x;
     bool left[skinning::kBlock] = {};
-    if (!deformBlock(pose.pose(), block, left)) continue;
-    for (std::size_t i = 0; i < std::size_t(block.mVertices); ++i) {
-      if (left[i]) out[first + i] = deformed(first + i, rest[first + i], take, frame);
+    if (!deformBlock(b, pose, out + first, left)) continue;
+    for (std::size_t i = first; i < std::min(first + skinning::kBlock, rest.size()); ++i) {
+      if (left[i - first]) out[i] = deformed(i, rest[i], take, frame);
     }
   }
 }

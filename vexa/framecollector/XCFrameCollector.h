@@ -12,6 +12,7 @@
 namespace Norvel::Vexa {
 
 class CollectorFill;
+class NodePose;
 class VertexLinks;
 struct FrameSlab;
 
@@ -56,11 +57,17 @@ class VEXA_EXPORT XCFrameCollector : public XIFrameCollector {
   friend class CollectorFill;
   struct sCloneDefinitions;
   struct Blend;
+  struct AskedPoints;
 
   const std::vector<Oru::TVector3D<float>>& restVertices() const;
   std::size_t indexOf(const Oru::TVector3D<float>* vertex) const;
   const UXS::uxs_generic_mat4<float>* follow(unsigned int node, unsigned int take,
                                              unsigned int& ioFrame) const;
+  NodePose poseOf(unsigned int take, unsigned int frame) const;
+  bool deformBlock(std::size_t index, const NodePose& pose, Oru::TVector3D<float>* out,
+                   bool* outLeft) const;
+  void prepareNeighbours(std::size_t vertex, unsigned int take, unsigned int frame) const;
+  void dropAskedPoints();
   bool FillMatrix(std::size_t vertex, unsigned int take, unsigned int frame, Blend& outBlend) const;
   Oru::TVector3D<float> deformed(std::size_t vertex, const Oru::TVector3D<float>& rest,
                                  unsigned int take, unsigned int frame) const;
@@ -75,6 +82,7 @@ class VEXA_EXPORT XCFrameCollector : public XIFrameCollector {
   UXS::Mesh* mMesh;
   std::vector<std::unique_ptr<XCTMPTake>> mTakes;
   std::map<UxZel::CZelUUID, std::unique_ptr<sCloneDefinitions>> mClones;
+  mutable std::unique_ptr<AskedPoints> mAsked;  // null until TransformPoint is called
   unsigned int mSize = 0;
 };
 
