@@ -5,14 +5,19 @@
 
 #include "vexa/framecollector/VertexLinks_internal.h"
 #include "vexa/framecollector/XCFrameCollector.h"
+#include "vexa/support/large_pages_internal.h"
 
 namespace Norvel::Vexa {
+
+CollectorFill::CollectorFill(XCFrameCollector& collector)
+    : mCollector(collector), mVertices(collector.restVertices().size()) {}
 
 // A class derived from XCFrameCollector may have overridden what fills it.
 std::unique_ptr<CollectorFill> CollectorFill::of(XIFrameCollector& collector) {
   if (typeid(collector) != typeid(XCFrameCollector)) return nullptr;
   auto& own = static_cast<XCFrameCollector&>(collector);
   if (!own.mTakes.empty() || !own.mNodes.empty()) return nullptr;
+  own.dropAskedPoints();
   return std::unique_ptr<CollectorFill>(new CollectorFill(own));
 }
 
@@ -24,7 +29,9 @@ void CollectorFill::reserveNodes(const std::vector<std::uint32_t>& frameCounts,
   for (const std::uint32_t count : frameCounts) {
     slab->mStarts.push_back(slab->mStarts.back() + count);
   }
-  slab->mValues.reset(new float[std::size_t{16} * slab->mStarts.back() * nodes]);
+  const std::size_t values = std::size_t{16} * slab->mStarts.back() * nodes;
+  slab->mValues.reset(new float[values]);
+  useLargePages(slab->mValues.get(), values * sizeof(float));
   mCollector.mNodes.reserve(nodes);
   mCollector.mSlab = std::move(slab);
 }
@@ -40,14 +47,18 @@ CollectorFill::Matrix* CollectorFill::nextNode() {
 
 int CollectorFill::addNode() {
   const std::vector<std::uint32_t>& starts = mCollector.mSlab->mStarts;
-  mCollector.dropAskedPoints();
   mCollector.mNodes.push_back(XCTransformationNode(starts, nextNode()));
   mCollector.mSize += 64 * starts.back() + 32 + 48 * mCollector.GetNbrTakes();
   return int(mNodes++);
 }
 
 void CollectorFill::addLink(int node, std::uint32_t vertex, double weight) {
-  mCollector.XCFrameCollector::AddLink(node, UxZel::CZelUUID{}, vertex, weight);
+  if (vertex >= mVertices) {
+    return mCollector.XCFrameCollector::AddLink(node, UxZel::CZelUUID{}, vertex, weight);  // throws
+  }
+  const bool isFirst =
+      mCollector.mLinks->add(vertex, static_cast<std::uint32_t>(node), weight, mVertices);
+  mCollector.mSize += isFirst ? 72 + 28 : 28;
 }
 
 void CollectorFill::finish() {

@@ -42,9 +42,10 @@ class CollectorFill {
   void finish();
 
  private:
-  explicit CollectorFill(XCFrameCollector& collector) : mCollector(collector) {}
+  explicit CollectorFill(XCFrameCollector& collector);
 
   XCFrameCollector& mCollector;
+  std::size_t mVertices;  // of its mesh
   std::size_t mNodes = 0;
 };
 

@@ -2,23 +2,14 @@
 
 #include <algorithm>
 #include <cmath>
-#include <new>
 #include <numeric>
 #include <utility>
+
+#include "vexa/support/large_pages_internal.h"
 
 namespace Norvel::Vexa {
 
 using skinning::kBlock;
-
-bool VertexLinks::add(std::size_t vertex, std::uint32_t node, double weight, std::size_t vertices) {
-  if (mLastLogged.size() <= vertex) mLastLogged.resize(vertices, kNone);
-  if (mLog.size() + mLinks.size() >= kNone) throw std::bad_alloc();  // no index is left
-  const bool isFirst = !has(vertex);
-  std::uint32_t& last = mLastLogged[vertex];
-  mLog.push_back({weight, node, last});
-  last = std::uint32_t(mLog.size() - 1);
-  return isFirst;
-}
 
 void VertexLinks::reserve(std::size_t links, std::size_t most) {
   const std::size_t needed = mLog.size() + links;
@@ -26,6 +17,7 @@ void VertexLinks::reserve(std::size_t links, std::size_t most) {
   // At least doubled, so that the cost of moving stays linear; `most` may be far too many.
   constexpr std::size_t kAtOnce = std::size_t{1} << 20;
   mLog.reserve(std::max(needed, std::min(std::max(2 * mLog.capacity(), kAtOnce), most)));
+  useLargePages(mLog.data(), mLog.capacity() * sizeof(Logged));
 }
 
 bool VertexLinks::has(std::size_t vertex) const {
@@ -68,16 +60,20 @@ class VertexLinks::Layout {
 
  private:
   void fillBlock(std::size_t first, std::size_t count);
-  void measure(std::size_t vertex);
+  void collect(std::size_t vertex);
+  void reorder(std::size_t first, std::size_t count);
   void addRun(std::size_t vertex);
-  void addVertex(std::size_t vertex);
 
+  // How many vertices before its turn the links of one are fetched.
+  static constexpr std::size_t kAhead = 16;
   // Sorting key of a vertex: its number of links, or kLeft.
-  static constexpr std::uint64_t kLeft = 0xFFFFFFFF;
+  static constexpr std::uint32_t kLeft = 0xFFFFFFFF;
 
   const VertexLinks& mFrom;
   VertexLinks mTo;
-  std::uint64_t mKeys[kBlock];
+  std::uint32_t mKeys[kBlock], mCounts[kBlock];
+  std::vector<skinning::Link> mOldLinks;  // of a block, while it is reordered
+  std::vector<double> mOldWeights;
 };
 
 VertexLinks::Layout::Layout(const VertexLinks& from, std::size_t vertices, std::uint32_t nodes)
@@ -101,51 +97,69 @@ void VertexLinks::Layout::fill() {
 }
 
 void VertexLinks::Layout::fillBlock(std::size_t first, std::size_t count) {
-  for (std::size_t i = 0; i < count; ++i) measure(first + i);
+  mTo.mBlockLinks.push_back(std::uint32_t(mTo.mLinks.size()));
+  for (std::size_t i = 0; i < count; ++i) {
+    mFrom.expect(first + i + kAhead);
+    collect(first + i);
+  }
   std::uint8_t* const order = mTo.mOrder.data() + first;
   std::iota(order, order + count, std::uint8_t{0});
   const auto isBefore = [this](std::uint8_t a, std::uint8_t b) {
     return mKeys[a] != mKeys[b] ? mKeys[a] < mKeys[b] : a < b;
   };
-  if (!std::is_sorted(order, order + count, isBefore)) std::sort(order, order + count, isBefore);
-  mTo.mBlockLinks.push_back(std::uint32_t(mTo.mLinks.size()));
+  if (!std::is_sorted(order, order + count, isBefore)) {
+    std::sort(order, order + count, isBefore);
+    reorder(first, count);
+  }
   mTo.mBlockRuns.push_back(std::uint32_t(mTo.mRuns.size()));
   for (std::size_t i = 0; i < count; ++i) {
     if (i == 0 || mKeys[order[i]] != mKeys[order[i - 1]]) addRun(first + order[i]);
     ++mTo.mRuns.back().mVertices;
-    addVertex(first + order[i]);
   }
 }
 
-// Vertices without links, and with links to absent nodes, are left to the caller of a kernel.
-void VertexLinks::Layout::measure(std::size_t vertex) {
-  std::uint64_t count = 0;
+// Appends the links of a vertex. Vertices without links, and with links to absent nodes, are left
+// to the caller of a kernel.
+void VertexLinks::Layout::collect(std::size_t vertex) {
+  const std::size_t begin = mTo.mLinks.size();
   bool isLeft = false;
-  mFrom.visit(vertex, [&](std::uint32_t node, double) {
-    ++count;
-    isLeft |= node >= mTo.mIsUsed.size();
-  });
-  mKeys[vertex % kBlock] = isLeft || count == 0 ? kLeft : count;
-}
-
-void VertexLinks::Layout::addRun(std::size_t vertex) {
-  const std::uint64_t key = mKeys[vertex % kBlock];
-  mTo.mRuns.push_back({key == kLeft ? 0 : std::uint32_t(key), 0});
-}
-
-void VertexLinks::Layout::addVertex(std::size_t vertex) {
-  const bool isLeft = mKeys[vertex % kBlock] == kLeft;
-  mTo.mFirst[vertex] = std::uint32_t(mTo.mLinks.size());
   double sum = 0, absolute = 0;
   mFrom.visit(vertex, [&](std::uint32_t node, double weight) {
+    isLeft |= node >= mTo.mIsUsed.size();
     mTo.mLinks.push_back({node, float(weight)});
     mTo.mWeights.push_back(weight);
     sum += weight;  // order: exact floats
     absolute += std::fabs(weight);
-    if (!isLeft) mTo.mIsUsed[node] = 1;
   });
+  const auto count = std::uint32_t(mTo.mLinks.size() - begin);
+  mCounts[vertex % kBlock] = count;
+  mKeys[vertex % kBlock] = isLeft || count == 0 ? kLeft : count;
+  mTo.mFirst[vertex] = std::uint32_t(begin);
   mTo.mScales[vertex] = 1.0f / float(sum);
   if (absolute > mTo.mLargestWeight || std::isnan(absolute)) mTo.mLargestWeight = absolute;
+  if (isLeft) return;
+  for (std::size_t i = begin; i < mTo.mLinks.size(); ++i) mTo.mIsUsed[mTo.mLinks[i].mNode] = 1;
+}
+
+// Moves the links of a block, collected vertex by vertex, into the block's order.
+void VertexLinks::Layout::reorder(std::size_t first, std::size_t count) {
+  std::uint32_t to = mTo.mBlockLinks.back();
+  const std::uint32_t begin = to;
+  mOldLinks.assign(mTo.mLinks.begin() + to, mTo.mLinks.end());
+  mOldWeights.assign(mTo.mWeights.begin() + to, mTo.mWeights.end());
+  for (std::size_t i = 0; i < count; ++i) {
+    const std::size_t vertex = mTo.mOrder[first + i];
+    const std::uint32_t from = mTo.mFirst[first + vertex] - begin;
+    mTo.mFirst[first + vertex] = to;
+    std::copy_n(mOldLinks.begin() + from, mCounts[vertex], mTo.mLinks.begin() + to);
+    std::copy_n(mOldWeights.begin() + from, mCounts[vertex], mTo.mWeights.begin() + to);
+    to += mCounts[vertex];
+  }
+}
+
+void VertexLinks::Layout::addRun(std::size_t vertex) {
+  const std::uint32_t key = mKeys[vertex % kBlock];
+  mTo.mRuns.push_back({key == kLeft ? 0 : key, 0});
 }
 
 void VertexLinks::layOut(std::size_t vertices, std::uint32_t nodes) {

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <new>
 #include <vector>
 
 #include "vexa/framecollector/skinning_internal.h"
@@ -22,7 +23,15 @@ class VertexLinks {
  public:
   // Adds a link to one of `vertices` vertices; returns whether the vertex had none before. Throws
   // std::bad_alloc, with nothing changed.
-  bool add(std::size_t vertex, std::uint32_t node, double weight, std::size_t vertices);
+  bool add(std::size_t vertex, std::uint32_t node, double weight, std::size_t vertices) {
+    if (mLastLogged.size() <= vertex) mLastLogged.resize(vertices, kNone);
+    if (mLog.size() + mLinks.size() >= kNone) throw std::bad_alloc();  // no index is left
+    std::uint32_t& last = mLastLogged[vertex];
+    const bool isFirst = last == kNone && (mLinks.empty() || !has(vertex));
+    mLog.push_back({weight, node, last});
+    last = std::uint32_t(mLog.size() - 1);
+    return isFirst;
+  }
   // Makes room for `links` more, of which there will be `most` in all.
   void reserve(std::size_t links, std::size_t most);
 
@@ -63,6 +72,11 @@ class VertexLinks {
 
   std::uint32_t lastLogged(std::size_t vertex) const {
     return vertex < mLastLogged.size() ? mLastLogged[vertex] : kNone;
+  }
+  // Fetches the last link that was added to a vertex into the cache.
+  void expect(std::size_t vertex) const {
+    const std::uint32_t last = lastLogged(vertex);
+    if (last != kNone) __builtin_prefetch(&mLog[last]);
   }
   // Where the links of a vertex lie in mLinks.
   struct Range {
