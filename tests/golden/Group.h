@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "tests/golden/Difference.h"
 #include "tests/golden/Recorder.h"
 
 namespace vexa::tests {
@@ -17,6 +18,8 @@ struct Group {
   std::string mName;
   Kind mKind;
   std::function<void(Recorder&)> mRun;
+  /// How far the numbers of another mathematics library may be off.
+  Bound mBound = {};
 };
 using Groups = std::vector<Group>;
 

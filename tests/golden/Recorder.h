@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstring>
 #include <exception>
+#include <stdexcept>
 #include <string>
 #include <type_traits>
 #include <vector>
@@ -15,13 +16,16 @@
 namespace vexa::tests {
 
 /// Takes the inputs and results of one group, case by case: every result bit goes into the group's
-/// digest, and the cases 0, 3, 15, 63, ... are also kept as text.
+/// digest, and the cases 0, 3, 15, 63, ... are also kept as text; of the samples that are compared
+/// in units in the last place there are more, and they hold all results.
 ///
 /// All NaN count as one: which NaN comes out of an operation is the processor's choice.
 class Recorder {
  public:
-  explicit Recorder(const std::string& group, bool keepsAll)
-      : mGroup(group), mNumbers(hashOf(group)), mKeepsAll(keepsAll) {}
+  enum class Keeps { kSamples, kWholeSamples, kAll };
+
+  Recorder(const std::string& group, Keeps keeps)
+      : mGroup(group), mNumbers(hashOf(group)), mKeeps(keeps) {}
 
   /// Where the group's inputs come from; seeded by its name, so that groups do not depend on each
   /// other.
@@ -31,7 +35,8 @@ class Recorder {
   void begin() {
     endCase();
     const std::uint64_t next = mCase + 1;
-    mIsKept = mKeepsAll || ((next & mCase) == 0 && (next & 0x5555555555555555u) != 0);
+    mIsKept = mKeeps == Keeps::kAll || next % 128 == 0 ||
+              ((next & mCase) == 0 && (next & 0x5555555555555555u) != 0);
     mText.clear();
     mShown = 0;
     mCaseDigest = kStart;
@@ -54,7 +59,8 @@ class Recorder {
     (Writer{*this, false}.write(values), ...);
   }
 
-  /// The result of a call, or the text of its exception.
+  /// The result of a call, or the text of its exception. The text of an index out of range is the
+  /// standard library's own: its kind stands for it.
   template <class Call>
   void outOf(Call call) {
     try {
@@ -63,6 +69,8 @@ class Recorder {
       } else {
         out(call());
       }
+    } catch (const std::out_of_range&) {
+      out("throws", "std::out_of_range");
     } catch (const std::exception& e) {
       out("throws", e.what());
     }
@@ -162,7 +170,7 @@ class Recorder {
         for (int k = 3; k >= 0; --k) four = four << 8 | value.mBytes[i + k];
         word(four, [&] {
           char text[16];
-          std::snprintf(text, sizeof(text), "%08x", static_cast<unsigned int>(four));
+          std::snprintf(text, sizeof(text), "x%08x", static_cast<unsigned int>(four));
           return std::string(text);
         });
       }
@@ -199,7 +207,7 @@ class Recorder {
   };
 
   void show(const std::string& text, bool isInput) {
-    if (!isInput && mShown++ >= kMostShown && !mKeepsAll) return;
+    if (!isInput && mShown++ >= kMostShown && mKeeps == Keeps::kSamples) return;
     if (!isInput && mShown == 1) mText += " ->";
     if (mText.empty() || mText.back() != '=') mText += isInput ? "," : " ";
     mText += text;
@@ -210,7 +218,7 @@ class Recorder {
     mIsOpen = false;
     mix(mDigest, mCaseDigest);
     if (mIsKept) {
-      if (mShown > kMostShown && !mKeepsAll) {
+      if (mShown > kMostShown && mKeeps == Keeps::kSamples) {
         char rest[64];
         std::snprintf(rest, sizeof(rest), " ... %d in all, digest %016llx", mShown,
                       static_cast<unsigned long long>(mCaseDigest));
@@ -223,7 +231,7 @@ class Recorder {
 
   std::string mGroup;
   Numbers mNumbers;
-  bool mKeepsAll;
+  Keeps mKeeps;
   std::uint64_t mDigest = kStart, mCaseDigest = kStart;
   std::uint64_t mCase = 0;
   bool mIsKept = false, mIsOpen = false;

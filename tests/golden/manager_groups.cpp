@@ -248,9 +248,9 @@ void runRides(Recorder& r) {
     refhost::Property place;
     place.mPropertyType = n.oneIn(2) ? 1 : n.oneIn(2) ? 38 : 59;
     place.mPath = refhost::numberedUUID(n.below(4));
-    const double from = n.unit<double>();
+    const double from = n.unit<double>(), to = n.unit<double>();
     place.mKeys.add(refhost::realKey(0, from));
-    place.mKeys.add(refhost::realKey(n.oneIn(9) ? 0 : 20, n.unit<double>()));
+    place.mKeys.add(refhost::realKey(n.oneIn(9) ? 0 : 20, to));
     const int frame = n.between(0, 20);
     double rate = n.unit<double>() * 10;
     r.in("path", place.mPath.mWords[3]).in("from", from).in("frame", frame).in("rate", rate);
