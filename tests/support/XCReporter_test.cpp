@@ -151,8 +151,10 @@ TEST(XCReporter, BenchmarksSumUpAndPairLabelsWithTimesByIndex) {
   ASSERT_EQ(lines.size(), 6u);
   EXPECT_GT(std::stod(lines[0].substr(lines[0].find("load takes ") + 11)), 1.7e9);
   EXPECT_NE(lines[0].find(" seconds in 4 calls"), std::string::npos);
-  EXPECT_EQ(lines[1].substr(0, 27), "2       for second : 0.0000");
-  EXPECT_EQ(lines[2].substr(0, 26), "2       for third : 0.0000");
+  const std::string second = "2       for second : ", third = "2       for third : ";
+  EXPECT_EQ(lines[1].substr(0, second.size()), second);
+  EXPECT_EQ(lines[2].substr(0, third.size()), third);
+  EXPECT_LT(std::stod(lines[1].substr(second.size())), 60);  // not a time of day
 }
 
 TEST(XCReporter, AReporterMayFlushTheBenchmarkThatItIsToldOf) {
