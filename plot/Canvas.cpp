@@ -8,6 +8,8 @@
 namespace vexa::plot {
 namespace {
 
+// Cairo hands the file over in pieces. They are kept until the drawing is whole, so that writeFile
+// can put it into its place in one step.
 cairo_status_t append(void* bytes, const unsigned char* data, unsigned int length) {
   static_cast<std::string*>(bytes)->append(reinterpret_cast<const char*>(data), length);
   return CAIRO_STATUS_SUCCESS;
@@ -25,13 +27,17 @@ Canvas::Canvas(Format format, double width, double height) : mFormat(format) {
                  : cairo_image_surface_create(CAIRO_FORMAT_RGB24, static_cast<int>(width),
                                               static_cast<int>(height));
   mCairo = cairo_create(mSurface);
+  // Cairo does not return null: a sheet that is too large gives a context in an error state, which
+  // still has to be freed. The destructor does not run for a constructor that throws.
   const cairo_status_t status = cairo_status(mCairo);
   if (status != CAIRO_STATUS_SUCCESS) {
     cairo_destroy(mCairo);
     cairo_surface_destroy(mSurface);
     check(status);
   }
+  // scripts/setup installs this font; without it Cairo takes another one and texts differ in width.
   cairo_select_font_face(mCairo, "DejaVu Sans", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
+  // A mitred join of two nearly opposite lines sticks out far beyond them.
   cairo_set_line_join(mCairo, CAIRO_LINE_JOIN_ROUND);
   setInk({1, 1, 1});
   rectangle(0, 0, width, height);
@@ -58,6 +64,7 @@ void Canvas::line(double x0, double y0, double x1, double y1, double width) {
 
 void Canvas::dot(double x, double y, double radius) {
   constexpr double kFullTurn = 6.283185307179586;
+  // Without it Cairo draws a line from the last point to the start of the arc.
   cairo_new_sub_path(mCairo);
   cairo_arc(mCairo, x, y, radius, 0, kFullTurn);
   cairo_fill(mCairo);
@@ -76,8 +83,11 @@ void Canvas::text(double x, double y, const std::string& text, double size, doub
 }
 
 void Canvas::write(const std::string& path) {
+  // A context keeps its first error and draws nothing afterwards, so one check at the end is
+  // enough.
   check(cairo_status(mCairo));
   if (mFormat == Format::kPng) check(cairo_surface_write_to_png_stream(mSurface, append, &mBytes));
+  // Only this writes the end of an SVG file.
   cairo_surface_finish(mSurface);
   check(cairo_surface_status(mSurface));
   formats::writeFile(path, mBytes);

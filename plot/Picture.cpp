@@ -13,6 +13,7 @@
 namespace vexa::plot {
 namespace {
 
+// 256 MB as decoded pixels; the header of a small file may claim far more.
 constexpr std::int64_t kMostPixels = 64'000'000;
 
 using Surface = std::unique_ptr<cairo_surface_t, decltype(&cairo_surface_destroy)>;
@@ -36,6 +37,7 @@ cairo_status_t readSome(void* rest, unsigned char* out, unsigned int length) {
   return CAIRO_STATUS_SUCCESS;
 }
 
+// PNG stores numbers with the highest byte first.
 std::uint32_t bigEndian(const std::string& bytes, std::size_t at) {
   std::uint32_t value = 0;
   for (std::size_t i = 0; i < 4; ++i) value = value << 8 | std::uint8_t(bytes[at + i]);
@@ -49,11 +51,13 @@ bool isPng(const std::string& bytes) {
 
 std::vector<std::uint32_t> decodePng(const std::string& bytes, int& outWidth, int& outHeight) {
   const std::uint32_t width = bigEndian(bytes, 16), height = bigEndian(bytes, 20);
+  // Checked before Cairo decodes anything: it would take the memory first.
   if (width > 65'535 || height > 65'535 || isTooLarge(int(width), int(height))) return {};
   Rest rest{bytes};
   const Surface surface(cairo_image_surface_create_from_png_stream(readSome, &rest),
                         cairo_surface_destroy);
   if (cairo_surface_status(surface.get()) != CAIRO_STATUS_SUCCESS) return {};
+  // Both keep a pixel in 32 bits, the colour in the lower 24.
   const cairo_format_t format = cairo_image_surface_get_format(surface.get());
   if (format != CAIRO_FORMAT_ARGB32 && format != CAIRO_FORMAT_RGB24) return {};
   outWidth = cairo_image_surface_get_width(surface.get());
@@ -62,6 +66,7 @@ std::vector<std::uint32_t> decodePng(const std::string& bytes, int& outWidth, in
   const unsigned char* data = cairo_image_surface_get_data(surface.get());
   std::vector<std::uint32_t> pixels(std::size_t(outWidth) * std::size_t(outHeight));
   for (std::size_t y = 0; y < std::size_t(outHeight); ++y) {
+    // Rows may be padded: the stride is what leads to the next one.
     std::memcpy(pixels.data() + y * std::size_t(outWidth), data + y * stride,
                 std::size_t(outWidth) * sizeof(std::uint32_t));
   }
@@ -80,6 +85,7 @@ std::vector<std::uint32_t> decodeJpeg(const std::string& bytes, int& outWidth, i
       isTooLarge(outWidth, outHeight)) {
     return {};
   }
+  // Three bytes a pixel is what the decoder gives; four would depend on the order of bytes.
   std::vector<unsigned char> rgb(std::size_t(outWidth) * std::size_t(outHeight) * 3);
   if (tjDecompress2(decoder.get(), data, bytes.size(), rgb.data(), outWidth, 0, outHeight, TJPF_RGB,
                     0) != 0) {
@@ -96,6 +102,7 @@ std::vector<std::uint32_t> decodeJpeg(const std::string& bytes, int& outWidth, i
 // The pixel of a row or column of `count` in which a repeating coordinate falls.
 std::size_t indexOf(double coordinate, int count) {
   const double part = coordinate - std::floor(coordinate);
+  // A part just below 1 may become 1 in the product.
   return std::size_t(std::clamp(int(part * count), 0, count - 1));
 }
 

@@ -8,6 +8,7 @@ namespace vexa::plot {
 namespace {
 
 constexpr float kNothing = -std::numeric_limits<float>::infinity();
+// How dark a full shadow is: the ground has to stay visible in it.
 constexpr float kShadowStrength = 0.35F;
 
 std::uint32_t byteOf(double part) {
@@ -27,6 +28,8 @@ std::vector<float> smoothedTransposed(const std::vector<float>& image, int width
       return x < 0 || x >= width ? 0.0F
                                  : image[std::size_t(y) * std::size_t(width) + std::size_t(x)];
     };
+    // The window around x moves by one: the pixel that enters is added, the one that leaves
+    // subtracted, so the time does not depend on the radius.
     float sum = 0;
     for (int x = -radius; x < radius; ++x) sum += at(x);
     for (int x = 0; x < width; ++x) {
@@ -58,6 +61,7 @@ void PoseImage::visit(const Corner (&corners)[3], Paint paint) {
   const Corner a = corners[0] * double(kSamples), b = corners[1] * double(kSamples),
                c = corners[2] * double(kSamples);
   const double area = (b.x - a.x) * (c.y - a.y) - (c.x - a.x) * (b.y - a.y);
+  // Seen from its edge, or out of the range of numbers: there is nothing to fill.
   if (!(std::abs(area) > 1e-12) || !std::isfinite(area)) return;
   const auto bound = [](double value, int most) {
     return int(std::clamp(value, 0.0, double(most)));
@@ -68,6 +72,7 @@ void PoseImage::visit(const Corner (&corners)[3], Paint paint) {
   const int bottom = bound(std::ceil(std::max({a.y, b.y, c.y})), rows);
   for (int y = top; y < bottom; ++y) {
     for (int x = left; x < right; ++x) {
+      // A sample is at the middle of its square.
       const double px = x + 0.5, py = y + 0.5;
       const double wb = ((px - a.x) * (c.y - a.y) - (c.x - a.x) * (py - a.y)) / area;
       const double wc = ((b.x - a.x) * (py - a.y) - (px - a.x) * (b.y - a.y)) / area;
@@ -82,6 +87,7 @@ void PoseImage::visit(const Corner (&corners)[3], Paint paint) {
 void PoseImage::fill(const Corner (&corners)[3], const Ink& ink) {
   const std::uint32_t color = colorOf(ink);
   visit(corners, [&](std::size_t sample, float depth) {
+    // The nearest triangle wins, whatever the order of drawing; of two at one depth the first.
     if (depth <= mDepth[sample]) return;
     mDepth[sample] = depth;
     mColor[sample] = color;
@@ -101,6 +107,7 @@ std::vector<float> PoseImage::softShadow(int softness) const {
     shadow[std::size_t(y) * std::size_t(mWidth) + std::size_t(x)] +=
         float(mShadow[s]) / float(kPerPixel);
   }
+  // Two running means in a row come close to a bell curve; one alone leaves a visible box.
   for (int pass = 0; softness > 0 && pass < 2; ++pass) {
     shadow = smoothedTransposed(shadow, mWidth, mHeight, softness);
     shadow = smoothedTransposed(shadow, mHeight, mWidth, softness);
@@ -123,6 +130,8 @@ std::vector<std::uint32_t> PoseImage::pixels(int softness) const {
       ++covered;
       for (int k = 0; k < 3; ++k) sum[k] += mColor[sample] >> (16 - 8 * k) & 0xFF;
     }
+    // Colours are summed over the covered samples alone and divided by all of them: that makes them
+    // premultiplied by the cover, as Cairo wants them.
     const float cover = float(covered) / float(kPerPixel);
     const float alpha = cover + (1 - cover) * kShadowStrength * shadow[p];
     const auto part = [&](int k) { return sum[k] / kPerPixel; };

@@ -25,6 +25,13 @@ constexpr Ink kShades[] = {{0.72, 0.60, 0.46}, {0.45, 0.60, 0.72}, {0.62, 0.70, 
 constexpr Ink kGroundInk{0.955, 0.955, 0.945}, kGridInk{0.87, 0.87, 0.855};
 constexpr Ink kLineInk{0.15, 0.35, 0.75}, kCaptionInk{0.3, 0.3, 0.3};
 
+// The sheet: at most four pictures in a row, each 4 : 3, its caption below the pose.
+//
+//   +---------+---------+---------+---------+
+//   |  pose   |  pose   |  pose   |  pose   |   kSheetWidth over all columns
+//   | frame 0 | frame 9 |   ...   |         |   kCaption high
+//   +---------+---------+---------+---------+
+
 // A camera without perspective that looks down along (1, 2, -1): x to the right of the picture, y
 // up in it, z towards the viewer.
 constexpr double kRight[3] = {0.8944271909999159, -0.4472135954999579, 0};
@@ -182,6 +189,7 @@ Ink inkOf(const formats::MovingMesh& mesh, std::size_t triangle) {
 
 // The shadow of a point on the ground, along the light.
 Vec3 shadowOf(const Vec3& p, double ground) {
+  // kLight points towards the light, so the shadow falls the other way.
   const double way = (p.z - ground) / kLight[2];
   return {p.x - way * kLight[0], p.y - way * kLight[1], ground};
 }
@@ -198,6 +206,7 @@ void drawMesh(PoseImage& image, const Sheet& sheet, const Picture& picture,
       corners[i] = picture.place(world[i]);
       shadow[i] = picture.place(shadowOf(world[i], sheet.ground));
     }
+    // Fills and shadows are kept apart: the shadow falls on the ground only, never on another mesh.
     image.fill(corners, shaded(inkOf(mesh, t), world));
     image.castShadow(shadow);
   }
@@ -210,11 +219,13 @@ void paint(Canvas& canvas, const PoseImage& image) {
       image.height(), image.width() * 4);
   cairo_set_source_surface(canvas.cairo(), surface, 0, 0);
   cairo_paint(canvas.cairo());
+  // `pixels` is borrowed by the surface and outlives it.
   cairo_surface_destroy(surface);
 }
 
 void drawPicture(Canvas& canvas, const Sheet& sheet, const std::vector<formats::MovingMesh>& meshes,
                  std::size_t frame, const Lines& ground) {
+  // The middle of the pose is the middle of the picture, so a walker does not leave it.
   const Picture picture(sheet, seenBox(meshes, frame));
   canvas.setInk(kGroundInk);
   canvas.rectangle(0, 0, sheet.width, sheet.height);
@@ -251,6 +262,7 @@ void writeContactSheet(const std::string& path, const std::vector<formats::Movin
     cairo_save(canvas.cairo());
     cairo_translate(canvas.cairo(), sheet.width * double(i % sheet.columns),
                     sheet.height * std::floor(double(i) / double(sheet.columns)));
+    // Lines of the grid and long shadows must not reach into the next picture.
     cairo_rectangle(canvas.cairo(), 0, 0, sheet.width, sheet.height);
     cairo_clip(canvas.cairo());
     drawPicture(canvas, sheet, meshes, i, ground);

@@ -31,12 +31,21 @@ std::pair<double, double> rangeOf(const CurvePlot& plot) {
     }
   }
   if (low > high) return {0, 1};
+  // A constant runs in the middle.
   if (low == high) return {low - 0.5, high + 0.5};
   const double room = 0.04 * (high - low);
   return {low - room, high + room};
 }
 
-// Draws one plot with its upper edge at `top`.
+// Draws one plot with its upper edge at `top`:
+//
+//          kLeft                        kRightEdge
+//     top    title (unit)        keys - x - y - z       kTop
+//            [colours, kStrip high]
+//     mTop   |                                  |
+//            |            curves                |
+//  bottom()  +----|-------|-------|-------|-----+
+//            0   25      50      75     100  frame      kBottom
 class Panel {
  public:
   Panel(Canvas& canvas, const std::vector<int>& frames, const CurvePlot& plot, double top)
@@ -56,6 +65,7 @@ class Panel {
   double bottom() const { return mTop + kPlotHeight - kTop - kBottom; }
   double x(double frame) const {
     const double first = mFrames.front(), last = mFrames.back();
+    // A single frame is in the middle.
     const double part = last == first ? 0.5 : (frame - first) / (last - first);
     return kLeft + part * (kRightEdge - kLeft);
   }
@@ -83,6 +93,7 @@ class Panel {
   void drawValueAxis() {
     mCanvas.setInk(kGrey);
     mCanvas.line(kLeft, mTop, kLeft, bottom());
+    // Dates have no round marks in seconds: two texts name the ends.
     if (!mPlot.mLow.empty() || !mPlot.mHigh.empty()) {
       mCanvas.text(kLeft - 6, bottom() - 2, mPlot.mLow, 9, 1);
       mCanvas.text(kLeft - 6, mTop + 12, mPlot.mHigh, 9, 1);
@@ -112,6 +123,7 @@ class Panel {
     const double step = (kRightEdge - kLeft) / double(std::max<std::size_t>(1, mFrames.size()));
     for (std::size_t i = 0; i < mPlot.mSwatches.size(); ++i) {
       mCanvas.setInk(mPlot.mSwatches[i]);
+      // Half a point wider than its step: viewers would show a seam between two rectangles.
       mCanvas.rectangle(kLeft + double(i) * step, mTop - kStrip, step + 0.5, kStrip);
     }
   }
@@ -123,6 +135,7 @@ class Panel {
     auto nextBreak = mPlot.mBreaks.begin();
     bool open = false;
     for (std::size_t i = 0; i < mFrames.size(); ++i) {
+      // Breaks rise, as the frames do.
       while (nextBreak != mPlot.mBreaks.end() && *nextBreak < i) ++nextBreak;
       if (nextBreak != mPlot.mBreaks.end() && *nextBreak == i) open = false;
       const bool drawn = std::isfinite(series.mValues[i]);

@@ -34,13 +34,16 @@ class View {
 
   // Call once, after the last include(): adds room around what is drawn.
   void fit() {
+    // Nothing was included.
     if (mLow.x > mHigh.x) mLow = {0, 0, 0}, mHigh = {1, 1, 0};
     double width = mHigh.x - mLow.x, height = mHigh.y - mLow.y;
     double room = 0.05 * std::max(width, height);
+    // Everything is at one point, or the difference is out of range.
     if (!(room > 0) || !std::isfinite(room)) room = 0.5;
     mLow = {mLow.x - room, mLow.y - room, 0};
     mHigh = {mHigh.x + room, mHigh.y + room, 0};
     width += 2 * room, height += 2 * room;
+    // The width is fixed; the height follows from it between its two limits.
     mScale = std::min((kWidth - kLeft - kRight) / width, kMost / height);
     mHeight = std::max(kLeast, height * mScale);
     // What the drawing does not need is shared out to both sides.
@@ -52,6 +55,7 @@ class View {
 
   double bottom() const { return kTop + mHeight; }
   double x(const UxZel::CZelPoint& p) const { return kLeft + (p.x - mLow.x) * mScale; }
+  // The sheet counts downwards, the scene upwards.
   double y(const UxZel::CZelPoint& p) const { return bottom() - (p.y - mLow.y) * mScale; }
   const UxZel::CZelPoint& low() const { return mLow; }
   const UxZel::CZelPoint& high() const { return mHigh; }
