@@ -9,6 +9,7 @@ void setUp(CLI::App& app) {
   app.description("Vexa: keyframes, paths and skinned animation at a frame");
   app.require_subcommand(1);
   app.set_version_flag("--version", "vexa " VEXA_VERSION);
+  // The order is that of --help and of the manual page.
   addRun(app);
   addMerge(app);
   addImport(app);

@@ -7,6 +7,8 @@
 namespace vexa::cli {
 namespace {
 
+// More is most likely a slip, and the list itself is kept in memory. 64-bit numbers below: the sum
+// behind the last step may exceed an int.
 constexpr long long kMostFrames = 1'000'000;
 
 // A whole number from 0 up to the end of the text.

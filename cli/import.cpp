@@ -30,8 +30,10 @@ importer::ImportedModel importOrSayWhichFile(const Options& options) {
 }
 
 void showProgress(std::size_t done, std::size_t count) {
+  // A terminal takes longer for a line than the comparison of a pose does.
   const bool isRound = done % 100 == 0 || done == count;
   if (!isRound) return;
+  // The carriage return writes over the former line.
   std::fprintf(stderr, "\r%zu of %zu poses compared%s", done, count, done == count ? "\n" : "");
 }
 
@@ -47,6 +49,7 @@ importer::ImportProgress progressFor(const importer::ImportedModel& model) {
 // Before the work starts, so that it can be stopped.
 void warnOfSize(const importer::ImportedModel& model) {
   constexpr double kLarge = 1073741824;
+  // Per link 4 bytes of vertex and 8 of weight.
   double bytes = 0;
   for (const auto& node : model.mAnimation.mNodes) {
     bytes += double(node.mMatrices.size()) * double(sizeof(node.mMatrices[0])) +
@@ -66,6 +69,7 @@ void printTakes(const importer::ImportedModel& model) {
   for (const auto& take : model.mTakes) {
     std::printf("take \"%s\": %d frames at %g per second\n", formats::printable(take.mName).c_str(),
                 take.mFrameCount, take.mFramesPerSecond);
+    // Every note on a clip starts so; those of the readers and those of the check.
     const std::string start = "clip '" + take.mName + "'";
     const auto isOn = [&](const std::string& note) { return note.rfind(start, 0) == 0; };
     for (const std::string& note : others) {
@@ -134,6 +138,7 @@ void addImport(CLI::App& app) {
   command->callback([options] {
     if (options->up == "y") options->import.mUp = importer::UpAxis::Y;
     if (options->up == "z") options->import.mUp = importer::UpAxis::Z;
+    // A walk leads over the ground, so there is no third number.
     options->import.mTravel = {options->travel[0], options->travel[1], 0};
     importModelFile(*options);
   });

@@ -38,6 +38,7 @@ std::string asText(const scene::Description& value) {
 
 void printText(const scene::Description& description) {
   for (const auto& [name, value] : *description.members()) {
+    // These come last, one a line; the version is for programs.
     if (name == "notes" || name == "faults" || name == "formatVersion") continue;
     std::printf("%-26s %s\n", name.c_str(), asText(value).c_str());
   }
@@ -47,6 +48,8 @@ void printText(const scene::Description& description) {
     std::printf("fault: %s\n", asText(fault).c_str());
 }
 
+// Everything that is known is printed first. Faults then make the exit status 1, so that a script
+// can check a file.
 void info(const std::string& file, bool json) {
   const scene::Description description =
       importer::isModelFile(file) ? importer::describeModel(file) : scene::describeFile(file);

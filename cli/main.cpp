@@ -35,6 +35,7 @@ int complain(const std::string& fault, int exitCode) {
 }
 
 int complainOfUsage(const CLI::App& app, const CLI::ParseError& error) {
+  // The fault of a command refers to the help of that command.
   const auto commands = app.get_subcommands();
   if (!commands.empty()) {
     return complain(
@@ -47,6 +48,8 @@ int complainOfUsage(const CLI::App& app, const CLI::ParseError& error) {
 }
 
 int run(int argc, char** argv) {
+  // In this order: the first file that is opened must not become a standard stream, and no
+  // temporary file may be made before the signals are caught.
   vexa::formats::openStandardStreams();
   vexa::formats::removeTemporariesOnSignals();
   std::set_terminate(endWithoutMemory);

@@ -1,5 +1,7 @@
 // Writes the manual page or the shell completion of `vexa` from the options that --help shows.
 // usage: vexa_manual man|bash
+//
+// The build runs this program, so neither text can differ from what the command accepts.
 #include <cstdio>
 #include <iostream>
 #include <string>
@@ -17,6 +19,7 @@ std::string roff(const std::string& text) {
     } else if (c == '-') {
       out += "\\-";
     } else {
+      // A dot or an apostrophe at the start of a line would be a roff request.
       const bool startsLine = out.empty() || out.back() == '\n';
       if (startsLine && (c == '.' || c == '\'')) out += "\\&";
       out += c;

@@ -19,6 +19,7 @@ void addMerge(CLI::App& app) {
       "         vexa run bison.json --frames 0:999 --out out --task 1/2\n"
       "         vexa merge out");
   command->callback([folder] {
+    // The parts state their scene; it is loaded again only where meshes need it.
     for (const std::string& line : scene::mergeParts(*folder, loadScene)) {
       std::puts(formats::printable(line).c_str());
     }

@@ -27,6 +27,7 @@ void presets(const Options& options) {
   const auto engine = static_cast<Converter::engine>(options.engine);
   auto ambiance = static_cast<Converter::ambiance>(options.ambiance);
   auto settings = static_cast<Converter::settings>(options.settings);
+  // Levels are numbers 1 to 6 per option; values are what the render engine takes for them.
   int levels[5] = {};
   if (options.levels.empty()) {
     converter.presets_to_options(engine, ambiance, settings, levels);
@@ -62,6 +63,8 @@ void addPresets(CLI::App& app) {
   command->callback([command, options] {
     const auto isGiven = [](const CLI::Option* option) { return option->count() > 0; };
     const auto given = command->get_options(isGiven);
+    // All options have defaults, so a bare "vexa presets" would print something that nobody asked
+    // for.
     if (given.empty()) {
       std::fputs(command->help().c_str(), stdout);
     } else {

@@ -61,6 +61,7 @@ void parseTask(const std::string& text, scene::RunPart& outPart) {
 }
 
 void showProgress(std::size_t done, std::size_t all) {
+  // The carriage return writes over the former line; the last one stays.
   std::fprintf(stderr, "\rframe %zu of %zu", done, all);
   if (done == all) std::fputc('\n', stderr);
 }
@@ -69,17 +70,21 @@ std::vector<std::string> runPart(const Options& options, const SceneOutput& outp
                                  const scene::PlayerMaker& load) {
   scene::RunPart part;
   parseTask(options.task, part);
+  // Plots show all frames at once, and a part has only its own.
   if (options.plot) refuseTask("--plot needs a whole run");
   const scene::ScenePlayer player = load();
+  // The merge may start in another folder.
   part.mScene = std::filesystem::absolute(options.scene).string();
   part.mSceneSum = scene::sceneSum(options.scene, player.scene());
   part.mTake = options.take;
   part.mMesh = options.mesh;
   part.mFrames = output.mFrames;
+  // A part must know the frames of the whole run to find its own.
   if (part.mFrames.empty()) {
     part.mFrames.resize(std::size_t(scene::lastFrame(player.scene())) + 1);
     std::iota(part.mFrames.begin(), part.mFrames.end(), 0);
   }
+  // The checksum of the scene is compared, too: after an edit the part is played again.
   if (options.resume && scene::isWhole(part, options.out)) {
     return {options.out + "/" + part.folderName() + " is whole"};
   }
@@ -94,9 +99,12 @@ void run(const Options& options) {
   if (options.mesh == "pc2") output.mMeshes = SceneOutput::Meshes::kPointCache;
   if (options.mesh == "glb") output.mMeshes = SceneOutput::Meshes::kGlb;
   output.mPlots = options.plot;
+  // In a log file each step would be a line of its own.
   if (isatty(STDERR_FILENO) != 0) output.mProgress = showProgress;
   output.mJobs =
+      // hardware_concurrency may answer 0 for "unknown".
       options.jobs > 0 ? options.jobs : std::max(1u, std::thread::hardware_concurrency());
+  // Each thread loads the scene for itself; see writeScene.
   const auto load = [&options] { return loadScene(options.scene, options.take); };
   const auto lines =
       options.task.empty() ? scene::writeScene(load, output) : runPart(options, output, load);

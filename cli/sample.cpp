@@ -59,6 +59,7 @@ void printHeader(const refhost::Property& value) {
 
 void sample(const Options& options) {
   scene::ScenePlayer player = loadScene(options.scene);
+  // As text, so that the limit on the number of frames holds here as well.
   const std::string all = "0:" + std::to_string(scene::lastFrame(player.scene()));
   const std::vector<int> frames = parseFrames(options.frames.empty() ? all : options.frames);
   const std::size_t index = indexOfValue(options, player.scene());

@@ -28,6 +28,8 @@ UXS::uxs_heliodon_tool::date clockDate(const Options& options) {
   }
   const std::time_t time = *seconds;
   std::tm fields{};
+  // The text is a local clock, which was read as if it were UTC: this only takes it apart again.
+  // The time zone comes with the place.
   gmtime_r(&time, &fields);
   const auto number = [](int value) { return static_cast<std::uint32_t>(value); };
   return {number(fields.tm_year + 1900), number(fields.tm_mon + 1), number(fields.tm_mday),
@@ -39,6 +41,7 @@ void sun(const Options& options) {
   if (std::isnan(options.latitude + options.longitude + options.north)) {
     throw CLI::ValidationError("an angle is no number");
   }
+  // The tool takes places in whole minutes of arc, about two kilometres.
   const auto minutes = [](double degrees) { return static_cast<int>(std::lround(degrees * 60)); };
   const UXS::uxs_heliodon_tool::place place{minutes(options.longitude), minutes(options.latitude),
                                             options.timezone, static_cast<float>(options.north)};
@@ -46,6 +49,7 @@ void sun(const Options& options) {
   constexpr double kDegreesPerRadian = 180 / 3.141592653589793;
   std::printf("direction to the sun  %.6f %.6f %.6f\n", double(d.x), double(d.y), double(d.z));
   std::printf("altitude              %.2f degrees\n",
+              // A single-precision unit vector may be a little longer than 1.
               std::asin(std::fmin(1, std::fmax(-1, double(d.z)))) * kDegreesPerRadian);
 }
 

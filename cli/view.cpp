@@ -28,6 +28,7 @@ struct Options {
 std::string templateFile(const Options& options) {
   if (!options.pageTemplate.empty()) return options.pageTemplate;
   std::error_code error;
+  // By the place of this program and not a fixed prefix: installed trees can be moved.
   const fs::path folder = fs::read_symlink("/proc/self/exe", error).parent_path();
   for (const char* place : {"../share/vexa/view.html", "../../web/share/vexa/view.html"}) {
     const fs::path file = (folder / place).lexically_normal();
@@ -38,6 +39,7 @@ std::string templateFile(const Options& options) {
 }
 
 std::string filled(const std::string& file, const std::string& data) {
+  // The build leaves this word once in the template, inside a script element.
   const std::string marker = "@VEXA_PAGE_DATA@";
   std::string page = formats::readFile(file);
   const std::size_t place = page.find(marker);
@@ -46,6 +48,7 @@ std::string filled(const std::string& file, const std::string& data) {
 }
 
 void view(const Options& options) {
+  // First, so that a missing template is reported before the scene is played.
   const std::string pageTemplate = templateFile(options);
   scene::ScenePlayer player = loadScene(options.scene);
   int first = 0, last = scene::lastFrame(player.scene());
