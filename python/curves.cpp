@@ -10,6 +10,7 @@
 namespace vexa::python {
 namespace {
 
+// start time, end time, start value, end value, time: the order of the library's functions.
 using Curve = double (*)(double, double, double, double, double);
 using Vector = UXS::uxs_generic_vec3<float>;
 
@@ -28,6 +29,7 @@ Doubles curve(const std::string& name, double startTime, double endTime, double 
   const double* from = times.data();
   double* to = result.mutable_data();
   const auto count = times.size();
+  // Pointers were taken before: without the interpreter's lock no Python object may be touched.
   const py::gil_scoped_release released;
   for (py::ssize_t i = 0; i < count; ++i) to[i] = function(startTime, endTime, start, end, from[i]);
   return result;
@@ -42,6 +44,7 @@ class BezierPath {
     require(rowsOf(before, 3, "before") == count, "before: expected as many rows as points");
     require(rowsOf(after, 3, "after") == count, "after: expected as many rows as points");
     for (std::size_t i = 0; i < 3 * count; ++i) {
+      // A NaN would spread through the arc lengths, and every fraction would then give NaN.
       require(std::isfinite(points.data()[i]) && std::isfinite(before.data()[i]) &&
                   std::isfinite(after.data()[i]),
               "points: a coordinate is not finite");
@@ -56,6 +59,7 @@ class BezierPath {
       point.mAfter = {a[0], a[1], a[2]};
       mHostPath.mPoints.add(point);
     }
+    // The path reads the host's points through this interface, now and later.
     mInfo = std::make_unique<Norvel::Vexa::XCZELPathInfo>(&mHostPath);
     mPath = std::make_unique<Norvel::Vexa::XC3DPath>(mInfo.get());
   }
@@ -73,6 +77,7 @@ class BezierPath {
   template <class Function>
   static Floats evaluate(const Floats& fractions, Function function) {
     std::vector<py::ssize_t> shape(fractions.shape(), fractions.shape() + fractions.ndim());
+    // One more dimension than the fractions: x, y, z.
     shape.push_back(3);
     Floats result(shape);
     const float* from = fractions.data();

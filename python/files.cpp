@@ -2,7 +2,6 @@
 #include <cstring>
 
 #include "formats/AnimationFile.h"
-#include "formats/read_file.h"
 #include "importer/import_files.h"
 #include "importer/model_import.h"
 #include "python/bindings_internal.h"
@@ -25,6 +24,7 @@ AnimationFile::Matrix matrixAt(const double* numbers) {
 }
 
 py::dict nodeOf(const AnimationFile::Node& node) {
+  // Arrays of their own, not views: the file's structure ends with this call.
   Doubles matrices(std::vector<py::ssize_t>{py::ssize_t(node.mMatrices.size()), 4, 4});
   for (std::size_t i = 0; i < node.mMatrices.size(); ++i) {
     putMatrix(node.mMatrices[i], matrices.mutable_data() + 16 * i);
@@ -47,12 +47,7 @@ py::dict readAnimation(const std::string& path) {
   AnimationFile file;
   {
     const py::gil_scoped_release released;
-    const std::string bytes = formats::readFile(path);
-    try {
-      file = formats::decodeAnimationFile(bytes);
-    } catch (const std::runtime_error& error) {
-      throw std::runtime_error(path + ": " + error.what());
-    }
+    file = formats::readAnimationFile(path);
   }
   Doubles global({4, 4});
   putMatrix(file.mGlobal, global.mutable_data());
@@ -90,6 +85,7 @@ void writeAnimation(const std::string& path, const std::vector<std::uint32_t>& f
   AnimationFile file;
   file.mFrameCounts = frameCounts;
   file.mGlobal = matrixAt(global.data());
+  // encodeAnimationFile checks that each node has as many matrices as the counts say.
   for (const auto& node : nodes) file.mNodes.push_back(nodeOf(node));
   const py::gil_scoped_release released;
   formats::writeAnimationFile(file, path);
@@ -107,6 +103,8 @@ py::dict importModel(const std::string& path, const std::string& stem,
   require(up.empty() || up == "y" || up == "z", "up: expected \"y\", \"z\" or nothing");
   if (up == "y") options.mUp = importer::UpAxis::Y;
   if (up == "z") options.mUp = importer::UpAxis::Z;
+  // The import itself runs without the interpreter's lock: it takes seconds, and other threads of
+  // the program go on. Nothing inside the braces touches a Python object.
   importer::ImportedModel model;
   importer::ImportFiles files;
   {

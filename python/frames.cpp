@@ -18,6 +18,7 @@ std::vector<int> framesOfRange(const py::object& range) {
   const auto step = range.attr("step").cast<long long>();
   std::vector<int> frames(py::len(range));
   if (frames.empty()) return frames;
+  // The ends of a range bound everything between them.
   frameOf(start);
   frameOf(start + step * (static_cast<long long>(frames.size()) - 1));
   for (std::size_t i = 0; i < frames.size(); ++i) {
@@ -31,6 +32,7 @@ std::vector<int> framesOfRange(const py::object& range) {
 std::vector<int> framesOf(const py::object& frames) {
   if (PyRange_Check(frames.ptr()) != 0) return framesOfRange(frames);
   if (PyLong_Check(frames.ptr()) != 0) return {frameOf(frames.cast<long long>())};
+  // A list of floats is refused: a frame of 1.5 would silently become 1.
   const py::array numbers = py::array::ensure(frames);
   require(
       bool(numbers) && numbers.ndim() == 1 &&

@@ -21,6 +21,7 @@ using formats::MovingMesh;
 class Scene {
  public:
   explicit Scene(refhost::Scene scene) : mPlayer(std::move(scene)), mMeshes(mPlayer.meshes()) {
+    // So that placements and meshes have an answer before the first call.
     mPlayer.setFrame(0);
   }
 
@@ -50,12 +51,14 @@ class Scene {
     const refhost::Property& property = mPlayer.scene().mProperties[value];
     const std::size_t size = scene::partCount(property);
     std::vector<py::ssize_t> shape{py::ssize_t(wanted.size())};
+    // A value that is a single number gives one dimension, as numpy users expect.
     if (size > 1) shape.push_back(py::ssize_t(size));
     py::array_t<double> result(shape);
     double* out = result.mutable_data();
     const py::gil_scoped_release released;
     const std::lock_guard<std::mutex> lock(mMutex);
     for (std::size_t i = 0; i < wanted.size(); ++i) {
+      // Straight into the array: a million rows need no list in between.
       scene::writeParts(property, mPlayer.sample(value, wanted[i]), out + i * size);
     }
     return std::move(result);
@@ -75,6 +78,7 @@ class Scene {
       mPlayer.setFrame(frame);
       mPlayer.appendPoses(posed);
       std::memcpy(out, posed[mesh].mFrames[0].data(), points * sizeof(posed[mesh].mFrames[0][0]));
+      // Poses are taken one by one: all frames of a long range would not fit twice into memory.
       for (MovingMesh& each : posed) each.mFrames.clear();
       out += 3 * points;
     }
@@ -132,6 +136,7 @@ class Scene {
   void writeGlb(const std::string& path, const py::object& frames) {
     const std::vector<int> wanted = framesOf(frames);
     require(!wanted.empty(), "there is no frame to write");
+    // A GLB has one time per frame, evenly spaced from 0.
     const double step = wanted.size() < 2 ? 1 : double(wanted[1]) - wanted[0];
     require(step > 0, "the frames do not rise");
     const py::gil_scoped_release released;
@@ -146,6 +151,7 @@ class Scene {
   }
 
  private:
+  // Returns the place behind the three numbers, for the next ones.
   template <class Triple>
   static double* put(const Triple& triple, double* out) {
     out[0] = triple.x;
@@ -172,11 +178,13 @@ class Scene {
   std::size_t pointCount(std::size_t mesh) {
     const py::gil_scoped_release released;
     const std::lock_guard<std::mutex> lock(mMutex);
+    // Of frame 0: all frames have the same number of points.
     std::vector<MovingMesh> posed = mMeshes;
     mPlayer.appendPoses(posed);
     return posed[mesh].mFrames[0].size();
   }
 
+  // A player shows one frame at a time, so two threads would see each other's.
   std::mutex mMutex;
   scene::ScenePlayer mPlayer;
   const std::vector<MovingMesh> mMeshes;  // without poses
@@ -184,6 +192,7 @@ class Scene {
 
 std::unique_ptr<Scene> sceneOfDocument(const py::object& document, const std::string& folder) {
   const std::string text =
+      // A dict goes through Python's own json, so whatever it holds is checked like a file.
       py::isinstance<py::str>(document)
           ? document.cast<std::string>()
           : py::module_::import("json").attr("dumps")(document).cast<std::string>();

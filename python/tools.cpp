@@ -16,7 +16,8 @@ namespace {
 using Matrix = Norvel::Vexa::ux_matrix44<double>;
 using Converter = UXS::uxs_final_options_converter;
 
-// Matrices come as rows of columns, m[..., row, column].
+// numpy keeps m[..., row, column] row by row; the library stores columns. Both functions go by row
+// and column, so neither order matters to them.
 Matrix matrixAt(const double* numbers) {
   Matrix m;
   for (int r = 0; r < 4; ++r) {
@@ -43,6 +44,7 @@ Doubles sameShape(const Doubles& array) {
 }
 
 Doubles inverse(const Doubles& matrices) {
+  // Any number of leading dimensions: (4, 4), (n, 4, 4), (frames, nodes, 4, 4).
   const auto count = matrixCount(matrices);
   Doubles result = sameShape(matrices);
   const double* from = matrices.data();
@@ -73,6 +75,7 @@ Doubles transform(const Doubles& matrix, const Doubles& points) {
   return result;
 }
 
+// The library's builders set a matrix that is there already.
 template <class Build>
 Doubles built(Build build) {
   Matrix m;
@@ -108,6 +111,7 @@ Floats sunDirection(
   require(std::fabs(longitude) <= 180, "longitude: expected -180 to 180 degrees");
   require(std::abs(timezone) <= 1440, "timezone: expected -1440 to 1440 minutes");
   require(std::isfinite(north), "north is not finite");
+  // The tool takes whole minutes of arc.
   const UXS::uxs_heliodon_tool::place place{
       int(std::lround(longitude * 60)), int(std::lround(latitude * 60)), timezone, float(north)};
   std::vector<py::ssize_t> shape(clock.shape(), clock.shape() + clock.ndim());
@@ -118,6 +122,7 @@ Floats sunDirection(
   for (py::ssize_t i = 0; i < clock.size(); ++i) {
     // "2024-03-01T12:30:00Z"
     const std::string text = formats::dateOfSeconds(from[i]);
+    // Outside of these years the text has another length, and its numbers are elsewhere.
     require(text.size() == 20 && text[0] != '-', "clock: expected dates of the years 0 to 9999");
     const auto number = [&text](std::size_t at, std::size_t count) {
       return std::uint32_t(std::stoul(text.substr(at, count)));
@@ -139,6 +144,7 @@ std::array<float, 3> cameraUp(const std::array<float, 3>& position,
   return {up.x, up.y, up.z};
 }
 
+// Checked here: the library takes enumerators, which are never out of range in C++.
 std::array<int, 5> presetLevels(std::uint32_t engine, std::uint32_t ambiance,
                                 std::uint32_t settings) {
   require(engine <= 2 && ambiance <= 2 && settings <= 2, "a preset is 0, 1 or 2");
