@@ -23,6 +23,7 @@ namespace {
 using Norvel::Vexa::XCFrameCollector;
 using vexa::formats::AnimationFile;
 
+// Few, so that a random link often hits an existing vertex.
 constexpr unsigned kVertices = 8;
 
 struct SilentReporter : Norvel::XIReporter {
@@ -59,7 +60,8 @@ std::string read(const std::uint8_t* data, std::size_t size, XCFrameCollector& c
   }
 }
 
-// What a strict reader accepts arrives whole, unless it asks for too much.
+// Two readers of one format, written apart: what the strict one accepts, the library must read to
+// the same numbers, unless the file asks for too much.
 void checkMatrices(const AnimationFile& file, const XCFrameCollector& collector) {
   require(collector.GetNbrTakes() == file.mFrameCounts.size());
   for (std::size_t n = 0; n < file.mNodes.size(); ++n) {
@@ -69,6 +71,7 @@ void checkMatrices(const AnimationFile& file, const XCFrameCollector& collector)
         const auto& read = collector.GetTransformation(t, f, int(n));
         for (std::size_t k = 0; k < 16; ++k) {
           const float expected = float((*matrix)[k]);
+          // NaN is equal to nothing, so NaN for NaN is allowed for.
           require(read.e[k] == expected || expected != expected);
         }
       }
@@ -89,6 +92,7 @@ void checkAgainstStrictReader(const std::string& bytes, const std::string& error
 }
 
 void deform(const UXS::Mesh& mesh, XCFrameCollector& collector) {
+  // Also takes and frames that no file has.
   for (const unsigned take : {0u, 1u, ~0u}) {
     for (const unsigned frame : {0u, 1u, ~0u}) {
       for (const auto& vertex : mesh.GetVerticesArray()) {
@@ -100,13 +104,15 @@ void deform(const UXS::Mesh& mesh, XCFrameCollector& collector) {
   require(deformed->GetVerticesArray().size() == kVertices);
 }
 
-// Mutation of the contents, which the counts then follow.
+// Mutation of the contents, which the counts then follow. Random bytes nearly always break a count,
+// and the reader then stops before anything interesting.
 class Mutation {
  public:
   explicit Mutation(unsigned seed) : mRandom(seed) {}
 
   std::string apply(const std::string& bytes) {
     std::string result = encodeAnimationFile(changed(contents(bytes)));
+    // Some counts must be wrong all the same.
     if (below(4) == 0) lie(result);
     if (below(8) == 0) result.resize(below(result.size() + 1));
     return result;
@@ -178,6 +184,7 @@ class Mutation {
 
 extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size,
                                                std::size_t largest, unsigned int seed) {
+  // Now and then plain mutations: they find what this class does not think of.
   if (seed % 8 == 0) return LLVMFuzzerMutate(data, size, largest);
   const std::string mutated =
       Mutation(seed).apply(std::string(reinterpret_cast<const char*>(data), size));

@@ -116,6 +116,7 @@ int answer(Input& input) {
   switch (input.below(40)) {
     case 0:
       return 7;
+    // An exception must not pass through C; the library turns it into a status.
     case 1:
       throw std::runtime_error("host");
     case 2:
@@ -126,6 +127,7 @@ int answer(Input& input) {
 }
 
 std::uint32_t kindOf(Input& input) {
+  // The six kinds that the library treats specially, and ordinary values twice as often.
   static const std::uint32_t kKinds[] = {0, 0, 1, 38, 59, 135, 136, 140};
   return kKinds[input.below(8)];
 }
@@ -185,6 +187,8 @@ int hostKey(void* user, std::uint64_t, std::uint32_t, vexa_key* out) {
 class Caller {
  public:
   explicit Caller(Input& input) : mInput(input) {}
+  // Each handle is ended as everything that it might be. Two of the three calls are wrong, and so
+  // is every call on a handle that is ended already; none of them may do harm.
   ~Caller() {
     for (void* each : mHandles) {
       vexa_scene_free(static_cast<vexa_scene>(each));
@@ -195,6 +199,7 @@ class Caller {
 
   void call() {
     const vexa_status status = callOne(mInput.below(26));
+    // VEXA_INTERNAL is an error of the library's own: a finding.
     if (status < VEXA_OK || status >= VEXA_INTERNAL) std::abort();
     if (status != VEXA_OK && vexa_error()[0] == '\0') std::abort();
   }
@@ -202,8 +207,10 @@ class Caller {
  private:
   template <class Handle>
   Handle handle() {
+    // A number that was never a handle.
     if (mInput.below(20) == 0) return reinterpret_cast<Handle>(mInput.take<std::uintptr_t>());
     if (mHandles.empty()) return nullptr;
+    // One of the last three, of whatever kind: most calls get a handle of the right one.
     return static_cast<Handle>(mHandles[mHandles.size() - 1 - mInput.below(3) % mHandles.size()]);
   }
 
@@ -227,6 +234,7 @@ class Caller {
     static const std::string kMissing = folder() + "/missing.amo";
     vexa_object object{};
     object.name = mInput.name();
+    // The good file twice: without it nothing could be played.
     const char* files[] = {animationFile(), animationFile(), kMissing.c_str(), nullptr, ""};
     object.animation_file = files[mInput.below(5)];
     object.points = mInput.maybe(coordinates.data());
@@ -263,6 +271,7 @@ class Caller {
     const std::uint32_t type = mInput.below(9);
     for (vexa_key& key : keys) {
       key = keyOf(mInput);
+      // Mostly one type, which is what a value needs to be playable.
       if (mInput.below(16) != 0) key.type = type;
     }
     const double rate = mInput.number();
@@ -302,6 +311,7 @@ class Caller {
     vexa_host_functions functions{sizeof(functions), hostTimeScale, hostCount,
                                   hostPath,          hostPoint,     hostCount,
                                   hostInstance,      hostProperty,  hostKey};
+    // A host that lacks a function.
     if (mInput.below(16) == 0) functions.key = nullptr;
     vexa_host host = nullptr;
     return keep(vexa_host_new(mInput.maybe(&functions), &mInput, &host), host);
@@ -415,6 +425,7 @@ class Caller {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   Input input(data, size);
   Caller caller(input);
+  // Long enough to build a scene and play it; short enough for thousands of inputs a second.
   for (int calls = 0; calls < 60 && !input.isAtEnd(); ++calls) caller.call();
   return 0;
 }

@@ -10,6 +10,7 @@
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string bytes(reinterpret_cast<const char*>(data), size);
   vexa::importer::ImportOptions options;
+  // A few bytes may state a long clip; baking it would show nothing new.
   options.mLargestAnimation = 1 << 20;
   try {
     vexa::importer::importModel(vexa::importer::readFbx(bytes), options);

@@ -21,10 +21,12 @@ int main(int count, char** arguments) {
   for (const auto& entry : std::filesystem::directory_iterator(arguments[1])) {
     std::ifstream file(entry.path(), std::ios::binary);
     const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+    // Before the call: the last name on the screen is that of the file that crashed.
     std::printf("%s\n", entry.path().filename().c_str());
     std::fflush(stdout);
     LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());
     ++files;
   }
+  // An empty folder is a wrong path, which must not look like success.
   return files > 0 ? 0 : 1;
 }

@@ -41,6 +41,7 @@ void checkRoundTrip(const CChemin& path) {
 void checkNames(const CChemin& path) {
   const CChemin below = path.Ajoute("x");
   require(below.DonneNomSansExtension() == "x" && below.TestExtension("/X"));
+  // Going up must end somewhere: each step is shorter than the path.
   require(std::strlen(below.Remonte().c_str()) < below.DonneChemin().size());
   path.ChangeExtension(".amo");
   unsigned char pascal[256];
