@@ -7,6 +7,7 @@
 int main() {
   vexa::refhost::Scene lamp = vexa::refhost::scenes::lamp();
   Norvel::Vexa::XIAnimationMgr* manager = Norvel::Vexa::XIAnimationMgr::Create();
+  // One call for every kind of value: the answer is a union, and the property knows its member.
   const auto at = [&](std::size_t property, int frame) {
     return manager->InterpolateValue(&lamp, &lamp.mProperties[property], frame, nullptr, nullptr);
   };

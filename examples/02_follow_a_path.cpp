@@ -17,11 +17,13 @@ int main() {
   for (int frame = 0; frame <= 100; frame += 5) {
     UxZel::CZelVector direction;
     double lookAhead = 0.5;  // face the place half a unit further on
+    // The keys of this property hold fractions of the path's length, not coordinates.
     const auto place =
         manager->InterpolateValue(&scene, &scene.mProperties[0], frame, &direction, &lookAhead);
     const double degrees = 180 / 3.141592653589793;
     const double heading = std::atan2(direction.y, direction.x) * degrees;
     double around = std::atan2(place.mVector[1], place.mVector[0]) * degrees;
+    // atan2 gives -180 to 180; the plot counts from 0 to 360.
     if (around < -0.001 || frame == 100) around += 360;
     std::printf("%5d  %7.3f  %7.3f  %8.2f  | %7.2f %s\n", frame, place.mVector[0], place.mVector[1],
                 heading, around, std::string(std::size_t(around / 12), '*').c_str());

@@ -65,6 +65,7 @@ int main() {
 
   {
     UXS::Mesh::Editor editor(mesh, false);
+    // Corners at one place become one vertex, so neighbouring sides now share their edges.
     editor.MergeTriangleVertices(kLegs);
     editor.MergeTriangleVertices(kTop);
   }

@@ -35,6 +35,7 @@ void lookFor(const char* url) {
 
 int main() {
   Log everybody("the default reporter");
+  // The second argument says: for all threads that have none of their own.
   const XStPushReporter fallback(&everybody, true);
   XCReporter::SetTraceInLog(true);
 

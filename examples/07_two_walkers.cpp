@@ -54,6 +54,7 @@ int main() {
     int shown[2];
     for (std::size_t i = 0; i < 2; ++i) {
       Instance& instance = scene.mInstances.mElements[i];
+      // Driving an instance places it and answers with the frame of its take to show.
       shown[i] = manager
                      ->ManageAnimatedObjectInstance(&scene, &instance, &scene.mDefinitions[0],
                                                     &scene.mProperties[i], frame, nullptr)

@@ -18,6 +18,7 @@ struct Key final : UxZel::IZelKeyFrame {
   int GetInterpolationType() const override { return UxZel::kInterpolationSinus; }
 };
 
+// The list is the host's own; the library asks it for one key at a time.
 struct KeyList final : UxZel::TZelObjectMgr<UxZel::IZelKeyFrame> {
   mutable std::vector<Key> mKeys;
 
@@ -31,6 +32,7 @@ struct KeyList final : UxZel::TZelObjectMgr<UxZel::IZelKeyFrame> {
 
 struct Property final : UxZel::IZelInterpolatedValue {
   KeyList mKeys;
+  // Never null, also for a property without a path.
   UxZel::CZelUUID mNoPath;
 
   unsigned int GetPropertyType() const override { return 0; }
