@@ -18,6 +18,8 @@ namespace {
 using Json = vexa::formats::JsonTree;
 using vexa::scene::ScenePlayer;
 
+// One page plays one scene, so its state is global. The results below stay here until the next
+// call, because JavaScript reads them from the module's memory.
 std::unique_ptr<ScenePlayer> player;
 std::unique_ptr<vexa::scene::ResultRecorder> recorder;
 std::string text;
@@ -25,6 +27,7 @@ std::vector<double> numbers;
 std::vector<float> uvs;
 std::vector<unsigned int> materials;
 
+// A C++ exception that reached JavaScript would be a bare number without a text.
 template <class Action>
 const char* guarded(Action action) {
   text.clear();
@@ -48,6 +51,7 @@ extern "C" {
 
 EMSCRIPTEN_KEEPALIVE const char* vexa_open(const char* file) {
   return guarded([file] {
+    // It borrows the player.
     recorder.reset();
     player.reset();
     player = std::make_unique<ScenePlayer>(vexa::scene::readSceneFile(file));
