@@ -80,8 +80,8 @@ struct XCFrameCollector::Blend {
 // The points around those that TransformPoint was asked for last, at one take and frame. Hosts ask
 // for many points of a frame, neighbours one after the other; a block of them is deformed at once.
 //
-// Invariant: the links are laid out while there is a pose. Whoever adds nodes, matrices or links
-// drops all this first.
+// Invariant: the links are laid out while there is a pose. Whoever adds nodes, matrices or links or
+// sets the global transformation drops all this first.
 struct XCFrameCollector::AskedPoints {
   // A palette is made when a frame was asked for as often as there are nodes, a block at the fourth
   // call for it in a row: calls in any other order do not wait for either.
@@ -105,7 +105,8 @@ struct XCFrameCollector::AskedPoints {
   void make(const XCFrameCollector& collector, std::size_t block) {
     const std::vector<Point>& rest = collector.restVertices();
     const std::size_t first = block * skinning::kBlock;
-    const std::size_t count = std::min<std::size_t>(skinning::kBlock, rest.size() - first);
+    const auto laidOut = std::size_t(collector.mLinks->block(block).mVertices);
+    const std::size_t count = std::min(laidOut, rest.size() - first);
     std::copy_n(rest.data() + first, count, mRest);
     std::fill_n(mLeft, skinning::kBlock, false);
     collector.deformBlock(block, *mPose, mMade, mLeft);
@@ -169,6 +170,7 @@ unsigned int XCFrameCollector::AddTransformation(const Matrix& matrix, unsigned 
 }
 
 void XCFrameCollector::SetGlobalTransformation(const Matrix& matrix) {
+  dropAskedPoints();
   mGlobalTransformation = matrix;
 }
 
