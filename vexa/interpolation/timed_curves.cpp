@@ -15,10 +15,11 @@ namespace Norvel::Vexa {
 
 namespace {
 
+// The cosine is taken as sin(x - pi/2): sin and cos of a system may round differently.
 constexpr double kPi = 3.141592653589793;
 constexpr double kMinusHalfPi = -1.5707963267948966;
 
-// The texts of a class's four faults.
+// The texts of a class's four faults. They are whole, so that a search for a text finds them.
 struct Texts {
   const char* interval;
   const char* startTime;
@@ -50,7 +51,17 @@ constexpr Texts kOneMinusSquareTexts = {
     "XTOneMinusSquareInterpolation::setEndTime - inEndTime inferior at start Time",
     "XTOneMinusSquareInterpolation::valueAt - inTime is out of range"};
 
-// A time strictly inside an interval.
+// A time strictly inside an interval, and the two fractions that the curves are made of.
+//
+//   1 |             q . - '        r  a straight line from 0 to 1
+//     |           . ' /            q  below r in the first half, above r in the second
+//     |         ./
+//     |      /.'                   Sinus            f = q
+//     |   / .                      Square           f = min(q, r), then r
+//   0 |/. -'                       OneMinusSquare   f = r, then max(q, r)
+//     +----------------
+//
+// r divides by the duration and q multiplies by its stored reciprocal. order: exact floats
 struct Instant {
   double start, end, inverseDuration, time;
 
@@ -63,7 +74,8 @@ struct Instant {
     return (std::sin(angle) + 1.0) * 0.5;  // order: exact floats
   }
 
-  // A duration. Required behaviour: it is compared with the time itself.
+  // A duration. Required behaviour: it is compared with the time itself. So the two parts of a
+  // curve meet in the middle only when the start is 0; elsewhere min and max decide.
   double halfDuration() const { return (end - start) * 0.5; }
 };
 
@@ -123,6 +135,9 @@ struct OneMinusSquareShape {
   }
 };
 
+// The line and the cosine curves repeat their setters: getCoeff comes between the getters and the
+// setters in the order of the line's virtual operations, so the two cannot share a base.
+
 template <class V, class W, class S>
 XTLinearInterpolation<V, W, S>::XTLinearInterpolation(double startTime, double endTime,
                                                       V startValue, V endValue)
@@ -132,6 +147,8 @@ XTLinearInterpolation<V, W, S>::XTLinearInterpolation(double startTime, double e
   calculateCoeff();
 }
 
+// The reciprocal is formed first and then converted to the component type: for integers it is 0,
+// except for a duration of at most 1.
 template <class V, class W, class S>
 void XTLinearInterpolation<V, W, S>::calculateCoeff() {
   const double inverseDuration = 1.0 / (this->mEndTime - this->mStartTime);
@@ -179,6 +196,8 @@ void XTLinearInterpolation<V, W, S>::setEndValue(V value) {
   calculateCoeff();
 }
 
+// The ends are returned as stored, because the formula need not round to them. A NaN is neither
+// inside nor outside and not the start, so it reaches the end value.
 template <class V, class W, class S>
 V XTLinearInterpolation<V, W, S>::valueAt(double time) const {
   const double start = this->mStartTime, end = this->mEndTime;
@@ -198,6 +217,7 @@ XTCosineInterpolation<Shape, V>::XTCosineInterpolation(double startTime, double 
   calculateCoeff();
 }
 
+// Kept ready for valueAt, which a host calls once per frame and setters change rarely.
 template <class Shape, class V>
 void XTCosineInterpolation<Shape, V>::calculateCoeff() {
   mInverseDuration = 1.0 / (this->mEndTime - this->mStartTime);
@@ -251,6 +271,8 @@ V XTCosineInterpolation<Shape, V>::valueAt(double time) const {
   return time == start ? mStartValue : mEndValue;
 }
 
+// The instances that exist. The base of each cosine curve is instantiated with it, because its
+// bodies are in this file alone. Only the line exists for Long.
 using UXS::uxs_color;
 using V3 = UXS::uxs_generic_vec3<float>;
 
@@ -296,6 +318,8 @@ template class XTOneMinusSquareInterpolation<uxs_color, uxs_color, float>;
 
 namespace {
 
+// The curve is a local object of a known type: its checks and its value are those of the class, and
+// the compiler calls valueAt directly.
 template <template <class, class, class> class Curve, class S, class V>
 V valueOf(double t0, double t1, const V& a, const V& b, double t) {
   return Curve<V, V, S>(t0, t1, a, b).valueAt(t);

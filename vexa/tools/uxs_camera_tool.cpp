@@ -14,6 +14,9 @@ float largestComponent(const V3& v) {
   return std::max({std::abs(v.x), std::abs(v.y), std::abs(v.z)});
 }
 
+// Whether the two points are equal but for rounding. The tolerance is one unit of rounding of the
+// largest coordinate, and never less than that of 1: far from the origin neighbouring floats are
+// further apart.
 bool coincide(const V3& position, const V3& target) {
   constexpr float kEpsilon = 1.1920929e-07f;
   const float largest = std::max(largestComponent(target), largestComponent(position));
@@ -26,6 +29,7 @@ bool coincide(const V3& position, const V3& target) {
 
 V3 uxs_camera_tool::get_upvector(const V3& position, const V3& target, float roll) {
   V3 direction = target - position;
+  // A direction that is only rounding would turn the camera at random.
   if (coincide(position, target)) direction.y = (target.y + 1) - position.y;
   V3 up, right;
   get_up_right_vectors(normalised(direction), roll, up, right);

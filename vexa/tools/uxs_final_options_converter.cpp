@@ -6,11 +6,13 @@ namespace UXS {
 
 namespace {
 
+// Custom is no preset of the tables: it means that the user chose the levels one by one.
 constexpr int kEngines = 3, kPresets = 3, kOptions = 5, kLevels = 6;
 constexpr int kRecordCount = kEngines * kPresets * kPresets;
 constexpr int kValueCount = kEngines * kOptions * kLevels;
 
-// Levels by engine, then ambiance, then settings.
+// Levels by engine, then ambiance, then settings; a record has the five options in order. A line is
+// an ambiance. The three engines have equal levels and differ in what the levels are worth.
 constexpr int _presets[kRecordCount][kOptions] = {
     {2, 2, 2, 2, 1}, {3, 2, 2, 3, 3}, {4, 4, 1, 4, 4},  //
     {1, 1, 1, 1, 1}, {2, 3, 2, 2, 3}, {3, 3, 1, 4, 4},  //
@@ -25,7 +27,8 @@ constexpr int _presets[kRecordCount][kOptions] = {
     {1, 3, 4, 2, 1}, {2, 4, 5, 3, 3}, {3, 5, 5, 4, 4},
 };
 
-// Values of the levels 1 to 6 by engine, then option. Flat: a reading may cross into other rows.
+// Values of the levels 1 to 6 by engine, then option. The table is flat because a level out of
+// range reads a neighbouring row. No row descends, which encode_option's search relies on.
 constexpr int _tables[kValueCount] = {
     1,  2,  3,  4,  5,   6,    //
     20, 22, 25, 30, 35,  40,   //
@@ -74,6 +77,7 @@ void uxs_final_options_converter::options_to_presets(const engine& e, const int*
   }
 }
 
+// The index is computed in 64 bits: a level is any int, and must not overflow before it is refused.
 void uxs_final_options_converter::decode_options(const engine& e, int* levels) const {
   for (int option = 0; option < kOptions; ++option) {
     const std::int64_t row = engineIndex(e) * kOptions + option;

@@ -24,20 +24,30 @@ bool isLeapYear(std::uint32_t year) {
   return year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
 }
 
+// The day of the year, from 1. Required behaviour: the sum goes from February to the date's own
+// month instead of from January to the month before it, and has the leap day from February on.
 double dayNumber(const uxs_heliodon_tool::date& d) {
   double days = d.day;
   if (d.month >= 2 && isLeapYear(d.year)) days += 1;
-  // Required behaviour: starts at February, index 1.
   for (std::uint32_t month = 1; month < std::min(d.month, 12u); ++month) {
     days += uxs_days_in_month[month];
   }
   return days;
 }
 
-// The angle of the earth on its orbit, counted from perihelion if the orbit were a circle.
+// The angle of the earth on its orbit, counted from perihelion if the orbit were a circle. The half
+// day leads to the noon of the day; a mean year has 365.25 days.
 double orbitAngle(double day) { return 2 * kPi * (day - 0.5) / 365.25 - kPerihelion; }
 
-// The angle that decides the sun's declination.
+// The angle that decides the sun's declination, counted from the winter solstice. It starts from
+// the angle g of a circular orbit and adds what the ellipse changes.
+//
+//         earth          u is the angle at the earth between the sun and the centre of the orbit,
+//          /|            by the law of cosines with the squares 22350.25 = 149.5^2 and
+//       r / | 149.5      6.25 = 2.5^2 and the double 299 = 2 * 149.5. acos loses its sign, which
+//        /  |            the half of the orbit gives back.
+//     sun - centre
+//       2.5
 double orbitLongitude(double g) {
   const double r = kSemiMajorAxis * (1 - kEccentricity * std::cos(g));
   double u = std::acos((r * r + 22350.25 - 6.25) / (299 * r));
@@ -45,7 +55,8 @@ double orbitLongitude(double g) {
   return kEccentricity * std::sin(g) + g + u + kPerihelion + kSolsticeOffset;
 }
 
-// What the clock is ahead of the sun, in hours.
+// What the clock is ahead of the sun, in hours. The tilt of the axis gives the first term, twice a
+// year and up to 9 min 5 s; the ellipse gives the second, once a year and up to 7 min 7 s.
 double equationOfTime(double g) {
   return -0.15138888888888888 * std::sin(2 * (g - 1.361356816555577)) +
          0.11861111111111111 * std::sin(g);
@@ -58,7 +69,8 @@ bool isSummertime(const uxs_heliodon_tool::date& d) {
   return flag != 0 && d.month >= 4 && d.month <= 10;
 }
 
-// 0 when the sun is highest, in radians.
+// 0 when the sun is highest, in radians. The longitude is in minutes of arc, and 360 degrees are 24
+// hours.
 double hourAngle(const uxs_heliodon_tool::place& p, const uxs_heliodon_tool::date& d, double g) {
   double hours = double(d.hour) + d.minute / 60.0 - equationOfTime(g);
   if (isSummertime(d)) hours -= 1;
@@ -67,12 +79,15 @@ double hourAngle(const uxs_heliodon_tool::place& p, const uxs_heliodon_tool::dat
   return 2 * kPi * dayFraction - kPi;
 }
 
+// Rounding can push the sine past 1, where asin is a NaN.
 double altitudeDegrees(double sine) {
   if (sine > 1) return 90;
   if (sine < -1) return -90;
   return std::asin(sine) * 180 / kPi;
 }
 
+// The arc tangent of y / x with its quadrant, turned by half a circle and brought into [0, 360).
+// Near x = 0 the quotient would overflow, so the sign of y decides there.
 double azimuthDegrees(double x, double y) {
   double azimuth;
   if (std::abs(x) < 1e-06) {
@@ -94,8 +109,12 @@ uxs_generic_vec3<float> uxs_heliodon_tool::get_sun_direction(const place& p, con
   const double omega = hourAngle(p, d, g);
   const double phi = p.latitude / 60.0 * kPi / 180;
   const double theta = std::acos(kSinObliquity * std::cos(orbitLongitude(g)));
+  // theta is the sun's angle from the south pole, k the tangent of the declination, negated. Adding
+  // and subtracting phi rounds, so it must stay.
   const double k = 1 / std::tan((theta - phi) + phi);
 
+  // Up to its length the sun is (sin omega, cos omega) in the plane of the equator and -k along the
+  // axis to the north. Turned by the latitude it is in the place's frame, z up.
   const double x = std::sin(omega);
   const double y = std::sin(phi) * std::cos(omega) + k * std::cos(phi);
   const double z = std::cos(phi) * std::cos(omega) - k * std::sin(phi);

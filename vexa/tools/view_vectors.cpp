@@ -10,7 +10,8 @@ namespace {
 
 using Consts = uxs_generic_vec3_consts<float>;
 
-// A rotation about the unit axis d with sine s and cosine k, row by row.
+// A rotation about the unit axis d with sine s and cosine k, row by row. It is grouped otherwise
+// than ux_matrix44::rot, and the last bits differ.
 struct Rotation {
   V3 rows[3];
 
@@ -28,6 +29,7 @@ struct Rotation {
 
 void get_up_right_vectors(const V3& dir, float roll, V3& up, V3& right) {
   const V3 d = normalised(dir);
+  // Near the vertical +Z has almost no part across the view; 0.98 is the cosine of 11.5 degrees.
   const bool vertical = std::abs(dot(d, Consts::UXS_Z_AXIS_UNIT)) >= 0.98f;
   right = normalised(cross(d, vertical ? Consts::UXS_Y_AXIS_UNIT : Consts::UXS_Z_AXIS_UNIT));
   up = normalised(cross(right, d));
@@ -38,6 +40,11 @@ void get_up_right_vectors(const V3& dir, float roll, V3& up, V3& right) {
   right = normalised(turn * right);
 }
 
+//            front d           Seen from above. Top looks along u with -d up, bottom along -u
+//               ^              with d up: their images continue the front's at its upper and
+//   left -r <-- o --> r right  lower edge.
+//               v
+//            back -d
 void get_panorama_vectors(const V3& dir, const V3* up, const uxs_panorama_face& face, V3& faceDir,
                           V3& faceUp, V3& faceRight) {
   if (face > panorama_bottom) return;
