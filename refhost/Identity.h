@@ -7,7 +7,7 @@
 
 namespace vexa::refhost {
 
-/// Where an index names nothing.
+/// An index that names nothing.
 inline constexpr std::size_t kNone = std::size_t(-1);
 
 /// The identity of a scene object.

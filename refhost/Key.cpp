@@ -4,6 +4,7 @@ namespace vexa::refhost {
 
 namespace {
 
+// All 24 bytes of the value are 0, whichever of them a type uses: values are compared byte by byte.
 Key emptyKey(int frame, unsigned int valueType, int curve) {
   Key key;
   key.mFrame = frame;

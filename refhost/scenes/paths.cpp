@@ -4,6 +4,7 @@
 
 namespace vexa::refhost::scenes {
 
+// Control points at a third of the length make position and parameter proportional.
 Path straightPath(double length) {
   Path path;
   path.mName = "straight path";
@@ -22,7 +23,8 @@ Path windingPath(int segments) {
 }
 
 Path circlePath(double radius) {
-  // The customary cubic quarter circle: control points at 4/3 (sqrt(2) - 1) of the radius.
+  // The customary cubic quarter circle: control points at 4/3 (sqrt(2) - 1) of the radius, which
+  // puts the middle of each curve on the circle, too. The first point comes once more at the end.
   const double r = radius, c = 0.5522847498307936 * radius;
   Path path;
   path.mName = "circle";
@@ -34,6 +36,8 @@ Path circlePath(double radius) {
   return path;
 }
 
+// Two keys of one value make the cart rest. The rest and the end keep the default linear curve, so
+// the first key alone shows what easing does.
 Scene ride(Path path) {
   Scene scene;
   path.mIdentity.mUUID = numberedUUID(1);

@@ -34,6 +34,7 @@ Scene lamp() {
 
 Scene calendar() {
   constexpr std::int64_t kDay = 86400;
+  // 19783 days after 1970. The three weeks include the equinox, and 210 frames are ten a day.
   constexpr std::int64_t kFirstOfMarch2024 = 19783 * kDay;
   Scene scene;
   scene.mProperties = {property("date", dateKey(0, kFirstOfMarch2024 + kDay / 2),
@@ -41,6 +42,7 @@ Scene calendar() {
   return scene;
 }
 
+// A value that is its key's number shows at once which keys were found.
 Property manyKeys(int count) {
   Property result;
   result.mName = "many keys";

@@ -10,8 +10,18 @@ namespace vexa::refhost::scenes {
 namespace {
 
 constexpr double kPi = 3.141592653589793;
+// Apart from the path, which has number 1.
 constexpr std::uint32_t kFirstInstance = 101;
 
+// Bit 0 of a corner's number chooses x, bit 1 y and bit 2 z. Two triangles make a face, each
+// counter-clockwise seen from outside.
+//
+//     6-----7       z
+//    /|    /|       |  y
+//   4-----5 |       | /
+//   | 2---|-3       |/
+//   |/    |/        +---- x
+//   0-----1
 void addBox(AnimatedObject& object, UxZel::CZelPoint low, UxZel::CZelPoint high,
             unsigned int material) {
   static const unsigned int kFaces[12][3] = {{0, 2, 3}, {0, 3, 1}, {4, 5, 7}, {4, 7, 6},
@@ -32,6 +42,7 @@ Definition walkerDefinition() {
   definition.mName = "walker";
   definition.mAnimatedObject = std::make_unique<AnimatedObject>();
   AnimatedObject& walker = *definition.mAnimatedObject;
+  // Body, left foot, right foot: the header numbers their vertices in this order.
   addBox(walker, {-0.15, -0.25, 0.8}, {0.15, 0.25, 1.5}, 0);
   addBox(walker, {-0.1, 0.1, 0}, {0.15, 0.2, 0.1}, 1);
   addBox(walker, {-0.1, -0.2, 0}, {0.15, -0.1, 0.1}, 2);
@@ -68,6 +79,8 @@ Property& addProperty(Scene& scene, const char* name, int instance, unsigned int
 
 }  // namespace
 
+// In the first half of the cycle the left foot swings one stride ahead, in the second the right
+// one. The foot that rests stays where it is, and the body moves on evenly above both.
 WalkerFrame walkerFrame(int frame) {
   const double t = double(frame) / (kWalkerFrames - 1);  // 0 to 1 in a cycle
   const bool leftSwings = t < 0.5;
@@ -100,7 +113,7 @@ Scene parade(int count) {
     instance.mState.mFrameOffset = 5 * i;
     Property& show = addProperty(scene, "show ", i, UxZel::kPropertyAnimatedFrame, kWalkerFrames);
     show.mCyclic = true;
-    show.mRepeatCount = 1000;
+    show.mRepeatCount = 1000;  // longer than any test or benchmark plays
   }
   return scene;
 }

@@ -10,6 +10,8 @@ using Norvel::Vexa::wrapSub;
 
 namespace UxZel {
 
+// Both compare bytes, not numbers: 0.0 and -0.0 differ, a NaN equals itself, and bytes that the
+// value type leaves unused count.
 bool CKeyFrameTool::AreKeyFrameDifferents(const IZelKeyFrame& a, const IZelKeyFrame& b) {
   return std::memcmp(a.GetValue(), b.GetValue(), sizeof(IZelKeyFrame::uValue)) != 0;
 }
@@ -22,6 +24,7 @@ bool CKeyFrameTool::AreValueDifferents(const IZelKeyFrame::uValue& a,
 void CKeyFrameTool::GetTime(const IZelKeyFrame::uValue& value, IZelTime* outTime) {
   Norvel::Vexa::CivilTime time;
   if (!Norvel::Vexa::civilTimeOf(value.mDate, time)) return;
+  // The order of these calls is fixed: a host sees them one by one.
   outTime->setDay(time.mDay);
   outTime->setHour(time.mHour);
   outTime->setMinute(time.mMinute);

@@ -10,7 +10,8 @@ namespace UxZel {
 
 namespace {
 
-// The angle about +Z that turns +Y towards (x, y); 0 for no direction at all.
+// The angle about +Z that turns +Y towards (x, y); 0 for no direction at all. A turn by the angle a
+// takes +Y to (-sin a, cos a), hence the arguments.
 double turnOfY(double x, double y) { return x == 0 && y == 0 ? 0 : std::atan2(-x, y); }
 
 double headingOf(const IZelObjectInstance& instance) {
@@ -35,6 +36,7 @@ Matrix CZelObjectInstanceTool::getObjectTransformToWorld(
     bool /*reserved1*/, bool /*plantGroup*/, bool /*lastOfChain*/) {
   const CZelPoint& position = *instance->GetPosition();
   double heading = headingOf(*instance);
+  // The viewer is compared with the position, which is in the parent's space.
   if (firstAnchor != nullptr && facesItsViewer(*instance)) {
     const Point3 viewer = parent.invert() * Point3(firstAnchor->x, firstAnchor->y, firstAnchor->z);
     const double x = viewer.x - position.x, y = viewer.y - position.y;
@@ -42,6 +44,7 @@ Matrix CZelObjectInstanceTool::getObjectTransformToWorld(
   }
   const double factor = double(scale);
   const double* factors = instance->GetScale();
+  // add_ multiplies from the left: scale first, then the turn, then the translation.
   Matrix placement;
   placement.scale(factors[0] * factor, factors[1] * factor, factors[2] * factor);
   placement.add_rot(0, 0, 1, heading);

@@ -58,6 +58,8 @@ Oru::TVector3D<float> XCAnimationMgr::TransformPoint(unsigned int vertex, unsign
 
 XCAnimationMgr::~XCAnimationMgr() = default;
 
+// Several identifiers may lead to one record, one per instance. The record itself stays: the host
+// may still hold its mesh.
 bool XCAnimationMgr::Forget(const UxZel::IZelAnimatedObject* object) {
   const auto known = mInstancesByAnimatedObject.find(object);
   if (known == mInstancesByAnimatedObject.end()) return false;

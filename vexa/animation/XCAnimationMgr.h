@@ -125,6 +125,8 @@ class VEXA_EXPORT XCAnimationMgr : public XIAnimationMgr {
                        const UxZel::IZelInterpolatedValue* value, int frame,
                        UxZel::CZelVector* outDirection) const;
 
+  // A record is in the first map once and in the second once per instance of its object. Both maps
+  // borrow: a record outlives the manager.
   std::map<const UxZel::IZelAnimatedObject*, sAnimatedInstanceData*> mInstancesByAnimatedObject;
   std::map<UxZel::CZelUUID, sAnimatedInstanceData*> mInstancesByUUID;
   const std::unique_ptr<PathCache> mPaths;

@@ -19,6 +19,8 @@ bool isPlantGroup(const UxZel::IZelObjectInstance& instance) {
   return std::strcmp(instance.GetClassName(), "3DPlantGroupInstances") == 0;
 }
 
+// What an instance encloses is scaled by one number, however uneven its own three factors are. A
+// mirrored axis (a factor below 0) does not shrink it.
 float meanScale(const UxZel::IZelObjectInstance& instance) {
   const double* s = instance.GetScale();
   return float((std::fabs(s[0]) + std::fabs(s[1]) + std::fabs(s[2])) / 3.0);
@@ -43,6 +45,11 @@ ux_matrix44<double> XCAnimationMgr::GetLocal2WorldMatrix(
   return spaceOf(mgr, instance).mToWorld;
 }
 
+//   world > grandparent > parent > instance       the chain is collected from the right
+//                                                 and multiplied from the left
+//
+// Each matrix needs the scale of the instances around it, so the walk outwards comes first. An
+// identifier that is in the chain already ends it: parents that form a ring would never end.
 XCAnimationMgr::Space XCAnimationMgr::spaceOf(UxZel::IZelMgr* mgr,
                                               const UxZel::IZelObjectInstance* instance) const {
   std::vector<const UxZel::IZelObjectInstance*> chain;  // from the instance outwards

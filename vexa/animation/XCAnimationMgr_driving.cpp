@@ -76,6 +76,8 @@ class Anchor {
     if (mIndex >= mVertices.size()) raise(operation, "bad anchor vertex");
   }
 
+  // Required behaviour: for kind 1 the vertex goes by its index, which gives (0, 0, 0); any other
+  // kind has no animation.
   Oru::TVector3D<float> at(int takeFrame) const {
     const auto frame = unsigned(takeFrame);
     if (mKind == 0) return mCollector.TransformPoint(&mVertices[mIndex], mTake, frame);
@@ -90,7 +92,15 @@ class Anchor {
   const std::vector<Oru::TVector3D<float>>& mVertices;
 };
 
-// What a take does to its anchor in the horizontal plane, object space.
+// What a take does to its anchor in the horizontal plane, object space. The frames between the two
+// ends do not count: a foot that swings out and back adds no way.
+//
+//    y |             end, at the take's last frame
+//      |          . '
+//      |      shown          mStride   from start to end
+//      |   . '               mPartial  from start to the frame shown, in a straight line
+//      |start
+//      +-------------- x
 struct Walk {
   Oru::TVector3D<float> mAnchor;           // at the frame shown
   float mPartial = 0, mStride = 0;         // way from frame 0 to the frame shown, and to the last
@@ -105,6 +115,7 @@ Walk walkOf(const Anchor& anchor, int takeFrame, int lastFrame) {
   const float sx = end.x - start.x, sy = end.y - start.y;
   walk.mPartial = std::sqrt(px * px + py * py);
   walk.mStride = std::sqrt(sx * sx + sy * sy);
+  // A take that stays in place has no direction: zero, not NaN.
   if (walk.mStride > 0) {
     walk.mDirectionX = sx / walk.mStride;
     walk.mDirectionY = sy / walk.mStride;
@@ -112,7 +123,8 @@ Walk walkOf(const Anchor& anchor, int takeFrame, int lastFrame) {
   return walk;
 }
 
-// The rotation about +Z that turns the direction of a walk to +Y.
+// The rotation about +Z that turns the direction of a walk to +Y. The direction of the path is
+// added to it later, as a turn of +Y (getHeading).
 double rotationOf(const Walk& walk) {
   constexpr double kHalfPi = 1.5707963705062866;  // pi/2 as a float
   // The square of a tiny stride loses digits: the quotient may pass 1.
@@ -120,7 +132,8 @@ double rotationOf(const Walk& walk) {
   return kHalfPi - double(walk.mDirectionY < 0 ? -a : a);
 }
 
-// The fraction of a path that a walk has covered.
+// The fraction of a path that a walk has covered: each whole cycle carries it one stride on. It
+// stays at the end of the path.
 float fractionOf(const Walk& walk, int cycles, float pathLength) {
   const float covered = walk.mPartial + walk.mStride * float(cycles);
   const double fraction = double(covered) / double(pathLength);
@@ -134,6 +147,7 @@ UxZel::CZelVector unitDirection(const Vector& v) {
   return {double(unit.x), double(unit.y), double(unit.z)};
 }
 
+// The height that the foot walks at: a take without an elevation of its own has its object's.
 double elevationOf(const UxZel::IZelTake& take, const UxZel::IZelZelObjectDefinition& definition) {
   const double elevation = take.GetElevation();
   if (elevation != 0) return elevation;
@@ -143,7 +157,10 @@ double elevationOf(const UxZel::IZelTake& take, const UxZel::IZelZelObjectDefini
 }
 
 // The position at which an instance of that heading has its anchor at `point`, in the parent's
-// space. `factor` is the scale that its parents give it.
+// space. `factor` is the scale that its parents give it. The anchor follows the path, and the
+// instance is placed relative to it:
+//
+//   point on the path = position + R(heading) S anchor
 UxZel::CZelPoint positionUnder(const UxZel::CZelPoint& point, const Oru::TVector3D<float>& anchor,
                                const double* scale, float factor, double heading) {
   const double x = double(anchor.x) * (scale[0] * double(factor));
@@ -154,6 +171,18 @@ UxZel::CZelPoint positionUnder(const UxZel::CZelPoint& point, const Oru::TVector
 
 }  // namespace
 
+// From a frame of the scene to a frame of the take:
+//
+//   first key            frame          second key
+//       |--- elapsed ------|                |
+//       |--------------- span --------------|
+//
+//   stretch   elapsed * speed / span      `speed` host frames pass between the two keys
+//   convert   * rate / scale              take frames per second over host frames per second
+//   wrap      0 .. count-1 | 0 .. count-1 | ...      outCycles counts the whole takes
+//
+// Each step truncates to an integer before the next. The host is asked in this order, and a fault
+// is raised only when its value is needed.
 uValue XCAnimationMgr::GetAnimatedObjectFrame(UxZel::IZelMgr* mgr,
                                               UxZel::IZelObjectInstance* instance,
                                               const UxZel::IZelZelObjectDefinition* definition,
@@ -183,6 +212,8 @@ uValue XCAnimationMgr::GetAnimatedObjectFrame(UxZel::IZelMgr* mgr,
   std::int64_t shown = divide(elapsed * rate, scale, "time scale is zero");
   if (addOffset) shown += divide(scale * state.GetFrameOffset(), rate, "frame rate is zero");
 
+  // In double: a take without frames gives infinity or NaN, which convert, where integers would
+  // trap.
   outCycles = truncToInt(double(shown) / double(count));
   if (shown < count) return frameValue(wrapToInt(shown));
   if (!wrapFreely && (!value->IsCyclic() || value->GetRepeatCount() < outCycles)) {
@@ -270,7 +301,8 @@ uValue XCAnimationMgr::walkAlongPath(UxZel::IZelMgr* mgr, UxZel::IZelObjectInsta
       {anchor.x, anchor.y, point.z}, walk.mAnchor, scale, parent ? parent->mScale : 1.0f,
       UxZel::CZelObjectInstanceTool::getHeading(rotation, direction));
 
-  // Everything is known: nothing can fail halfway any more.
+  // Everything is known, so that a fault leaves the instance as it was. The order of the calls is
+  // fixed, and SetStartOffset with the value just read is one of them.
   instance->SetRotation(rotation);
   instance->SetDirection(&direction);
   instance->SetPosition(&position);

@@ -30,6 +30,14 @@ struct Pass {
 };
 
 // Which pass of a cyclic value a frame falls into.
+//
+//   first       last
+//     |-- span ---|-----------|-----------|
+//       cycle 0         1           2          with 3 repeats
+//       square       linear      one minus     eased, unless the first key is linear or a date
+//                                 square
+//
+// Past the last repeat the frame stays as it is and the last key holds.
 Pass passOf(const UxZel::IZelInterpolatedValue& value, const Keys& keys, int frame) {
   const UxZel::IZelKeyFrame& firstKey = *keys.GetAt(0);
   const int first = firstKey.GetFrame(), last = keys.GetAt(keys.GetCount() - 1)->GetFrame();
@@ -62,6 +70,7 @@ int frameAtRate(const UxZel::IZelMgr& mgr, const UxZel::IZelInterpolatedValue& v
   const UxZel::IZelSettings& settings = settingsOf(&mgr, kOperation);
   const double scale = settings.GetTimeScale();
   const double seconds = double(elapsed) / settings.GetTimeScale();
+  // rate * elapsed / span, by way of milliseconds, whose rounding is part of the result
   const double x = scale * (*rate / 1000.0) * (seconds * 1000.0) /
                    double(frameDifference(end, start));  // order: exact floats
   const int n = truncToInt(x);
@@ -90,7 +99,7 @@ uValue positionAt(PathCache& paths, const UxZel::IZelMgr& mgr,
   return position;
 }
 
-// Keys whose frames are read before they are compared.
+// Keys whose frames are read before they are compared: one kilobyte of the stack.
 constexpr int kKeysAtOnce = 256;
 
 // The keys around a frame, of those visited so far.
@@ -174,6 +183,7 @@ uValue XCAnimationMgr::InterpolateValue(UxZel::IZelMgr* mgr,
     if (keys.GetCount() < 1) raise(kOperation, "list of keyframes is empty");
     if (frame < 0) raise(kOperation, "given frame number is negative");
     const Pass pass = value->IsCyclic() ? passOf(*value, keys, frame) : Pass{frame};
+    // -1 on either side: every key is at frame -1, which counts as absent.
     int min = -1, max = -1;
     GetKeyFrameRange(pass.mFrame, min, max, &keys);
     if (min < 0) raise(kOperation, "bad min index");

@@ -67,6 +67,7 @@ void addTriangle(UXS::Mesh::Editor& editor, const UxZel::IZelPolygon& polygon, i
                              {{c[0].mU, c[0].mV}, {c[1].mU, c[1].mV}, {c[2].mU, c[2].mV}});
 }
 
+// The points come first: a corner is checked against their number.
 void fill(UXS::Mesh::Editor& editor, const UxZel::TZelObjectMgr<UxZel::CZelPoint>& points,
           const UxZel::TZelObjectMgr<UxZel::IZelPolygon>& polygons) {
   unsigned int pointCount = 0;
@@ -109,6 +110,8 @@ void XCAnimationMgr::RegisterAnimatedObject(UxZel::IZelObjectInstance* instance,
     mInstancesByUUID.emplace(id, known->second);
     return;
   }
+  // The kind is asked before the file is looked for and judged after the mesh is built: a fault in
+  // the points and polygons is raised for an object of any kind.
   const int kind = object->GetAnimationKind();
   CChemin path = pathOf(animationFile);
   if (!locate(path, fallbackDirectory)) return;
@@ -119,11 +122,13 @@ void XCAnimationMgr::RegisterAnimatedObject(UxZel::IZelObjectInstance* instance,
 
   auto record = std::make_unique<sAnimatedInstanceData>();
   *record = {object, collector.get(), mesh.get()};
-  // Linking nodes that are already built can not fail halfway.
+  // All memory is taken once both nodes exist. Linking them cannot fail, so the two maps never
+  // disagree.
   decltype(mInstancesByAnimatedObject) byObject{{object, record.get()}};
   decltype(mInstancesByUUID) byUUID{{id, record.get()}};
   mInstancesByAnimatedObject.merge(byObject);
   mInstancesByUUID.merge(byUUID);
+  // Required behaviour: the record, its mesh and its frames outlive the manager.
   if (__lsan_ignore_object != nullptr) __lsan_ignore_object(record.get());
   record.release();
   collector.release();

@@ -13,7 +13,8 @@ namespace {
 
 constexpr std::int64_t kSecondsPerDay = 86400;
 
-// A fresh time, set from a date where that has one.
+// A fresh time, set from a date. A date whose year is out of range sets nothing, so it counts as
+// the time of a fresh object.
 XCTimeImpl timeOf(std::int64_t seconds) {
   UxZel::IZelKeyFrame::uValue value{};
   value.mDate = seconds;
@@ -91,6 +92,7 @@ double XCDateInterpolation::valueAt(double time) const {
   const double date = progress.between(midnightOf(start), midnightOf(end));
   const double clock = progress.between(timeOfDay(low), timeOfDay(high));
   const std::int64_t midnight = midnightOf(truncToLong(date));
+  // Both are rounded to float before they are added. order: exact floats
   const float sum = float(midnight) + float(clock);
   return double(sum);
 }

@@ -58,8 +58,7 @@ class VEXA_EXPORT XIAnimationMgr {
   ///   frame numbers (kind 140)     one integer; `rate` is the number of frames of the object's own
   ///                                animation, which plays once from the first key to the second;
   ///                                0 without `rate` and up to the first key
-  ///   any other kind               the value between the two keys around the frame, by
-  ///   uxInterpolate
+  ///   any other kind               the value between the two keys around the frame (uxInterpolate)
   ///
   /// Keys may come in any order; those at frame -1 count as absent. Outside of the keys the nearest
   /// one holds. A cyclic value folds the frame into the span from its first to its last key, by

@@ -14,7 +14,13 @@ constexpr std::int64_t floorDivide(std::int64_t a, std::int64_t b) {
   return a / b - (a % b < 0 ? 1 : 0);
 }
 
-// Days from 1970 to the first of a month of 0 to 11.
+// Days from 1970 to the first of a month of 0 to 11. From March on, the lengths of the months
+// repeat every five months, which together have 153 days:
+//
+//   Mar Apr May Jun Jul | Aug Sep Oct Nov Dec | Jan Feb
+//    31  30  31  30  31 |  31  30  31  30  31 |  31
+//
+// so (153 m + 2) / 5 is the number of days before month m, counted from March.
 std::int64_t daysToMonth(std::int64_t year, std::int64_t month) {
   const std::int64_t march = (month + 10) % 12;  // months since March
   const std::int64_t y = month < 2 ? year - 1 : year;
@@ -30,6 +36,8 @@ bool civilTimeOf(std::int64_t seconds, CivilTime& outTime) {
   const std::int64_t rest = seconds - days * kSecondsPerDay;
   const std::int64_t shifted = days + kEpoch;
   const std::int64_t era = floorDivide(shifted, kDaysPerEra), day = shifted - era * kDaysPerEra;
+  // Without its leap days every year has 365 days: one is taken out after each 4 years (1460 days),
+  // put back after each 100 (36524) and taken out on the last day of the 400.
   const std::int64_t yearOfEra = (day - day / 1460 + day / 36524 - day / 146096) / 365;
   const std::int64_t dayOfYear = day - (365 * yearOfEra + yearOfEra / 4 - yearOfEra / 100);
   const std::int64_t march = (5 * dayOfYear + 2) / 153;
@@ -52,6 +60,7 @@ std::int64_t secondsOf(const CivilTime& time) {
   const std::int64_t seconds =
       days * kSecondsPerDay + std::int64_t{time.mHour} * 3600 + std::int64_t{time.mMinute} * 60;
   CivilTime result;
+  // As mktime does: a moment that has no fields is -1.
   return civilTimeOf(seconds, result) ? seconds : -1;
 }
 

@@ -33,6 +33,7 @@ UXS::uxs_color unpackColor(const uValue& value) {
           float(c[3]) * kByteToUnit};
 }
 
+// Truncated, not rounded; of a number past 255 the low 8 bits.
 unsigned char colorByte(float unit) {
   return static_cast<unsigned char>(truncToInt(double(unit * 255.0f)));
 }
@@ -95,6 +96,7 @@ uValue dateOfShortSeconds(std::int32_t seconds) {
   return value;
 }
 
+// Frames from 2^24 on lose their last bits here.
 double throughFloat(int frame) { return double(float(frame)); }
 
 }  // namespace
@@ -107,6 +109,7 @@ void Lerp(IZelKeyFrame* first, IZelKeyFrame* second, int frame, uValue& out) {
         out.mInteger = wrapToInt(Lerp(s.mStart, s.mEnd, a, b, s.mTime));
         return;
       }
+      // The second key counts from its own frame on, which is the end of this segment.
       case UxZel::kValueStep:
         out.mStep = (s.mEnd <= s.mTime ? s.b() : s.a()).mStep;
         return;
@@ -157,7 +160,8 @@ void Daterp(IZelKeyFrame* first, IZelKeyFrame* second, int frame, uValue& out) {
   }
 }
 
-// The unwinding of a cancelled thread comes as a reference to nothing, which is not to be checked.
+// The text of the curve is replaced: hosts know the one text. Thread cancellation is caught through
+// a null reference; the undefined-behaviour sanitizer must not stop on it.
 __attribute__((no_sanitize("null"))) void uxInterpolate(IZelKeyFrame* first, IZelKeyFrame* second,
                                                         int frame, uValue& out, int forcedType) {
   const int curve = forcedType >= 0 ? forcedType : first->GetInterpolationType();

@@ -10,6 +10,7 @@ ux_matrix44<double> Zel2UxWorks(const UxZel::CZelMatrix& matrix) {
   return result;
 }
 
+// Required behaviour: transposes on the way back alone.
 UxZel::CZelMatrix UxWorks2Zel(const ux_matrix44<double>& matrix) {
   UxZel::CZelMatrix result;
   for (int r = 0; r < 4; ++r) {

@@ -25,6 +25,8 @@ unsigned int hexDigit(char character) {
   return 65;
 }
 
+// Replaces each '%' and two characters by the byte that they name. One with fewer
+// than two characters after it stays. The mask keeps what a bad digit leaves of the byte.
 std::string decoded(std::string_view text) {
   std::string path;
   path.reserve(text.size());
@@ -39,6 +41,8 @@ std::string decoded(std::string_view text) {
   return path;
 }
 
+// Encodes what would end the path ('?'), what starts an encoded byte ('%') and the space. Other
+// bytes stay, so that a path without these three reads the same as a URL.
 std::string encoded(const std::string& path) {
   std::string text;
   for (const char character : path) {
@@ -59,7 +63,12 @@ std::string encoded(const std::string& path) {
   return text;
 }
 
-// The path on this system that a URL from another system or volume means.
+// The path on this system that a URL from another system or volume means. An existing file wins, so
+// a URL of this system is never changed. The tries in order:
+//
+//   /name/rest     as it is
+//   /Volumes/name/rest
+//   /rest          without the first component, which may be a volume's name
 std::string repaired(std::string path) {
   if (path.empty() || exists(path)) return path;
   std::string onVolume = "/Volumes" + path;
@@ -69,6 +78,7 @@ std::string repaired(std::string path) {
   return path.substr(second);
 }
 
+// name=value pieces between '&'. Of two with one name the first counts.
 std::map<std::string, std::string> parametersOf(std::string_view query) {
   std::map<std::string, std::string> parameters;
   while (!query.empty()) {
@@ -85,6 +95,7 @@ std::map<std::string, std::string> parametersOf(std::string_view query) {
   return parameters;
 }
 
+// toupper takes values of unsigned char; a negative char is undefined behaviour.
 char upper(char character) { return char(std::toupper(static_cast<unsigned char>(character))); }
 
 std::size_t lastSlash(const std::string& path) {
@@ -103,6 +114,8 @@ CChemin::CChemin(const char* path) : mPath(orEmpty(path)) {}
 
 CChemin::CChemin(ETypeChemin /*type*/, const char* url) { PrendsURL(url); }
 
+// Everything that can fail comes before the first assignment, so that a bad URL changes nothing.
+// The last '?' starts the query: a path may hold others.
 void CChemin::PrendsURL(const char* url) {
   std::string_view text = orEmpty(url);
   if (text.substr(0, kScheme.size()) != kScheme) throw std::invalid_argument("URL invalid");
@@ -129,6 +142,7 @@ std::string CChemin::DonneNomURL() const {
   return url.substr(url.rfind('/') + 1);  // npos + 1 is 0: the whole
 }
 
+// The length in one byte, then the bytes without an end: hence the limit of 255.
 void CChemin::CheminMac(unsigned char* out) const {
   if (mPath.size() >= 256) throw std::runtime_error("Path too long");
   *out = static_cast<unsigned char>(mPath.size());
@@ -182,7 +196,7 @@ CChemin CChemin::Ajoute(const char* name) const {
 }
 
 CChemin CChemin::Courant() {
-  char path[1024];
+  char path[1024];  // getcwd gives null for a longer path, which reads as ""
   return CChemin(getcwd(path, sizeof(path)));
 }
 

@@ -29,6 +29,7 @@ int makeDirectory(std::string path) {
              : -1;
 }
 
+// Whole seconds, as not every file system stores more. 0 for a file that is not there.
 time_t modificationSecond(const std::string& path) {
   struct stat status;
   return stat(systemPath(path), &status) == 0 ? status.st_mtim.tv_sec : 0;
@@ -68,6 +69,7 @@ std::FILE* CChemin::OpenFile(const char* mode, std::string* error) const {
 }
 
 std::FILE* CChemin::OpenRegularFile(std::string* error) const {
+  // The stream takes over the descriptor; without a stream the handle closes it.
   struct stat status;
   FileHandle handle = Norvel::openRegularFile(AT_FDCWD, systemPath(mPath), 0, status);
   std::FILE* const file = handle.isOpen() ? fdopen(handle.get(), "rb") : nullptr;
@@ -139,7 +141,7 @@ bool CChemin::ResolveSymbolicLink(std::string* error) {
 bool CChemin::ResolveSymbolicLink(const std::string& path, std::string& resolved,
                                   std::string* error) {
   return withoutThrowing(false, error, [&] {
-    char text[512];
+    char text[512];  // readlink cuts without an error: a full buffer may be a part of the link
     const ssize_t size = readlink(systemPath(path), text, sizeof(text));
     const bool isWhole = size >= 0 && size < ssize_t{sizeof(text)};
     if (!isWhole) {
@@ -148,6 +150,7 @@ bool CChemin::ResolveSymbolicLink(const std::string& path, std::string& resolved
       resolved = path;
       return false;
     }
+    // A relative link starts from the folder that it is in, not from the current one.
     const std::string link(text, std::size_t(size));
     const bool isAbsolute = link.compare(0, 1, "/") == 0;
     resolved = (isAbsolute ? "" : path.substr(0, path.rfind('/') + 1)) + link;

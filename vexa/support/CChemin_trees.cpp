@@ -15,6 +15,8 @@ namespace {
 
 constexpr unsigned int kFailed = unsigned(-1);
 constexpr std::size_t kLongestPath = 1023;
+// The calls below name entries relative to an open directory, so that nobody can replace a
+// directory on the way by a link between two calls.
 constexpr int kOpenDirectory = O_RDONLY | O_DIRECTORY | O_CLOEXEC;
 
 // Failures of single entries: the walk goes on, and the text of the first one is reported.
@@ -62,6 +64,7 @@ bool listNames(int folder, std::vector<std::string>& names) {
     DIR* listing;
     ~Closing() { closedir(listing); }
   } closing{listing};
+  // readdir returns null at the end and on failure; errno alone tells them apart.
   errno = 0;
   while (const dirent* const entry = readdir(listing)) {
     const std::string_view name = entry->d_name;
@@ -80,6 +83,7 @@ bool listNames(int folder, std::vector<std::string>& names) {
 template <class Enter, class Visit>
 std::vector<std::string> walk(int root, const std::string& path, Faults& faults, Enter enter,
                               Visit visit) {
+  // The list grows while it is walked: element i may add elements after it.
   std::vector<std::string> folders = {""};
   for (std::size_t i = 0; i < folders.size(); ++i) {
     const std::string relative = folders[i];
@@ -111,6 +115,8 @@ bool removeBelow(int root, const std::string& relative) {
          unlinkat(parent.get(), relative.c_str() + (slash + 1), AT_REMOVEDIR) == 0;
 }
 
+// A target inside the source is met on the way: it is skipped, or the copy would copy itself
+// without end. Links, pipes and devices are left out.
 unsigned int copyTree(int from, const std::string& path, int to, Faults& faults) {
   struct stat target;
   struct stat source;
@@ -136,6 +142,8 @@ unsigned int copyTree(int from, const std::string& path, int to, Faults& faults)
   return faults.result();
 }
 
+// Removes the files on the way down and the directories from the last of the list upwards: each is
+// listed before those it holds, so backwards they are empty when their turn comes.
 unsigned int emptyTree(int root, const std::string& path, Faults& faults) {
   const auto enter = [](const std::string& /*relative*/) { return true; };
   const auto visit = [&](int folder, const char* name, const struct stat& entry) {

@@ -5,6 +5,8 @@
 
 namespace Norvel {
 
+// No destructor is given with the key: the values are borrowed, and none is freed at a thread's
+// end.
 CBaseThreadData::CBaseThreadData() {
   UxThrow::IfFalse(pthread_key_create(&mKey, nullptr) == 0,
                    "CBaseThreadData::CBaseThreadData - Can't get thread data");

@@ -25,7 +25,7 @@ class VEXA_EXPORT CBaseThreadData {
   void SetValue(const void* value);
 
  private:
-  pthread_key_t mKey = static_cast<pthread_key_t>(-1);
+  pthread_key_t mKey = pthread_key_t(-1);
 };
 
 /// A value of type T per thread: a plain value no larger than a pointer, all zero until set.

@@ -14,6 +14,8 @@ const char* orException(const char* message) { return message != nullptr ? messa
 
 void Signal(const char* message) { throw std::runtime_error(orException(message)); }
 
+// Formats twice: the message with its arguments, then the frame with the message. A text that is
+// longer than the buffers is cut.
 void Signal(const char* frame, const char* format, va_list args) {
   char text[1024];
   formatInto(text, format, args);
@@ -70,6 +72,7 @@ void IfNULL(const void* pointer, const char* format, ...) {
   SignalNULL(format, args);
 }
 
+// Required behaviour: does nothing.
 void IfHeapCorrupted(const char* /*message*/) {}
 
 }  // namespace Norvel::UxThrow

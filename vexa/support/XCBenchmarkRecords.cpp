@@ -8,6 +8,7 @@ std::map<std::string, XCBenchmarkRecords::sBenchmark*>* XCBenchmarkRecords::mSyn
 
 XCBenchmarkRecords::sBenchmark& XCBenchmarkRecords::make(const std::string& name) {
   if (sBenchmark* const known = find(name)) return *known;
+  // The map takes the raw pointer only once the node exists, so nothing leaks when memory runs out.
   auto record = std::make_unique<sBenchmark>();
   records().emplace(name, record.get());
   return *record.release();

@@ -21,6 +21,8 @@ void print(XIReporter::EMsgType type, const char* text) {
   std::printf("XCReporter: %s(\"%s\")\n", MsgTypeName[type], text);
 }
 
+// N bounds the text, which is cut. The buffer is on the stack: a report about a lack of memory must
+// not need any.
 template <std::size_t N>
 __attribute__((format(printf, 2, 0))) void sendFormatted(XIReporter::EMsgType type,
                                                          const char* format, va_list args) {
@@ -117,6 +119,7 @@ void XCReporter::MemoryInLog(const char* format, ...) {
   va_end(args);
 }
 
+// The three switches report their change even when it switches the message off.
 void XCReporter::SetTraceInLog(bool enabled) {
   mTraceInLogEnabled = enabled;
   SendMsg2Reporter(XIReporter::kMsgTrace,
@@ -149,6 +152,8 @@ void XCReporter::StartBenchmark(const char* name, const char* label) {
   if (*orEmpty(label) != '\0') record.labels.emplace_back(label);
 }
 
+// A running timing holds its start time. Stopping turns that into a duration in place, so a second
+// stop without a start subtracts the duration from the time of day.
 void XCReporter::StopBenchmark(const char* name) {
   XCBenchmarkRecords::sBenchmark* const record = XCBenchmarkRecords::find(orEmpty(name));
   if (record == nullptr || record->times.empty()) return;
@@ -169,6 +174,7 @@ void XCReporter::FlushBenchmark(const char* name, bool erase) {
   }
 }
 
+// The key is null when the process had none left, and after the library has gone.
 XIReporter* XCReporter::currentReporter() {
   XIReporter* const own = tdReporter != nullptr ? tdReporter->GetValue() : nullptr;
   return own != nullptr ? own : defaultReporter;

@@ -4,6 +4,8 @@
 
 namespace Norvel {
 
+// The previous reporters are kept in the object, so that nested objects restore them in reverse
+// order.
 XStPushReporter::XStPushReporter(XIReporter* reporter, bool alsoDefault)
     : mAlsoDefault(alsoDefault) {
   if (XCReporter::tdReporter != nullptr) {

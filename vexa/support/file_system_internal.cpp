@@ -43,7 +43,8 @@ bool randomName(std::array<char, 48>& outName) {
   return true;
 }
 
-// A new file in an open directory, under a random name until it is complete.
+// A new file in an open directory, under a random name until it is complete: whoever opens the
+// target sees the old file or the whole new one. The destructor removes what was not renamed.
 class TemporaryFile {
  public:
   explicit TemporaryFile(int folder) : mFolder(folder) {
@@ -78,6 +79,8 @@ class TemporaryFile {
   bool mIsThere = false;
 };
 
+// A write may take a part of the data or be interrupted by a signal. One that takes nothing would
+// repeat for ever, so it is an error.
 bool writeAll(int to, const char* data, std::size_t size) {
   while (size > 0) {
     const ssize_t count = write(to, data, size);
@@ -101,8 +104,8 @@ bool copyData(int from, int to) {
 
 #if defined(__linux__)
 
-constexpr std::size_t kLargestAttribute = 1
-                                          << 16;  // the kernel's limit, also for the list of names
+// The kernel's limit for one value, and for the list of names.
+constexpr std::size_t kLargestAttribute = 1 << 16;
 
 bool copyAttribute(int from, int to, const char* name) {
   std::vector<char> value(kLargestAttribute);
@@ -129,6 +132,7 @@ bool copyAttributes(int /*from*/, int /*to*/) { return true; }
 
 #endif
 
+// Last of all, because writing the data and the attributes changes the times.
 bool setTimesAndMode(int to, const struct stat& source) {
   const timespec times[2] = {source.st_atim, source.st_mtim};
   return doneOrNotPossible(futimens(to, times)) && doneOrNotPossible(fchmod(to, 0777));
@@ -137,6 +141,7 @@ bool setTimesAndMode(int to, const struct stat& source) {
 // Whether a copy of `source` may replace the entry `name`.
 bool mayReplace(int folder, const char* name, const struct stat& source) {
   struct stat target;
+  // Where nothing is, a copy may go, except under the empty name.
   if (fstatat(folder, name, &target, AT_SYMLINK_NOFOLLOW) != 0) {
     return errno == ENOENT && *name != '\0';
   }
@@ -168,6 +173,7 @@ FileHandle openFolderOf(const std::string& path) {
 }
 
 bool makeDirectory(int parent, const char* name) {
+  // Closed to others until it is known to be ours.
   if (mkdirat(parent, name, 0700) != 0) return false;
   // By its own descriptor: in a shared folder another user may have put something else at the name.
   const FileHandle made(openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
@@ -181,6 +187,8 @@ FileHandle openRegularFile(int folder, const char* name, int flags, struct stat&
   // Looked at first, because already opening a pipe or a device has effects.
   const int look = (flags & O_NOFOLLOW) != 0 ? AT_SYMLINK_NOFOLLOW : 0;
   if (fstatat(folder, name, &status, look) != 0 || !isRegular(status)) return FileHandle();
+  // The entry may have been replaced since: O_NONBLOCK keeps the opening of a pipe from waiting,
+  // and the open file is judged once more.
   FileHandle file(openat(folder, name, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC | flags));
   if (!file.isOpen() || fstat(file.get(), &status) != 0 || !isRegular(status)) return FileHandle();
   return file;
