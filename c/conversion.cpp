@@ -20,6 +20,7 @@ refhost::Take takeOf(const vexa_take& take) {
   return result;
 }
 
+// A wrong index is found here, before the scene has changed.
 refhost::Polygon polygonOf(const vexa_object& object, std::size_t triangle) {
   refhost::Polygon polygon;
   if (object.materials != nullptr) polygon.mMaterialIndex = object.materials[triangle];
@@ -55,6 +56,8 @@ void requireFinite(const float* numbers, std::size_t count, const char* what) {
   }
 }
 
+// A triangle has three indices and a point three numbers, and all of them are counted in int
+// further on: hence the third of the largest int.
 void requireArray(const void* array, std::size_t count, const char* what) {
   if (array == nullptr && count > 0) refuse(std::string(what) + " is null");
   constexpr std::size_t kMost = std::numeric_limits<std::int32_t>::max() / 3;
@@ -74,6 +77,7 @@ refhost::BezierPoint pointOf(const vexa_path_point& point) {
 
 refhost::Key keyOf(const vexa_key& key) {
   require(key.frame >= -1, "frame of a key is less than -1");
+  // Only the members that the type names are read: the others may hold anything.
   if (key.type == VEXA_VECTOR) requireFinite(key.value.vector, 3, "vector of a key");
   if (key.type == VEXA_REAL) requireFinite(&key.value.real, 1, "real of a key");
   refhost::Key result;
@@ -86,6 +90,7 @@ refhost::Key keyOf(const vexa_key& key) {
 }
 
 refhost::Definition definitionOf(const vexa_object& object) {
+  // Everything is checked before anything is built. Counts come before the arrays that they bound.
   requireArray(object.points, object.point_count, "points of an object");
   requireArray(object.triangles, object.triangle_count, "triangles of an object");
   requireArray(object.takes, object.take_count, "takes of an object");
@@ -96,6 +101,7 @@ refhost::Definition definitionOf(const vexa_object& object) {
   refhost::Definition result;
   result.mName = textOf(object.name, "name of an object");
   result.mSizes.mElevation = object.elevation;
+  // On the heap: the library knows an object by its address, and definitions move in their list.
   result.mAnimatedObject = std::make_unique<refhost::AnimatedObject>();
   refhost::AnimatedObject& animated = *result.mAnimatedObject;
   animated.mAnimationFile = textOf(object.animation_file, "animation_file of an object");
@@ -126,6 +132,7 @@ refhost::Instance instanceOf(const vexa_instance& instance) {
   return result;
 }
 
+// Meshes are handed out without a copy: the vectors' own memory is read as plain numbers.
 static_assert(sizeof(Oru::TVector3D<float>) == 3 * sizeof(float), "x, y, z and nothing else");
 static_assert(sizeof(Oru::TVector3D<unsigned int>) == 3 * sizeof(std::uint32_t), "likewise");
 

@@ -5,7 +5,8 @@
 namespace vexa::c {
 namespace {
 
-// A fixed size, so that "out of memory" needs none.
+// A fixed size, so that "out of memory" needs none; a longer text is cut. One per thread, because
+// two threads may fail at the same time. A call that succeeds leaves the text of the last failure.
 thread_local char lastText[2048] = "";
 
 }  // namespace

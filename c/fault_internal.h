@@ -7,7 +7,7 @@
 
 #include "c/vexa_c.h"
 
-/// How a fault becomes a status and a text.
+// How a fault becomes a status and a text.
 namespace vexa::c {
 
 struct Fault : std::runtime_error {
@@ -21,11 +21,17 @@ inline void require(bool holds, const char* text) {
   if (!holds) refuse(text);
 }
 
-/// Keeps the text for vexa_error and returns the status. Allocates nothing.
+// Keeps the text for vexa_error and returns the status. Allocates nothing.
 vexa_status keepFault(vexa_status status, const char* text);
 
-/// Runs the body of a function of the interface. Exceptions that are not ours come from files and
-/// scenes. Only the unwinding of a cancelled thread goes on: stopping it would end the process.
+// Runs the body of a function of the interface and turns an exception into a status, by its type:
+//
+//   Fault               its own status: the interface found the fault itself
+//   bad_alloc           VEXA_NO_MEMORY, and length_error, which a vector throws before it asks
+//   runtime_error       VEXA_BAD_INPUT: the library throws it for files and scenes
+//   anything else       VEXA_INTERNAL
+//
+// Only the unwinding of a cancelled thread goes on: stopping it would end the process.
 template <class Body>
 vexa_status guarded(Body body) {
   try {

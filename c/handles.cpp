@@ -7,13 +7,15 @@
 namespace vexa::c {
 namespace {
 
+// Every living handle of the process. The mutex is held for a lookup only, never during a call, so
+// that a host's function may call the interface again.
 struct Registry {
   std::mutex mMutex;
   std::unordered_map<std::uintptr_t, std::shared_ptr<Object>> mObjects;
   std::uintptr_t mNext = 1;
 };
 
-/// Never destroyed: a host may end its handles while the process ends.
+// Never destroyed: a host may end its handles while the process ends.
 Registry& registry() {
   static Registry& instance = *new Registry;
   return instance;
@@ -26,6 +28,7 @@ std::uintptr_t numberOf(const void* handle) { return reinterpret_cast<std::uintp
 void* addHandle(std::shared_ptr<Object> object) {
   Registry& all = registry();
   const std::lock_guard<std::mutex> lock(all.mMutex);
+  // If the table has no memory, the number is free for the next object.
   const std::uintptr_t number = all.mNext;
   all.mObjects.emplace(number, std::move(object));
   all.mNext += 2;  // odd, so that no address of an object looks like a handle
@@ -33,6 +36,7 @@ void* addHandle(std::shared_ptr<Object> object) {
   return reinterpret_cast<void*>(number);
 }
 
+// Shared: another thread may end the handle while a call uses the object.
 std::shared_ptr<Object> findHandle(const void* handle) {
   Registry& all = registry();
   const std::lock_guard<std::mutex> lock(all.mMutex);

@@ -7,28 +7,28 @@
 
 #include "c/fault_internal.h"
 
-/// Handles are numbers that are looked up, never addresses that are followed: a stale one is found
-/// out, whatever has become of its memory.
+// Handles are numbers that are looked up, never addresses that are followed: a stale one is found
+// out, whatever has become of its memory.
 namespace vexa::c {
 
-/// What a handle stands for.
+// What a handle stands for.
 class Object {
  public:
   virtual ~Object() = default;
   std::atomic_flag mBusy = ATOMIC_FLAG_INIT;
 };
 
-/// Makes an object known. Numbers are never used twice.
+// Makes an object known. Numbers are never used twice.
 void* addHandle(std::shared_ptr<Object> object);
-/// Null for a number that stands for nothing.
+// Null for a number that stands for nothing.
 std::shared_ptr<Object> findHandle(const void* handle);
 void endHandle(const void* handle);
 
-/// The object behind a handle, kept from other calls while this lives.
+// The object behind a handle, kept from other calls while this lives.
 template <class T>
 class Use {
  public:
-  /// Throws Fault: no such handle, one of another kind, or one that another call uses.
+  // Throws Fault: no such handle, one of another kind, or one that another call uses.
   explicit Use(const void* handle) : mObject(std::dynamic_pointer_cast<T>(findHandle(handle))) {
     if (mObject == nullptr) {
       throw Fault(VEXA_BAD_HANDLE, std::string("the handle is not a living ") + T::kKind);
@@ -48,7 +48,7 @@ class Use {
   std::shared_ptr<T> mObject;
 };
 
-/// Creates an object and stores its handle.
+// Creates an object and stores its handle.
 template <class T, class Handle, class... Arguments>
 void create(Handle* outHandle, Arguments&&... arguments) {
   *outHandle =

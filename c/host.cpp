@@ -26,12 +26,14 @@ UxZel::CZelUUID uuidOf(const vexa_id& id) {
   return {{id.words[0], id.words[1], id.words[2], id.words[3]}};
 }
 
-/// A count that a function of the host gave.
+// A count that a function of the host gave. The limit is far above any scene: a count beyond
+// it is a mistake of the host, which is reported before memory is taken for it.
 void requireCount(std::uint32_t count, const char* what) {
   constexpr std::uint32_t kMost = 100'000'000;
   if (count > kMost) throw Fault(VEXA_HOST_FAILED, std::string(what) + ": too many");
 }
 
+// The size tells the version of the table that the host was compiled with.
 void requireFunctions(const vexa_host_functions* functions) {
   require(functions != nullptr, "functions is null");
   require(functions->size == sizeof(vexa_host_functions),
@@ -42,14 +44,21 @@ void requireFunctions(const vexa_host_functions* functions) {
           "a function of the host is null");
 }
 
-/// An instance that shows an object.
+// An instance that shows an object. A mesh that is handed out borrows these two arrays: the
+// library's mesh stores them per triangle in another form.
 struct Shown {
   std::size_t mObject = 0;
   std::vector<std::uint32_t> mMaterials;
   std::vector<Oru::TVector3D<Oru::TVector2D<float>>> mUvs;
 };
 
-/// What a vexa_host stands for.
+// What a vexa_host stands for.
+//
+//   host's scene --(functions)--> refhost::Scene of one call --> manager --> result
+//
+// The scene of a call is built anew each time and holds what the call needs: the host may change
+// its own between two calls without telling. Objects stay, because the manager knows them by
+// address; mObjects may move, but each keeps its animated object on the heap.
 class HostObject final : public Object {
  public:
   static constexpr char kKind[] = "vexa_host";
@@ -67,6 +76,7 @@ class HostObject final : public Object {
     vexa::scene::checkValue(scene, property);
     UxZel::CZelVector direction;
     double ahead = rate == nullptr ? 0 : *rate;
+    // The manager reports a fault as a zero value; checkValue has raised what it would find.
     const auto result = mManager->InterpolateValue(&scene, &property, frame, &direction,
                                                    rate == nullptr ? nullptr : &ahead);
     if (outDirection != nullptr) std::memcpy(outDirection, &direction, sizeof(direction));
@@ -76,6 +86,7 @@ class HostObject final : public Object {
   }
 
   std::uint32_t addObject(const vexa_object& object) {
+    // What can fail comes first; an entry of mTakeFrames too many does no harm.
     refhost::Definition definition = definitionOf(object);
     mTakeFrames.emplace_back();
     mObjects.push_back(std::move(definition));
@@ -89,6 +100,7 @@ class HostObject final : public Object {
     require(!UxZel::isNone(id), "the instance has no identifier");
     if (mShown.count(id) != 0) return;
     refhost::AnimatedObject& animated = *mObjects[object].mAnimatedObject;
+    // Before the registration, which would stay if a take were found missing after it.
     readTakes(object);
     const std::string& file = animated.mAnimationFile;
     const std::string folder = std::filesystem::path(file).parent_path().string();
@@ -97,6 +109,7 @@ class HostObject final : public Object {
     Shown shown;
     shown.mObject = object;
     const UXS::Mesh* mesh = mManager->GetCurrentDefinition(0, 0, id);
+    // A missing file registers nothing and raises nothing.
     if (mesh == nullptr) throw std::runtime_error(file + ": no such animation file");
     for (unsigned int t = 0; t < mesh->GetTrianglesArray().size(); ++t) {
       shown.mMaterials.push_back(mesh->GetTriangleMaterialID(t));
@@ -121,7 +134,9 @@ class HostObject final : public Object {
             "the property drives no instance");
     property.mInstance = index;
     instance.mDefinition = 0;
-    // Lent for the call: the manager knows the object by its address.
+    // Lent for the call, because a definition cannot be copied. Whatever is thrown, it goes back.
+    // The manager finds the object's record by the address of the animated object, which moves
+    // along.
     refhost::Definition& lent = scene.mDefinitions.front();
     std::swap(lent, mObjects[shown.mObject]);
     const GiveBack giveBack{lent, mObjects[shown.mObject]};
@@ -159,6 +174,8 @@ class HostObject final : public Object {
     ~GiveBack() { std::swap(mLent, mOwn); }
   };
 
+  // The unwinding of a cancelled thread is no exception of the host's: to stop it would end the
+  // process.
   template <class Function, class... Arguments>
   void ask(const char* name, Function function, Arguments... arguments) const {
     int failure = 0;
@@ -174,7 +191,7 @@ class HostObject final : public Object {
                                       std::to_string(failure));
   }
 
-  /// A property with its keys; the path that it follows goes into the scene.
+  // A property with its keys; the path that it follows goes into the scene.
   refhost::Property readProperty(std::uint64_t id, refhost::Scene& ioScene) const {
     vexa_host_property from{};
     ask("property", mFunctions.property, id, &from);
@@ -194,6 +211,8 @@ class HostObject final : public Object {
     return property;
   }
 
+  // The paths are asked for one by one until the identifier is found; other paths' points are not
+  // read.
   void readPath(const UxZel::CZelUUID& id, refhost::Scene& ioScene) const {
     std::uint32_t count = 0;
     ask("path_count", mFunctions.path_count, &count);
@@ -217,7 +236,7 @@ class HostObject final : public Object {
 
   refhost::Instance readInstance(std::uint32_t index) const {
     vexa_host_instance from{};
-    from.scale[0] = from.scale[1] = from.scale[2] = 1;
+    from.scale[0] = from.scale[1] = from.scale[2] = 1;  // what a host leaves unset means 1
     ask("instance", mFunctions.instance, index, &from);
     vexa_instance plain{};
     plain.name = "";
@@ -240,7 +259,7 @@ class HostObject final : public Object {
     return instance;
   }
 
-  /// All of them: where a walker belongs depends on the instances that enclose it.
+  // All of them: where a walker belongs depends on the instances that enclose it.
   void readInstances(refhost::Scene& outScene) const {
     std::uint32_t count = 0;
     ask("instance_count", mFunctions.instance_count, &count);
@@ -254,7 +273,8 @@ class HostObject final : public Object {
     return found->second;
   }
 
-  /// A take that the animation file lacks has no pose.
+  // Reads how many frames each take of the file has. A take that the file lacks has no pose, so an
+  // object with more takes than its file is refused.
   void readTakes(std::size_t object) {
     if (!mTakeFrames[object].empty()) return;
     const refhost::AnimatedObject& animated = *mObjects[object].mAnimatedObject;
@@ -271,7 +291,7 @@ class HostObject final : public Object {
   void* const mUser;
   std::unique_ptr<Manager, Deleter> mManager;
   std::vector<refhost::Definition> mObjects;
-  std::vector<std::vector<std::uint32_t>> mTakeFrames;  ///< per object, as its file has them
+  std::vector<std::vector<std::uint32_t>> mTakeFrames;  // per object; empty until it is shown
   std::map<UxZel::CZelUUID, Shown> mShown;
 };
 

@@ -12,7 +12,8 @@ using namespace vexa::c;
 using vexa::formats::MovingMesh;
 namespace refhost = vexa::refhost;
 
-/// What a vexa_player stands for.
+// What a vexa_player stands for. The meshes are deformed on demand: a program that reads values
+// only needs none. mIsPosed is whether they have the pose of the frame shown.
 struct PlayerObject final : Object {
   static constexpr char kKind[] = "vexa_player";
 
@@ -39,7 +40,7 @@ struct PlayerObject final : Object {
     mPlayer.setFrame(frame);
   }
 
-  /// The meshes with the pose of the frame shown.
+  // The meshes with the pose of the frame shown.
   const std::vector<MovingMesh>& posedMeshes() {
     if (!mIsPosed) {
       for (MovingMesh& mesh : mMeshes) mesh.mFrames.clear();
@@ -52,7 +53,7 @@ struct PlayerObject final : Object {
   vexa::scene::ScenePlayer mPlayer;
   std::vector<MovingMesh> mMeshes;
   bool mIsPosed = false;
-  std::vector<double> mNumbers;  ///< handed out by vexa_player_value
+  std::vector<double> mNumbers;  // what vexa_player_value hands out
 };
 
 }  // namespace
@@ -60,6 +61,8 @@ struct PlayerObject final : Object {
 vexa_status vexa_player_new(vexa_scene scene, vexa_player* out_player) {
   return guarded([&] {
     require(out_player != nullptr, "out_player is null");
+    // The scene becomes the player's. Its handle ends first: even when the player cannot be made,
+    // the scene may have been moved from.
     const Use<SceneObject> use(scene);
     endHandle(scene);
     create<PlayerObject>(out_player, std::move(use->mScene));
@@ -123,12 +126,14 @@ vexa_status vexa_player_sample(vexa_player player, uint32_t value, const int32_t
     const std::size_t size = vexa::scene::partCount(property);
     requireArray(frames, frame_count, "frames");
     require(out_numbers != nullptr || frame_count == 0, "out_numbers is null");
+    // Divided, not multiplied: the product of two counts of a caller may overflow.
     if (capacity / size < frame_count) {
       refuse("out_numbers holds " + std::to_string(capacity) + " numbers; " +
              std::to_string(frame_count * size) + " are needed");
     }
     require(std::all_of(frames, frames + frame_count, [](int frame) { return frame >= 0; }),
             "a frame is less than 0");
+    // A value that drives an instance moves it, so the meshes no longer have its pose.
     use->mIsPosed = false;
     for (std::size_t i = 0; i < frame_count; ++i) {
       vexa::scene::writeParts(property, use->mPlayer.sample(value, frames[i]),

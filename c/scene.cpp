@@ -11,10 +11,11 @@ namespace {
 using namespace vexa::c;
 namespace refhost = vexa::refhost;
 
-// Apart from the identifiers of instances, which count from 1.
+// Apart from the identifiers of instances, which count from 1: paths and instances share one space
+// of numbers, and nextIndex keeps a list below this.
 constexpr std::uint32_t kFirstPathNumber = 1'000'000;
 
-/// The number of a list's next element; names within a list differ.
+// The number of a list's next element; names within a list differ.
 template <class List>
 std::uint32_t nextIndex(const List& list, const char* name, const char* what) {
   textOf(name, "name");
@@ -29,7 +30,7 @@ void store(std::uint32_t index, std::uint32_t* outIndex) {
   if (outIndex != nullptr) *outIndex = index;
 }
 
-/// An index that may be VEXA_NONE.
+// An index that may be VEXA_NONE.
 std::size_t indexOf(std::uint32_t index, std::size_t count, const char* what) {
   if (index == VEXA_NONE) return refhost::kNone;
   if (index >= count) refuse(std::string("there is no ") + what + " " + std::to_string(index));
@@ -46,7 +47,8 @@ void chooseTake(const refhost::Scene& scene, std::uint32_t take, refhost::Instan
   require(take < object.mTakes.mElements.size(), "take of an instance does not exist");
 }
 
-/// What the kind of a value refers to.
+// What the kind of a value refers to. Indices become identifiers, as the library knows paths by
+// these.
 void connect(const refhost::Scene& scene, const vexa_value& value, refhost::Property& outProperty) {
   const std::size_t path = indexOf(value.path, scene.mPaths.mElements.size(), "path");
   if (path != refhost::kNone) {
@@ -113,6 +115,7 @@ vexa_status vexa_scene_add_path(vexa_scene scene, const char* name, int closed,
     path.mIdentity.mUUID = refhost::numberedUUID(kFirstPathNumber + index);
     path.mClosed = closed != 0;
     for (std::size_t i = 0; i < point_count; ++i) path.mPoints.add(pointOf(points[i]));
+    // Added last, so that a fault leaves the scene as it was. The other functions do the same.
     paths.add(std::move(path));
     store(index, out_index);
   });
@@ -140,6 +143,7 @@ vexa_status vexa_scene_add_instance(vexa_scene scene, const vexa_instance* insta
     refhost::Instance result = instanceOf(*instance);
     result.mIdentity.mUUID = refhost::numberedUUID(index + 1);
     result.mDefinition = indexOf(instance->object, use->mScene.mDefinitions.size(), "object");
+    // A parent is added before its children, so parents cannot form a ring.
     const std::size_t parent = indexOf(instance->parent, index, "earlier instance");
     if (parent != refhost::kNone) {
       result.mParent = instances.mElements[parent].mIdentity.mUUID;

@@ -7,7 +7,7 @@
 
 namespace vexa::c {
 
-/// What a vexa_scene stands for.
+// What a vexa_scene stands for.
 struct SceneObject final : Object {
   static constexpr char kKind[] = "vexa_scene";
 

@@ -15,6 +15,7 @@
 #ifndef VEXA_C_H
 #define VEXA_C_H
 
+/* NOLINTBEGIN(modernize-deprecated-headers, modernize-use-using): C compilers read it, too */
 #include <stddef.h>
 #include <stdint.h>
 
@@ -325,5 +326,6 @@ VEXA_C_EXPORT vexa_status vexa_host_mesh(vexa_host host, uint32_t instance, uint
 #ifdef __cplusplus
 }
 #endif
+/* NOLINTEND(modernize-deprecated-headers, modernize-use-using) */
 
 #endif
