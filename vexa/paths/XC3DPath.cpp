@@ -4,6 +4,7 @@
 
 namespace Norvel::Vexa {
 
+// A list that is missing is a fault here; the base would only leave the path empty.
 XC3DPath::XC3DPath(const XCZELPathInfo* info) : XTBezierPath(info) {
   if (info == nullptr || !info->PointsMgrExist()) {
     throw std::runtime_error("XC3DPath::XC3DPath - probleme path ! ");

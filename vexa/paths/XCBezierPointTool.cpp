@@ -12,6 +12,7 @@ UxZel::CZelPoint absolute(const UxZel::CZelVector& offset, const UxZel::IZelBezi
   return {passage.x + offset.x, passage.y + offset.y, passage.z + offset.z};
 }
 
+// Squared in double, rounded to float before the root: the host's doubles reach the root as floats.
 float weight(const UxZel::CZelVector& offset) {
   const double squared =
       offset.x * offset.x + offset.y * offset.y + offset.z * offset.z;  // order: exact floats

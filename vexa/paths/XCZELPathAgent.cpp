@@ -10,7 +10,8 @@ UxZel::CZelVector widened(const UXS::uxs_generic_vec3<float>& v) {
   return {double(v.x), double(v.y), double(v.z)};
 }
 
-// From the passage point of a host point to an absolute control point.
+// From the passage point of a host point to an absolute control point. Hosts store control points
+// as offsets, so moving a passage point takes its controls along.
 UxZel::CZelVector offsetTo(const UXS::uxs_generic_vec3<float>& control,
                            const UxZel::IZelBezierPoint& point) {
   const UxZel::CZelPoint& passage = *point.GetPassagePoint();
@@ -26,6 +27,10 @@ XCZELPathAgent::XCZELPathAgent(UxZel::IZel3DPath* path)
 
 XCZELPathAgent::XCZELPathAgent(const PointList* points)
     : XTHostPoints(nullptr, points), mBuiltFromPath(false) {}
+
+// Each setter finds the point by its index and then calls the host once. Its two texts are whole,
+// so that a search finds them: the first when there is no list, the second when there is no such
+// point.
 
 bool XCZELPathAgent::addNewPointAt(unsigned int index) {
   editableList("XC3DPath::addNewPointAt - can not get path's BezierPointsMgr")->InsertAt(index);
@@ -92,6 +97,7 @@ void XCZELPathAgent::setPathClosed(bool closed) {
   const_cast<UxZel::IZel3DPath*>(mPath)->SetPathClosed(closed);
 }
 
+// Nothing is cached here, so there is nothing to hold back.
 void XCZELPathAgent::BlockSynchronization() {}
 
 void XCZELPathAgent::UnBlockSynchronization() {}

@@ -9,9 +9,12 @@ namespace Norvel::Vexa {
 
 namespace {
 
+// 4096 pieces at most. Each halving quarters the gap between a piece and its chord, so a dozen
+// reach the precision of a float.
 constexpr int kDeepestSearch = 12;
 
-// A parameter that is not inside the segment may still be an end of it.
+// A parameter that is not inside the segment may still be an end of it. Callers compute it in
+// float, where 1e-6 is about eight units of rounding at 1. NaN passes.
 void checkParameter(double t, const char* error) {
   if (t < -0.000001 || t > 1.000001) throw std::runtime_error(error);
 }
@@ -21,6 +24,7 @@ double dot(const V& a, const V& b) {
   return double(a.x) * double(b.x) + double(a.y) * double(b.y) + double(a.z) * double(b.z);
 }
 
+// The control polygon, which is at least as long as the curve, as the chord is at most as long.
 template <class V, class W, class S>
 S polygonLength(const XTBezierCurve<V, W, S>& curve) {
   return vectorLength(curve.getStartControlPoint() - curve.getEndControlPoint()) +
@@ -54,6 +58,9 @@ bool isStraight(const XTBezierCurve<V, W, S>& piece) {
   return !(polygon - chord > 0.000001 * polygon);  // so that NaN ends the search
 }
 
+// Halves the curve until each piece counts as straight. Every piece is visited, because the
+// distance along the curve is the sum of the lengths of all pieces before the nearest one. Of
+// equally near places the first counts.
 template <class V, class W, class S>
 NearestPlace nearestPlace(const XTBezierCurve<V, W, S>& piece, const V& coordinate, int depth) {
   if (depth <= 0 || isStraight(piece)) return nearestOnChord(piece, coordinate);
@@ -97,6 +104,8 @@ double XTBezierCurve<V, W, S>::getEndCPLengthProportion() const {
   return polygon == 0 ? 1.0 : double(vectorLength(mEndValue - mEndControlPoint) / polygon);
 }
 
+// Inside, the Bernstein polynomials; the ends are returned as stored. Required behaviour: only an
+// exact 0 gives the start, so a parameter just below 0 gives the end.
 template <class V, class W, class S>
 V XTBezierCurve<V, W, S>::pointAt(S t) const {
   if (0 < t && t < 1) {
@@ -110,6 +119,7 @@ V XTBezierCurve<V, W, S>::pointAt(S t) const {
   return t == 0 ? mStartValue : mEndValue;
 }
 
+// The derivative of pointAt. Required behaviour: at the two ends the factor 3 is missing.
 template <class V, class W, class S>
 W XTBezierCurve<V, W, S>::directionAt(S t) const {
   if (0 < t && t < 1) {
@@ -123,6 +133,8 @@ W XTBezierCurve<V, W, S>::directionAt(S t) const {
   return t == 0 ? mStartControlPoint - mStartValue : mEndValue - mEndControlPoint;
 }
 
+// De Casteljau at 1/2. Each new point is written as one sum of the old ones; the usual three steps
+// of midpoints round differently. The drawing is in arc_length_lanes_internal.h.
 template <class V, class W, class S>
 void XTBezierCurve<V, W, S>::subdivideCurve(XTBezierCurve& left, XTBezierCurve& right) const {
   const V p0 = mStartValue, c1 = mStartControlPoint, c2 = mEndControlPoint, p3 = mEndValue;

@@ -9,7 +9,15 @@ namespace Norvel::Vexa {
 
 namespace {
 
-// The segments of the path, appended to those given.
+// The segments of the path, appended to those given. Each point ends one segment and starts the
+// next:
+//
+//   point 0          point 1          point 2
+//     P0 . C1    C2 . P3=P0 . C1   C2 . P3
+//     |-- segment 0 ---|-- segment 1 ---|
+//
+// A point is asked for its position, then for its control before, then after it; a host may record
+// these calls.
 template <class V, class W, class S>
 void appendCurves(const XTPathInfo<V, W, S>& info, unsigned int pointCount,
                   std::vector<XTBezierCurve<V, W, S>>& curves) {
@@ -43,7 +51,7 @@ void XTBezierPath<V, W, S>::createBezierCurve() {
     return;
   }
 
-  // What can fail comes first, so that the sequences stay in step.
+  // What can fail comes first, so that the three sequences keep one length.
   std::vector<Curve> curves = mCurves;
   appendCurves(*mPathInfo, pointCount, curves);
   mRepartitions.reserve(curves.size());
@@ -53,6 +61,13 @@ void XTBezierPath<V, W, S>::createBezierCurve() {
   appendTables();
 }
 
+//   mCurves         segment 0      segment 1     segment 2
+//   mRepartitions   d0 .. d15      d0 .. d15     d0 .. d15     running length within the segment
+//   mProportions    ----> 0.3      ------> 0.8   ------> 1     where the segment ends, as a share
+//                                                              of the whole length
+//
+// mProportions holds running lengths first and is divided when the total is known. A path of length
+// 0 has NaN there.
 template <class V, class W, class S>
 void XTBezierPath<V, W, S>::appendTables() {
   const std::size_t first = mRepartitions.size();
@@ -85,10 +100,19 @@ XTBezierPath<V, W, S>::CalculateCurveDistanceRepartition(Curve curve) {
   return repartition;
 }
 
+//   length d15 |              . '    Each entry of the table ends a piece of 1/16 of the
+//              |          . '        parameter. Within a piece the parameter is taken as
+//    wanted x  |- - - . '            proportional to the length.
+//         dk-1 |    ' |
+//              |  '   |
+//              +------+---------
+//                k/16 t        1
 template <class V, class W, class S>
 S XTBezierPath<V, W, S>::GetTfromDistanceWanted(CurveDistanceRepartition repartition, S distance) {
   const S x = distance * repartition[15];
-  // The largest k with d(k) <= x: against d8, then d4 or d12, and so on down to the odd ones.
+  // The number of entries that are at most x, 15 at most: compared with the eighth, then the fourth
+  // or the twelfth, and so on down to the odd ones. Four comparisons whatever x is, and the last
+  // entry is not compared: rounding may make x exceed it.
   std::size_t k = 0;
   for (std::size_t step = 8; step > 0; step /= 2) {
     if (repartition[k + step - 1] <= x) k += step;
@@ -113,6 +137,7 @@ typename XTBezierPath<V, W, S>::Place XTBezierPath<V, W, S>::placeAt(S distance)
   if (distance <= mProportions[0]) {
     return {&mCurves[0], GetTfromDistanceWanted(mRepartitions[0], distance / mProportions[0])};
   }
+  // The first segment that does not end before the distance.
   std::size_t k = 1;
   while (mProportions[k] < distance && k + 1 < count) ++k;
   const S before = mProportions[k - 1];

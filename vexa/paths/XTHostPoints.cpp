@@ -41,12 +41,16 @@ bool XTHostPoints<Contract>::PointsMgrExist() const {
   return mPoints != nullptr;
 }
 
+// A host that counts below 0 has no points.
 template <class Contract>
 unsigned int XTHostPoints<Contract>::getNbBezierPoints() const {
   const int count =
       list("XC3DPath::getNbBezierPoints - can not get path's BezierPointsMgr")->GetCount();
   return count > 0 ? unsigned(count) : 0;
 }
+
+// The getters of both contracts, the reading one and the editing one. Hosts have doubles and paths
+// compute in float, so each narrows last. Required behaviour: the texts name two other classes.
 
 template <class Contract>
 typename XTHostPoints<Contract>::V3 XTHostPoints<Contract>::getPassagePointPositionAt(
@@ -122,6 +126,7 @@ bool XTHostPoints<Contract>::getPathClosed() const {
   return mPath != nullptr && mPath->IsPathClosed();
 }
 
+// The instances that exist: one type of vector, two contracts.
 using V3 = UXS::uxs_generic_vec3<float>;
 template class XTPathInfo<V3, V3, float>;
 template class XTPathAgent<V3, V3, float>;

@@ -13,7 +13,7 @@ namespace {
 template <std::size_t lanes>
 void gather(const Curve* curves, std::size_t count, float (&rows)[12][lanes]) {
   for (std::size_t i = 0; i < lanes; ++i) {
-    // Qualified, which calls them directly.
+    // The qualified names call the getters directly, without the virtual table.
     const Curve& curve = curves[std::min(i, count - 1)];
     const UXS::uxs_generic_vec3<float> points[4] = {
         curve.Curve::getStartValue(), curve.Curve::getStartControlPoint(),
@@ -26,6 +26,11 @@ void gather(const Curve* curves, std::size_t count, float (&rows)[12][lanes]) {
   }
 }
 
+//   curves    0  1  2  3  4  5  6  7 | 8  9 10 .  .  .  .  .
+//   lane      0  1  2  3  4  5  6  7 | 0  1  2  the last again, not stored
+//
+// `lengths` has a row for each of the sixteen entries and a lane for each segment; a table is a
+// column of it.
 template <std::size_t lanes>
 void fillBy(void (*measureLanes)(const float*, float*), const Curve* curves, std::size_t count,
             Table* tables) {
@@ -44,6 +49,7 @@ void fillBy(void (*measureLanes)(const float*, float*), const Curve* curves, std
 
 void fillTables(const Curve* curves, std::size_t count, Table* tables) {
 #if defined(VEXA_AVX2)
+  // One segment alone would fill one lane of eight.
   if (count > 1 && __builtin_cpu_supports("avx2")) {
     return fillBy<8>(measureEight, curves, count, tables);
   }

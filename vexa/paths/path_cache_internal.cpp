@@ -11,6 +11,7 @@ namespace Norvel::Vexa {
 
 namespace {
 
+// Scenes have a few dozen paths. The limits only bound what a host can make the cache keep.
 constexpr std::size_t kMostPaths = 256;
 constexpr std::size_t kMostPoints = 65536;  // about 16 MB of points and tables
 
@@ -60,11 +61,13 @@ class PathCache::ReadPoints final : public XTPathInfo<V3, V3, float> {
   }
 };
 
+// A path with the points that it was built from. mPath borrows mPoints, so an entry never moves.
 struct PathCache::Entry {
   explicit Entry(const std::vector<PointReads>& reads) : mPoints(reads), mPath(&mPoints) {
     mPath.createBezierCurve();
   }
 
+  // By bytes: 0.0 and -0.0 differ and a NaN equals itself, so an equal entry gives equal results.
   bool isOf(const std::vector<PointReads>& reads) const {
     if (mPoints.mReads.size() != reads.size()) return false;
     return reads.empty() ||
@@ -89,6 +92,7 @@ std::shared_ptr<const BezierPath> PathCache::pathOf(const UxZel::IZel3DPath* hos
   read(*points, reads);
   std::shared_ptr<Entry> entry = entryOf(host, reads);
   mReads = std::move(reads);
+  // The result shares the entry: it stays when the cache drops it during the call.
   BezierPath* const path = &entry->mPath;
   return {std::move(entry), path};
 }
@@ -101,6 +105,7 @@ std::shared_ptr<PathCache::Entry> PathCache::entryOf(const UxZel::IZel3DPath* ho
     known->second->mLastRequest = mRequests;
     return known->second;
   }
+  // Built before the old entry goes: a fault leaves the cache as it was.
   const auto built = std::make_shared<Entry>(reads);
   built->mLastRequest = mRequests;
   if (known != mEntries.end()) {

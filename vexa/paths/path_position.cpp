@@ -33,7 +33,8 @@ bool atOneFrame(const KeyList& keys, int minIndex, int maxIndex) {
   return keys.GetAt(maxIndex)->GetFrame() == keys.GetAt(minIndex)->GetFrame();
 }
 
-// The fraction that a request is about, as the path takes it.
+// The fraction that a request is about, as the path takes it. Keys at one frame have no span to
+// divide by: outside of all keys it is the same key twice.
 float fractionAt(const KeyList& keys, const UxZel::IZel3DPath& path, int minIndex, int maxIndex,
                  int frame) {
   if (atOneFrame(keys, minIndex, maxIndex)) return float(fractionOf(keys, minIndex));
@@ -48,7 +49,8 @@ void write(const V3& v, IZelKeyFrame::uValue& out) {
   out.mVector[2] = double(v.z);
 }
 
-// From a place of the path to its end, and a unit step further.
+// From a place of the path to its end, and a unit step further: a look past the end still has a
+// direction when the place is the end itself.
 V3 beyondTheEnd(const BezierPath& path, const V3& place) {
   const V3 end = path.valueAt(1);
   V3 step = path.directionAt(1);
@@ -66,6 +68,11 @@ double getInterpolatedPathPosition(const KeyList* keys, int minIndex, int maxInd
   const int endFrame = keys->GetAt(maxIndex)->GetFrame();
   const double start = fractionOf(*keys, minIndex), end = fractionOf(*keys, maxIndex);
 
+  //   fraction
+  //     |         .--.--    A key rests when its neighbour on the far side has the same fraction,
+  //     |       /           and at the ends of the list. The curve is slow near a key that rests.
+  //     | . - '             A closed path, or keys that are all linear, are never eased.
+  //     +-+-------+--+-- frame
   const double slope = (end - start) / double(wrapSub(endFrame, startFrame));
   const double linear = start + slope * double(wrapSub(frame, startFrame));
   if (pathClosed || allLinear(*keys, count)) return linear;
@@ -86,6 +93,7 @@ void positionOn(const BezierPath& bezier, const UxZel::IZel3DPath& path, const K
   const float fraction = fractionAt(keys, path, minIndex, maxIndex, frame);
   const V3 position = bezier.valueAt(fraction);
   V3 direction = bezier.directionAt(fraction);
+  // Required behaviour: only a direction at a key outside of the span has unit length.
   if (atOneFrame(keys, minIndex, maxIndex)) {
     const float length = vectorLength(direction);
     if (length > 0) direction = divided(direction, length);
