@@ -23,10 +23,10 @@ WalkerFrame walkerFrame(int frame);
 
 /// Instances of one walker, numbered from 101, that all walk along a path, one host frame per take
 /// frame, from frame 0 to `lastFrame`: one property "walk K" for each.
-Scene walk(Path path, int walkers, int lastFrame);
+Scene walk(Path path, int count, int lastFrame);
 
 /// Instances of one walker in a row along +Y, 2 units apart, that show their take: instance K is
 /// 5 K host frames ahead. One property "show K" for each, cyclic, over frames 0 to 25.
-Scene parade(int walkers);
+Scene parade(int count);
 
 }  // namespace vexa::refhost::scenes

@@ -10,15 +10,24 @@ using Norvel::Vexa::wrapSub;
 
 namespace UxZel {
 
-// Both compare bytes, not numbers: 0.0 and -0.0 differ, a NaN equals itself, and bytes that the
-// value type leaves unused count.
+namespace {
+
+// Bytes, not numbers: 0.0 and -0.0 differ, a NaN equals itself, and bytes that the value type
+// leaves unused count.
+bool sameBytes(const IZelKeyFrame::uValue& a, const IZelKeyFrame::uValue& b) {
+  static_assert(sizeof(a.mBytes) == sizeof(a), "the whole value");
+  return std::memcmp(a.mBytes, b.mBytes, sizeof(a.mBytes)) == 0;
+}
+
+}  // namespace
+
 bool CKeyFrameTool::AreKeyFrameDifferents(const IZelKeyFrame& a, const IZelKeyFrame& b) {
-  return std::memcmp(a.GetValue(), b.GetValue(), sizeof(IZelKeyFrame::uValue)) != 0;
+  return !sameBytes(*a.GetValue(), *b.GetValue());
 }
 
 bool CKeyFrameTool::AreValueDifferents(const IZelKeyFrame::uValue& a,
                                        const IZelKeyFrame::uValue& b) {
-  return std::memcmp(&a, &b, sizeof(IZelKeyFrame::uValue)) == 0;
+  return sameBytes(a, b);  // required behaviour: against the name
 }
 
 void CKeyFrameTool::GetTime(const IZelKeyFrame::uValue& value, IZelTime* outTime) {

@@ -42,7 +42,7 @@ Matrix CZelObjectInstanceTool::getObjectTransformToWorld(
     const double x = viewer.x - position.x, y = viewer.y - position.y;
     if (x != 0 || y != 0) heading = turnOfY(x, y);
   }
-  const double factor = double(scale);
+  const auto factor = double(scale);
   const double* factors = instance->GetScale();
   // add_ multiplies from the left: scale first, then the turn, then the translation.
   Matrix placement;

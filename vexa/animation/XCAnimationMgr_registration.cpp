@@ -130,9 +130,9 @@ void XCAnimationMgr::RegisterAnimatedObject(UxZel::IZelObjectInstance* instance,
   mInstancesByUUID.merge(byUUID);
   // Required behaviour: the record, its mesh and its frames outlive the manager.
   if (__lsan_ignore_object != nullptr) __lsan_ignore_object(record.get());
-  record.release();
-  collector.release();
-  mesh.release();
+  static_cast<void>(record.release());
+  static_cast<void>(collector.release());
+  static_cast<void>(mesh.release());
 }
 
 }  // namespace Norvel::Vexa
