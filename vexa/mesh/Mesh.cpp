@@ -10,6 +10,8 @@ namespace UXS {
 Mesh::Mesh() : mImpl(new Impl) {}
 Mesh::~Mesh() = default;
 
+// Every getter reads what the last commit derived. An editor that is still open changes the arrays
+// that commits read, so positions and triangles may be newer than edges and normals.
 const std::vector<Mesh::Position>& Mesh::GetVerticesArray() const { return mImpl->mVertices; }
 const std::vector<Mesh::Corners>& Mesh::GetTrianglesArray() const { return mImpl->mTriangles; }
 const std::vector<Oru::TVector2D<unsigned int>>& Mesh::GetEdgesArray() const {
@@ -39,6 +41,7 @@ Mesh::Position Mesh::GetSmoothNormal(unsigned int triangle, const Position& weig
   const CornerPositions& normals = GetTriangleSmoothNormals(triangle);
   const Position n =
       normals.x * weights.x + normals.y * weights.y + normals.z * weights.z;  // order: exact floats
+  // Corner normals that cancel leave only rounding, which has no direction.
   const float squaredLength = dotXYZ(n, n);
   return squaredLength > 1e-8f ? scaledToUnit(n, squaredLength) : Position::ZeroVector;
 }
@@ -54,9 +57,8 @@ unsigned int Mesh::GetTriangleGroupID(unsigned int triangle) const {
   return entry(mImpl->mGroupIDs, triangle);
 }
 
-unsigned int Mesh::GetSectionsCount() const {
-  return static_cast<unsigned int>(mImpl->mSections.size());
-}
+// A section is a run of triangles of one material, so a triangle of it is its start plus k.
+unsigned int Mesh::GetSectionsCount() const { return unsigned(mImpl->mSections.size()); }
 unsigned int Mesh::GetSectionMaterialID(unsigned int section) const {
   return mImpl->GetSectionMaterialID(section);
 }

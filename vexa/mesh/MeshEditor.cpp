@@ -15,6 +15,8 @@ namespace {
 
 using PositionTable = uxs_hashtable<Oru::TVector3D<float>, unsigned int>;
 
+// The elements of an array for writing. A shared one is copied first when copies of the mesh have
+// it.
 template <class T>
 std::vector<T>& writable(std::vector<T>& values) {
   return values;
@@ -59,6 +61,7 @@ void Mesh::EditorBase::dateMesh() {
 
 void Mesh::EditorBase::SetVerticesCount(unsigned int n) { data().mVertices.reserve(n); }
 
+// Reserves for three vertices a triangle, which is what a mesh without shared vertices needs.
 void Mesh::EditorBase::SetTrianglesCount(unsigned int n) {
   data().mVertices.reserve(std::size_t{3} * n);
   data().mTriangles.edit().reserve(n);
@@ -72,6 +75,8 @@ unsigned int Mesh::EditorBase::AddVertex(const Position& position) {
   return unsigned(data().mVertices.size() - 1);
 }
 
+// The corners come last: when memory runs out before, the arrays per triangle are longer than the
+// triangles, and the next commit cuts them.
 unsigned int Mesh::EditorBase::AddTriangle(const Corners& corners, unsigned int material) {
   const std::size_t triangle = data().mTriangles.size();
   append(data().mMaterialIDs, triangle, material);
@@ -146,6 +151,11 @@ void Mesh::EditorBase::MergeTriangleVertices(unsigned int material) try {
 } catch (const std::bad_alloc&) {
 }
 
+// What the three ways to end an editor do:
+//
+//   destructor   derives, dates; memory that runs out ends the program, as nothing may be thrown
+//   Commit()     derives, dates and closes; memory that runs out throws, and the mesh is as it was
+//   Abandon()    closes
 Mesh::Editor::~Editor() {
   if (isOpen()) data().Process();
 }
@@ -163,6 +173,7 @@ Mesh::LightWeightEditor::~LightWeightEditor() {
   if (isOpen()) data().ProcessLightWeight();
 }
 
+// One triangle, with the table that hosts know; whole meshes are merged by VertexFinder.
 void InternalMergeTriangleVertices(unsigned int triangle, Mesh::Impl& mesh, PositionTable& table) {
   Mesh::Corners& corners = entry(mesh.mTriangles.edit(), triangle);
   for (unsigned int* const corner : {&corners.x, &corners.y, &corners.z}) {

@@ -82,6 +82,7 @@ void smooth(const Mesh::Impl& mesh, const Indices& triangles, float angle, Indic
   }
 }
 
+// A normal that looks away from its face is reversed; a NaN stays.
 Mesh::Position towards(const Mesh::Position& face, const Mesh::Position& normal) {
   return dotXYZ(face, normal) < 0 ? -normal : normal;
 }
@@ -107,13 +108,14 @@ void Mesh::EditorBase::SmoothTriangleNormals(const std::vector<unsigned int>& tr
   std::vector<CornerPositions> normals = normalsOf(data());
   Indices numbers(data().mVertices.size(), kUnused);
   smooth(data(), withoutRepeats(triangles, normals.size()), angle, numbers, normals);
-  data().mSmoothNormals.swap(normals);
+  data().mSmoothNormals.swap(normals);  // last, so that a lack of memory changes nothing
 }
 
 void Mesh::EditorBase::SmoothTriangleNormals(unsigned int material, float angle) {
   SmoothTriangleNormals(trianglesOf(data(), material), angle);
 }
 
+// One angle per section; a section smooths among its own triangles only.
 void Mesh::EditorBase::SmoothTriangleNormals(const std::vector<float>& angles) {
   std::vector<CornerPositions> normals = normalsOf(data());
   Indices numbers(data().mVertices.size(), kUnused);

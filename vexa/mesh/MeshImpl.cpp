@@ -30,7 +30,8 @@ bool hasCorner(const Mesh::Corners& c, unsigned int vertex) {
   return c.x == vertex || c.y == vertex || c.z == vertex;
 }
 
-// Whether two faces lie in different planes; opposite normals belong to one plane.
+// Whether two faces lie in different planes: 1e-5 is an angle of about a quarter of a degree.
+// Opposite normals belong to one plane.
 bool isCrease(const Position& a, const Position& b) { return 1 - std::fabs(dotZYX(a, b)) >= 1e-5f; }
 
 }  // namespace
@@ -134,7 +135,13 @@ void Mesh::Impl::storeBoxes(const MeshExtent& extent) {
   }
 }
 
-// A later triangle decides whether an edge is drawn; an earlier one has decided already.
+// Each edge once: a later triangle that shares it decides whether it is drawn, and where there are
+// only earlier ones, one of them has decided already.
+//
+//   B  |  A = triangle t, walking its edges a -> b. Of the triangles around a, those that have b,
+//      b  too, share the edge. None: a boundary edge, drawn. The last of those after t: drawn when
+//      |  the planes differ. Only some before t: not drawn here.
+//      a
 void Mesh::Impl::ProcessEdges(const MeshSmoothData& data, const MeshSmoothList& list) {
   const auto isDrawn = [&](unsigned int t, unsigned int a, unsigned int b) {
     bool isShared = false, isDrawnByOther = false;
@@ -169,6 +176,7 @@ void Mesh::Impl::ProcessGroupID(const MeshSmoothList& list) {
   const auto flood = [&](unsigned int seed) {
     work.clear();
     add(seed);
+    // NOLINTNEXTLINE(modernize-loop-convert): add() makes the list longer meanwhile.
     for (std::size_t i = 0; i < work.size(); ++i) {
       const auto& [a, b, c] = mTriangles[work[i]];
       for (const unsigned int vertex : {a, b, c}) {

@@ -74,7 +74,8 @@ void Mesh::Impl::Frame::fill() {
   if (mIsWithoutNormals && mNormals != &mMesh.mSmoothNormals) mNormals->swap(mMesh.mSmoothNormals);
 }
 
-// What is in step already is shared.
+// Arrays that have the right length already are shared with the source, not copied. All memory is
+// taken into locals first; the assignments cannot fail.
 void Mesh::Impl::copyTriangles(const Impl& source, std::vector<CornerPositions> normals) {
   const std::size_t count = source.mTriangles.size();
   SharedVector<unsigned int> materials = source.mMaterialIDs;
@@ -124,6 +125,16 @@ void Mesh::Impl::adopt(TriangleArrays arrays) {
   }
 }
 
+//   take memory                                     |  change the mesh
+//   ------------------------------------------------+---------------------------------------
+//   arrays in order of material, or shared          |  adopt
+//   topology: sections, groups, edges that may be   |  sections, groups
+//     drawn; made when triangles or materials are   |  boxes around all vertices
+//     not those that it was made from               |  normals, where there are none
+//   room for normals, edges, boxes                  |  edges
+//
+// A deformed copy shares its triangles with the mesh that it comes from, so its commit takes the
+// same topology and computes only what depends on positions.
 void Mesh::Impl::Process() {
   const bool isKnown = mTopology && mTriangles.shares(mTopology->mTriangles) &&
                        mMaterialIDs.shares(mTopology->mMaterialIDs);
@@ -142,6 +153,7 @@ void Mesh::Impl::Process() {
   mSections = topology->mSections;
   mGroupIDs = topology->mGroupIDs;
   mTopology = topology;
+  // Where the order of the corners decides about a bit, the plain walk decides.
   if (!topology->mVertexGroups.measure(mVertices, groupBoxes, extent)) {
     measureCorners(mVertices, mTriangles, mSections, extent);
   }

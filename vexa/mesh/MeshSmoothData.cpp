@@ -18,6 +18,9 @@ float angleBetween(const Oru::TVector3D<float>& a, const Oru::TVector3D<float>& 
 
 }  // namespace
 
+//        2            The angle at 0 lies between 01 and 02, that at 1 between 10 and 12. The third
+//       / \ .         is what they leave of pi, which saves an arc cosine.
+//      0---1
 void MeshSmoothData::Data::Initialize(const Mesh::Impl& mesh, unsigned int triangle) {
   const Mesh::Corners& c = entry(mesh.mTriangles, triangle);
   const Mesh::Position& p0 = entry(mesh.mVertices, c.x);

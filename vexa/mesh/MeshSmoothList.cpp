@@ -14,6 +14,7 @@ MeshSmoothList::MeshSmoothList(const Mesh::Impl& mesh, const std::vector<unsigne
   for (const unsigned int t : triangles) add(mesh, t);
 }
 
+// A triangle with one vertex at two corners is in its list twice and weighs twice in its normal.
 void MeshSmoothList::add(const Mesh::Impl& mesh, unsigned int triangle) {
   const Mesh::Corners& c = entry(mesh.mTriangles, triangle);
   for (const unsigned int vertex : {c.x, c.y, c.z}) entry(mLists, vertex).push_back(triangle);

@@ -27,6 +27,7 @@ std::uint32_t hashOf(const Mesh::Position& p) {
 
 // Whether a vertex in the table, which has no NaN, is at a position: mostly its bytes are the same.
 bool isAt(const Mesh::Position& vertex, const Mesh::Position& p) {
+  // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison): zeros of both signs come second.
   return std::memcmp(&vertex, &p, sizeof(p)) == 0 || vertex == p;
 }
 
@@ -39,8 +40,10 @@ VertexFinder::VertexFinder(const std::vector<Mesh::Position>& vertices, std::siz
   mSlots.assign(size, kFree);
 }
 
+// A slot is somewhere in a large table, so reading it waits for memory. The first loop asks for the
+// slots of all waiting triangles, the second finds most of them in the cache.
 void VertexFinder::finish() {
-  std::uint32_t hashes[3 * kBatch], *hash = hashes;
+  std::uint32_t hashes[3 * kBatch] = {}, *hash = hashes;
   for (std::size_t i = 0; i < mWaitingCount; ++i) {
     for (const unsigned int vertex : {mWaiting[i]->x, mWaiting[i]->y, mWaiting[i]->z}) {
       *hash = hashOf(entry(mVertices, vertex));
@@ -69,6 +72,7 @@ unsigned int VertexFinder::firstAt(unsigned int vertex, std::uint32_t hash) {
   const Mesh::Position& p = mVertices[vertex];
   unsigned int* slot = &slotOf(p, hash);
   if (*slot != kFree) return *slot;
+  // A NaN equals nothing, so it keeps its vertex and needs no slot.
   if (p != p) return vertex;  // NOLINT(misc-redundant-expression): a NaN
   if (2 * ++mTaken > mSlots.size()) {
     grow();

@@ -38,7 +38,9 @@ void extend(Box& ioBox, const Box& box) {
   extend(ioBox, box.mMax);
 }
 
-// Bounds of many values, lane by lane. The sum is NaN if one of them is.
+// Bounds of many values, lane by lane. The sum is NaN if one of them is, which costs less than a
+// test of each value; infinities of both signs make it NaN, too, and then the plain walk is taken
+// for nothing.
 struct Bounds {
   Float4 mMin, mMax, mSum;
 
@@ -58,6 +60,7 @@ struct Bounds {
   }
 };
 
+// Three components and one of them again: a load of four would read past the last vertex.
 Float4 paddedAt(const Position& p) {
   const float row[4] = {p.x, p.y, p.z, p.x};
   return Float4::load(row);
@@ -142,6 +145,11 @@ bool hasMinusZero(const std::vector<Position>& positions) {
 
 }  // namespace
 
+//   section 0 uses a b c             root +- {0}: a -- {0, 1}: b c
+//   section 1 uses   b c d                +- {1}: d
+//
+// While the sections are walked, a vertex moves from its group to that group's child for the
+// section. A box is measured once per group and counts for all of the group's sections.
 VertexGroups::VertexGroups(const std::vector<Mesh::Corners>& triangles,
                            const std::vector<unsigned int>& sections, std::size_t vertices)
     : mGroups(1) {
@@ -163,7 +171,7 @@ VertexGroups::VertexGroups(const std::vector<Mesh::Corners>& triangles,
 unsigned int VertexGroups::childOf(unsigned int group, unsigned int section) {
   const unsigned int child = mGroups[group].mNewestChild;
   if (child != kRoot && mGroups[child].mSection == section) return child;
-  const auto added = static_cast<unsigned int>(mGroups.size());
+  const auto added = unsigned(mGroups.size());
   mGroups.push_back({section, group, kRoot, 0, 0});
   return mGroups[group].mNewestChild = added;
 }
@@ -199,7 +207,8 @@ bool VertexGroups::measure(const std::vector<Position>& positions, std::vector<B
     hasZeroBound = hasZeroBound || hasZero(ioScratch[g].mMin) || hasZero(ioScratch[g].mMax);
   }
   if (!isExact || (hasZeroBound && hasMinusZero(positions))) return false;
-  // A group's vertices belong to its own section and to those of its parent.
+  // A group's vertices belong to its own section and to those of its parent. Parents have lower
+  // indices, so a walk backwards meets every child before its parent.
   ioExtent.mAll = {};
   std::fill(ioExtent.mSections.begin(), ioExtent.mSections.end(), Box());
   for (std::size_t g = mGroups.size() - 1; g > kRoot; --g) {

@@ -39,7 +39,12 @@ void fillFaceNormals(const std::vector<Mesh::Position>& positions, const FrameTo
     some.mFaceNormals(&positions[0].x, &offsets[done].x, rest, &outNormals[done].x.x);
     done += rest;
   };
-  // Wide code also writes past its last triangle, which must therefore not be the last of all.
+  // Wide code reads one float past each position and writes one past its last triangle:
+  //
+  //   triangles   0 ........ t  t+1 ...... u  u+1 ....... last
+  //   code        wide       plain  wide   plain  wide    plain
+  //
+  // t and u use the highest vertex, behind which there may be nothing to read.
   for (const unsigned int t : topology.mAtHighestVertex) {
     run(forms, t);
     run(kPlain, t + 1);

@@ -40,7 +40,7 @@ template <class F>
 unsigned int bitsAt(const unsigned char* bits, std::size_t i) {
   if (F::kLanes == 1) return bits[i / 8] >> (i % 8) & 1U;
   if (F::kLanes == 8) return bits[i / 8];
-  return bits[i / 8] | static_cast<unsigned int>(bits[i / 8 + 1]) << 8;
+  return bits[i / 8] | unsigned(bits[i / 8 + 1]) << 8;
 }
 
 // Of `count` edges, a multiple of F::kLanes, the boundary edges and those whose two faces do not

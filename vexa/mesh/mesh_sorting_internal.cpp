@@ -10,7 +10,9 @@ namespace UXS {
 namespace {
 
 // The positions of the keys in ascending order, equal ones as they were: a radix sort, from the
-// lowest byte to the highest that any key has.
+// lowest byte to the highest that any key has. Material numbers are small as a rule, so one pass is
+// enough. Each pass counts the values of a byte, sums the counts to where each value starts, and
+// moves the positions there.
 std::vector<unsigned int> ascendingOrder(const std::vector<unsigned int>& keys) {
   std::vector<unsigned int> order(keys.size()), next(keys.size());
   std::iota(order.begin(), order.end(), 0U);
@@ -36,7 +38,7 @@ std::vector<T> reordered(const std::vector<T>& values, const std::vector<unsigne
   return sorted;
 }
 
-// Zeros of either sign; a NaN is not zero.
+// Zeros of either sign; a NaN is not zero. An empty array counts as all zero.
 template <class T>
 bool isAllZero(const std::vector<T>& values) {
   return std::all_of(values.begin(), values.end(), [](const T& value) { return value == T(); });
@@ -77,7 +79,7 @@ TriangleArrays sortedTriangles(const Mesh::Impl& mesh) {
   arrays.mHasNewNormals = true;
   arrays.mTriangles = reordered(arrays.mTriangles.get(), order);
   arrays.mUVCoords = reordered(arrays.mUVCoords.get(), order);
-  arrays.mMaterialIDs = reordered(materials, order);
+  arrays.mMaterialIDs = reordered(materials, order);  // last: `materials` is this array
   return arrays;
 }
 

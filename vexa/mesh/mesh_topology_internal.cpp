@@ -94,7 +94,8 @@ unsigned int fateOf(unsigned int triangle, const Sharing& sharing) {
   return sharing.mFirst == triangle ? kBoundary : kNever;
 }
 
-// The fates of the three edges of each triangle.
+// The fates of the three edges of each triangle, vertex by vertex: all edges that leave a vertex
+// are found among the triangles around it, so the whole takes time in proportion to the triangles.
 std::vector<Mesh::Corners> edgeFates(const std::vector<Mesh::Corners>& triangles,
                                      const VertexTriangleAdjacency& adjacency) {
   std::vector<Mesh::Corners> fates(triangles.size());
@@ -157,7 +158,7 @@ EdgeCandidates findEdgeCandidates(const std::vector<Mesh::Corners>& triangles,
   EdgeCandidates candidates;
   candidates.mEdges.reserve(triangles.size() * 3 / 2);  // as many as a closed mesh has
   candidates.mFaces.reserve(triangles.size() * 3 / 2);
-  candidates.mIsBoundary.reserve(triangles.size() / 5);
+  candidates.mIsBoundary.reserve(triangles.size() / 5);  // 3 / 2 bits each, rounded up
   const auto add = [&](unsigned int t, unsigned int a, unsigned int b, unsigned int fate) {
     if (fate == kNever) return;
     const std::size_t i = candidates.mEdges.size();
@@ -177,6 +178,7 @@ EdgeCandidates findEdgeCandidates(const std::vector<Mesh::Corners>& triangles,
 }
 
 FrameTopology::FrameTopology(const std::vector<Mesh::Corners>& triangles, std::size_t vertices) {
+  // A triangle has nine floats of corner normals, and offsets in floats are 32 bits.
   constexpr std::size_t kMost = 0xFFFFFFFF / 9;
   if (vertices > kMost || triangles.size() >= kMost) throw std::length_error("Mesh : too large");
   mEdges = findEdgeCandidates(triangles, VertexTriangleAdjacency(triangles, vertices));
@@ -192,6 +194,9 @@ FrameTopology::FrameTopology(const std::vector<Mesh::Corners>& triangles, std::s
   }
 }
 
+// Triangles are connected through their vertices, across sections as well. The numbers are given in
+// a second walk, in the order of the triangles, so that they do not depend on how the sets were
+// united.
 std::vector<unsigned int> labelComponents(const std::vector<Mesh::Corners>& triangles,
                                           const std::vector<unsigned int>& sections,
                                           std::size_t vertices) {
@@ -206,6 +211,7 @@ std::vector<unsigned int> labelComponents(const std::vector<Mesh::Corners>& tria
       unsigned int& label = labelOfSet[sets.representative(triangles[t].x)];
       const bool isNew = label == kNever;
       if (isNew) label = next;
+      // Required behaviour: the first triangle of a section uses up a number.
       if (isNew || t == sections[s]) ++next;
       labels[t] = label;
     }

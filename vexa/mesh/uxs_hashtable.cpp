@@ -21,6 +21,8 @@ std::uint32_t bitsOf(float value) {
 
 }  // namespace
 
+// Required behaviour: bytes 0 and 2 of each word alone. Round numbers have zeros in byte 0, so many
+// positions share a hash; VertexFinder does what the library itself needs.
 template <>
 unsigned int PositionTable::default_hashfunc(const Oru::TVector3D<float>& key) {
   const std::uint32_t words[3] = {bitsOf(key.x), bitsOf(key.y), bitsOf(key.z)};

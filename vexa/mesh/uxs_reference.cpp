@@ -4,6 +4,7 @@ namespace UXS {
 
 bool uxs_reference::_is_final_renderer = false;
 
+// Required behaviour: while the switch is set, no count changes and no object goes.
 void uxs_reference::increment() const {
   if (!_is_final_renderer) mReferenceCount.fetch_add(1);
 }
