@@ -54,6 +54,8 @@ std::vector<const aiNode*> listNodes(const aiNode& root) {
 // The same, ordered by the parents that the nodes name. Usually these are the nodes that list them
 // as children, but one reader (HL1) lists all bones flat and sets their parents aright.
 std::vector<const aiNode*> parentsFirst(const std::vector<const aiNode*>& nodes) {
+  // Each node leads up to the first ancestor that is listed already; that chain is added from its
+  // top. A ring of parents ends where a node is met again.
   std::vector<const aiNode*> ordered;
   std::unordered_set<const aiNode*> isListed(nodes.begin(), nodes.end()), isOrdered;
   std::vector<const aiNode*> chain;
@@ -127,6 +129,7 @@ void readPoints(const aiMesh& mesh, SourceModel::Mesh& outMesh) {
     const aiVector3D& p = mesh.mVertices[i];
     outMesh.mPoints.emplace_back(p.x, p.y, p.z);
   }
+  // Only the first set: the OBJ file of the rest mesh has one.
   if (!mesh.HasTextureCoords(0)) return;
   for (unsigned i = 0; i < mesh.mNumVertices; ++i) {
     outMesh.mUvs.emplace_back(mesh.mTextureCoords[0][i].x, mesh.mTextureCoords[0][i].y);
@@ -242,6 +245,7 @@ constexpr double kZUpToYUp[16] = {1, 0, 0, 0, 0, 0, -1, 0, 0, 1, 0, 0, 0, 0, 0, 
 // releases do, at the root node, as the readers of most other formats have always done.
 Matrix readAxes(const aiScene& scene, const std::string& file) {
   Matrix axes;
+  // A root that turns has done so already.
   if (!scene.mRootNode->mTransformation.IsIdentity()) return axes;
   if (hasZUp(file)) std::copy(std::begin(kZUpToYUp), std::end(kZUpToYUp), axes.e);
   if (scene.mMetaData == nullptr) return axes;
@@ -279,6 +283,7 @@ SourceModel convert(const aiScene& scene, const std::string& file, double ticksP
   if (error.rfind("No suitable reader", 0) == 0) {
     throw std::runtime_error("it is of no known model format");
   }
+  // libassimp catches it and keeps the text; it is this process that has too little memory.
   if (error.find("bad_alloc") != std::string::npos) throw std::bad_alloc();
   throw std::runtime_error(error);
 }

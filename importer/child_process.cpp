@@ -29,6 +29,14 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using formats::Descriptor;
 
+// Why a child process: readers of foreign formats abort, loop, and take memory without end on
+// damaged files, and none of that can be undone within a process.
+//
+//   this process                        the child
+//   pipe, fork                          silent, limited, with default signals
+//   wait for a message, not too long    work()
+//   check it, reap the child     <---   one message, then _exit
+//
 // What goes through the pipe: one of these, the length in 8 bytes, then the result or error text.
 constexpr char kResult = 'R';
 constexpr char kError = 'E';
@@ -46,6 +54,7 @@ class Child {
   ~Child() {
     if (mPid <= 0) return;
     kill(mPid, SIGKILL);
+    // Also after an exception: no zombie and no running child stays behind.
     while (waitpid(mPid, nullptr, 0) < 0 && errno == EINTR) {
     }
   }
@@ -54,6 +63,8 @@ class Child {
   bool wait(Clock::time_point deadline, int& outStatus) {
     for (;;) {
       const pid_t ended = waitpid(mPid, &outStatus, WNOHANG);
+      // An error means that somebody else has reaped the child, such as a host that ignores
+      // SIGCHLD.
       if (ended == mPid || (ended < 0 && errno != EINTR)) {
         mPid = -1;
         return true;
@@ -74,6 +85,7 @@ void limitResource(decltype(RLIMIT_CORE) resource, std::uint64_t soft, std::uint
   setrlimit(resource, &limit);
 }
 
+// The child starts with the pages of this process, which count to its limit.
 std::uint64_t addressSpaceInUse() {
   std::uint64_t pages = 0;
   std::ifstream("/proc/self/statm") >> pages;
@@ -82,8 +94,10 @@ std::uint64_t addressSpaceInUse() {
 
 void applyLimits(const ChildLimits& limits) {
 #ifdef __linux__
+  // If this process is killed, nobody would be left to end a child that loops.
   prctl(PR_SET_PDEATHSIG, SIGKILL);
 #endif
+  // A crash is expected here; a core file of it would be of no use to anybody.
   limitResource(RLIMIT_CORE, 0, 0);
   // The hard limit lies higher: at the soft one comes SIGXCPU, which tells the reason.
   limitResource(RLIMIT_CPU, limits.mCpuSeconds, std::uint64_t{limits.mCpuSeconds} + 1);
@@ -92,6 +106,7 @@ void applyLimits(const ChildLimits& limits) {
 }
 
 void silenceStandardStreams() {
+  // Readers print warnings of their own, and the command's output is for programs, too.
   const int null = open("/dev/null", O_RDWR);
   if (null < 0) return;
   for (const int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) dup2(null, stream);
@@ -125,6 +140,8 @@ void sendError(int fd, const char* text) { sendMessage(fd, kError, text, std::st
   restoreSignals();
   applyLimits(limits);
   try {
+    // No destructor of the parent's objects may run here: they would remove its temporary files. So
+    // the child never returns from this function; it ends by _exit.
     const std::string result = work();
     sendMessage(fd, kResult, result.data(), result.size());
   } catch (const std::bad_alloc&) {
@@ -154,6 +171,7 @@ bool readAll(int fd, char* bytes, std::size_t count, Clock::time_point deadline,
         std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now());
     if (left.count() <= 0) failForTime(limits);
     pollfd waiting{fd, POLLIN, 0};
+    // In pieces of a minute: poll takes an int of milliseconds.
     const int ready = poll(&waiting, 1, int(std::min<long long>(left.count(), 60'000)));
     if (ready < 0 && errno != EINTR) failWithErrno("poll");
     if (ready <= 0) continue;
@@ -210,6 +228,7 @@ std::string runInChild(const std::function<std::string()>& work, const ChildLimi
   if (pid < 0) failWithErrno("fork");
   if (pid == 0) runAsChild(input.get(), work, limits);
   Child child(pid);
+  // With the writing end open here, the pipe would never end.
   input.close();
 
   if (auto result = receiveResult(output.get(), deadline, limits)) return std::move(*result);

@@ -116,6 +116,7 @@ Json describeModel(const std::string& file) {
   SourceModel model;
   try {
     model = readModel(file);
+    // The same steps as an import, so that its notes are the ones an import would give.
     findTextures(file, model);
     checkModel(model);
   } catch (const std::runtime_error& e) {

@@ -8,6 +8,15 @@ namespace vexa::importer {
 
 namespace {
 
+// A binary FBX file:
+//
+//   27 bytes   "Kaydara FBX Binary  ", some fixed bytes, uint32 version
+//   records    each: end of the record, number of values, length of the values (4 or 8 bytes each)
+//              one byte of length and the name, the values, then nested records
+//              and a record of zeros after the last of them
+//
+// Records nest six or seven deep in practice; the limit keeps a made-up file from using up the
+// stack.
 constexpr int kDeepest = 64;
 constexpr std::size_t kHeader = 27;
 
@@ -52,6 +61,7 @@ class BinaryReader {
     takeSize();  // the length of the values, which say it themselves
     const std::size_t nameLength = take<std::uint8_t>();
     if (end == 0) return false;
+    // A record stays within the one that holds it, and ends behind its own header.
     if (end > limit || end < mPlace) fail("a record ends at byte " + std::to_string(end));
     if (depth > kDeepest) fail("records are nested too deeply");
     FbxRecord& record = ioParent.mChildren.emplace_back();
@@ -60,6 +70,7 @@ class BinaryReader {
     if (mPlace > end) fail("values reach past the end of their record");
     while (mPlace < end && addRecord(record, std::size_t(end), depth + 1)) {
     }
+    // What an unknown writer put between the last child and the end is skipped.
     mPlace = std::size_t(end);
     return true;
   }
@@ -121,6 +132,7 @@ class BinaryReader {
     const std::size_t count = take<std::uint32_t>();
     const std::uint32_t encoding = take<std::uint32_t>();
     const std::size_t length = take<std::uint32_t>();
+    // Encoding 1 is deflate; 0 is plain. count is 32-bit, so the product fits 64 bits.
     const std::string stored = takeText(encoding == 1 ? length : count * sizeof(T));
     const std::string bytes = encoding == 1 ? inflated(stored, count * sizeof(T)) : stored;
     FbxValue value;

@@ -11,7 +11,8 @@ namespace {
 constexpr const char* kParts[] = {"Lcl Translation", "Lcl Rotation", "Lcl Scaling"};
 constexpr const char* kAxes[] = {"d|X", "d|Y", "d|Z"};
 
-// How many ticks are a second, up to FBX 7 and from FBX 8 on.
+// How many ticks are a second, up to FBX 7 and from FBX 8 on. FBX 8 files may state that they still
+// use the old one.
 constexpr double kTicks = 46186158000.0, kNewTicks = 141120000.0;
 constexpr std::int64_t kOldDefinition = 127;
 
@@ -35,8 +36,12 @@ class ClipReader {
     mClip = {stack.mName, {}};
     mChannels.clear();
     mNoted.clear();
+    // Keys have the times of the file's time line, on which the clip starts here; a take starts at
+    // 0.
     mStart = fbxNumber(stack, "LocalStart").value_or(0);
     const std::vector<const FbxObject*> layers = layersOf(stack);
+    // Layers are added up with weights by the program that wrote the file; the first one is the
+    // motion itself.
     if (layers.size() > 1) {
       note("has " + std::to_string(layers.size()) + " layers; only '" + layers[0]->mName +
            "' is played");
@@ -67,6 +72,7 @@ class ClipReader {
   void addLayer(const FbxObject& layer) {
     for (const FbxScene::Link& link : mScene.below(layer.mId)) {
       if (link.mObject->mClass != "AnimationCurveNode") continue;
+      // An AnimationCurveNode hangs on its layer without a property and on its node by one.
       for (const FbxScene::Link& target : mScene.above(link.mObject->mId)) {
         if (!target.mProperty.empty()) {
           addCurves(*link.mObject, *target.mObject, target.mProperty);
@@ -100,6 +106,7 @@ class ClipReader {
       keys = fbxCurveKeys(*link.mObject->mRecord, mStart, mTicksPerSecond);
       noteExtrapolation(*link.mObject->mRecord);
     }
+    // An axis without a curve has its constant value in the curve node.
     const auto still = fbxNumber(curves, kAxes[axis]);
     if (keys.empty() && still.has_value()) {
       keys.emplace_back();

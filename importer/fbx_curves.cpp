@@ -18,6 +18,7 @@ constexpr std::uint32_t kTcb = 0x200, kUser = 0x400;
 constexpr std::uint32_t kClamp = 0x1000, kTimeIndependent = 0x2000, kClampProgressive = 0x4000;
 constexpr std::uint32_t kWeightedRight = 0x01000000, kWeightedNextLeft = 0x02000000;
 
+// A Bezier segment whose control points are at a third of its time is a plain cubic of time.
 constexpr double kUsualWeight = 1.0 / 3;
 // Below that difference a clamped key counts as level with its neighbour.
 constexpr double kLevel = 1e-3;
@@ -119,6 +120,7 @@ class CurveReader {
     Tangent left;  // of the key to come: the key before it states it
     for (std::size_t i = 0; i < mTimes.size(); ++i) {
       keys.push_back(keyAt(i, mAttributes[attribute], left));
+      // Attributes are shared: each states how many keys in a row use it.
       if (++used >= mAttributes[attribute].mUses && attribute + 1 < mAttributes.size()) {
         ++attribute;
         used = 0;
@@ -195,6 +197,7 @@ class CurveReader {
   void solveTcb(std::size_t i, const Attribute& attribute, Tangent& ioLeft,
                 Tangent& ioRight) const {
     const double before = hasBefore(i) ? slopeTo(i - 1) : 0, after = hasAfter(i) ? slopeTo(i) : 0;
+    // At an end there is one slope instead of the mean of two.
     const double part = hasBefore(i) && hasAfter(i) ? 0.5 : 1;
     const double tension = part * (1 - attribute.mData[0]), continuity = attribute.mData[1];
     const double bias = attribute.mData[2];
@@ -225,6 +228,7 @@ class CurveReader {
   }
 
   void place(std::size_t i, const Tangent& left, const Tangent& right, CurveKey& outKey) const {
+    // The control point is on the line of the tangent, a part of the way to the neighbour's time.
     if (hasBefore(i)) outKey.mLeftTime = left.mWeight * (mTimes[i] - mTimes[i - 1]);
     if (hasAfter(i)) outKey.mRightTime = right.mWeight * (mTimes[i + 1] - mTimes[i]);
     outKey.mLeftValue = outKey.mLeftTime * left.mSlope;

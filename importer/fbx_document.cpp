@@ -13,6 +13,7 @@ const std::string kNoText;
 
 std::uint32_t versionOfText(const std::string& bytes) {
   constexpr std::string_view kKey = "FBXVersion:";
+  // The version is in the header; a search through all of a large file would cost time.
   const std::size_t place = bytes.substr(0, 4096).find(kKey);
   if (place == std::string::npos) return 0;
   std::uint32_t version = 0;
@@ -57,6 +58,7 @@ std::int64_t FbxRecord::integer(std::size_t index) const {
   if (index >= mValues.size()) return 0;
   const FbxValue& value = mValues[index];
   if (value.mKind == FbxValue::Kind::Integer) return value.mInteger;
+  // Below 2^63: converting more to an integer would be undefined.
   constexpr double kLargest = 9e18;
   const double number = value.number();
   return number > -kLargest && number < kLargest ? std::int64_t(number) : 0;

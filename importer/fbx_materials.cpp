@@ -12,6 +12,7 @@ std::string fileName(const std::string& path) { return path.substr(path.find_las
 std::string contentOf(const FbxScene& scene, const FbxObject& texture) {
   const FbxObject* video = scene.firstBelow(texture.mId, "Video");
   const FbxRecord* content = video == nullptr ? nullptr : video->mRecord->find("Content");
+  // Text files hold pictures as base64, which is not read here.
   return content == nullptr || !scene.document().mIsBinary ? std::string() : content->text(0);
 }
 
@@ -23,6 +24,7 @@ void addTexture(const FbxScene& scene, const FbxObject& texture,
     if (path.empty() && record != nullptr) path = record->text(0);
   }
   outMaterial.mTextureBytes = contentOf(scene, texture);
+  // Programs on Windows write backslashes.
   std::replace(path.begin(), path.end(), '\\', '/');
   outMaterial.mTexture = outMaterial.mTextureBytes.empty() ? path : fileName(path);
 }

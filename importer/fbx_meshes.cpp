@@ -18,7 +18,9 @@ std::size_t indexOf(double number) {
   return number >= 0 && number < 4294967296.0 ? std::size_t(number) : SIZE_MAX;
 }
 
-// A list with one value per corner, point or polygon, perhaps by way of indices.
+// A list with one value per corner, point or polygon, perhaps by way of indices:
+// "MappingInformationType" says which of the three counts, and an index list makes it one step
+// longer.
 class Layer {
  public:
   Layer(const FbxRecord* record, const char* values, const char* indices, std::size_t width)
@@ -73,6 +75,7 @@ class GeometryReader {
     std::size_t first = 0, polygon = 0;
     for (std::size_t i = 0; i < mCorners.size(); ++i) {
       if (mCorners[i] >= 0) continue;
+      // -1 is corner 0 at the end of a polygon, -2 is corner 1, and so on.
       mCorners[i] = -mCorners[i] - 1;
       addPolygon(first, i + 1, polygon++);
       first = i + 1;
@@ -215,6 +218,7 @@ class MeshReader {
   }
 
   void addShape(const FbxObject& channel, std::vector<Vec3>& ioPoints) {
+    // In one of two places, by the version of the writer.
     double percent = fbxNumber(channel, "DeformPercent").value_or(0);
     if (const FbxRecord* stored = channel.mRecord->find("DeformPercent")) {
       if (!stored->mValues.empty() && percent == 0) percent = stored->mValues[0].number();
@@ -267,6 +271,7 @@ class MeshReader {
 
   void addBones(const FbxObject& skin, const Matrix& geometric,
                 const std::vector<std::size_t>& origins, SourceModel::Mesh& ioMesh) {
+    // A point with several uvs is several vertices: its weight goes to each of them.
     std::map<std::size_t, std::vector<std::uint32_t>> copies;
     for (std::size_t i = 0; i < origins.size(); ++i) {
       copies[origins[i]].push_back(std::uint32_t(i));
@@ -279,6 +284,7 @@ class MeshReader {
       bone.mName = node == nullptr ? cluster.mName : node->mName;
       const auto found = node == nullptr ? mParts.mNodes.end() : mParts.mNodes.find(node->mId);
       if (found != mParts.mNodes.end()) bone.mNode = found->second;
+      // "Transform" leads from the mesh to the bone in the pose of binding.
       bone.mOffset =
           fbxMatrix(cluster.mRecord->numbers("Transform")).value_or(Matrix()) * geometric;
       const auto indices = cluster.mRecord->numbers("Indexes");

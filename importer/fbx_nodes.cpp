@@ -19,6 +19,7 @@ SourceModel::Pivots pivotsOf(const FbxObject& node, std::vector<std::string>& io
   };
   for (const auto& [name, to] : vectors) *to = fbxVector(node, name).value_or(*to);
   const double order = fbxNumber(node, "RotationOrder").value_or(0);
+  // 0 to 5 are the six orders of three axes.
   if (order == 6) {
     ioNotes.push_back("node '" + node.mName + "' has a spheric rotation order; XYZ is taken");
   }
@@ -49,6 +50,7 @@ void addNode(const FbxObject& object, std::int32_t parent, FbxParts& ioParts,
 void addFbxNodes(FbxParts& ioParts, SourceModel& ioModel) {
   ioModel.mNodes.emplace_back();
   ioParts.mNodes.emplace(0, 0);
+  // Breadth first from the nodes that hang on no other, so parents come before children.
   std::vector<std::int64_t> open = {0};
   for (const FbxObject& object : ioParts.mScene.objects()) {
     const bool isFree =
@@ -70,6 +72,7 @@ void addFbxNodes(FbxParts& ioParts, SourceModel& ioModel) {
 }
 
 Matrix fbxGeometricMatrix(const FbxObject& node) {
+  // The geometric part moves the mesh of a node and not its children.
   SourceModel::Pivots pivots;
   pivots.mTranslation = fbxVector(node, "GeometricTranslation").value_or(pivots.mTranslation);
   pivots.mRotation = fbxVector(node, "GeometricRotation").value_or(pivots.mRotation);

@@ -21,6 +21,7 @@ Matrix axesOf(const FbxScene& scene) {
     const double sign = settingOf(scene, (std::string(names[row]) + "Sign").c_str(), 1);
     for (int c = 0; c < 3; ++c) stated(row, c) = axis == c ? (sign < 0 ? -1 : 1) : 0;
   }
+  // Two axes may be stated as the same: nothing can be made of that.
   return stated.is_invertible() ? stated : Matrix();
 }
 
@@ -32,6 +33,7 @@ SourceModel readFbx(const std::string& bytes) {
   FbxParts parts{scene, {}, {}};
   SourceModel model;
   model.mAxes = axesOf(scene);
+  // The factor is in centimetres.
   model.mMetresPerUnit = 0.01 * settingOf(scene, "UnitScaleFactor", 1);
   addFbxNodes(parts, model);
   addFbxMaterials(parts, model);

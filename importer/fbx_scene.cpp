@@ -38,6 +38,7 @@ const FbxObject* firstOf(const std::vector<FbxScene::Link>& links, const char* c
 constexpr std::size_t kFirstValue = 4;
 
 const FbxRecord* propertyOf(const FbxObject& object, const char* name, std::size_t valueCount) {
+  // The object's own value, else that of its class.
   for (const FbxRecord* holder : {object.mRecord, object.mDefaults}) {
     const FbxRecord* property = fbxProperty(holder, name);
     if (property != nullptr && property->mValues.size() >= kFirstValue + valueCount) {
@@ -56,6 +57,7 @@ FbxScene::FbxScene(const FbxDocument& document) : mDocument(document) {
 
 void FbxScene::addObjects(const FbxRecord& objects) {
   const auto defaults = defaultsByClass(mDocument.mRoot);
+  // Links keep pointers to the objects, which must not move.
   mObjects.reserve(objects.mChildren.size());
   for (const FbxRecord& record : objects.mChildren) {
     if (record.mValues.size() < 2) continue;
@@ -67,6 +69,7 @@ void FbxScene::addObjects(const FbxRecord& objects) {
     object.mRecord = &record;
     const auto found = defaults.find(record.mName);
     if (found != defaults.end()) object.mDefaults = found->second;
+    // Of two objects with one number the first counts.
     if (mById.emplace(object.mId, mObjects.size()).second) mObjects.push_back(std::move(object));
   }
 }

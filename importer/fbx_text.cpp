@@ -19,6 +19,12 @@ bool isNumberPart(char c) {
 
 bool startsNumber(char c) { return (c >= '0' && c <= '9') || c == '+' || c == '-' || c == '.'; }
 
+// A text FBX file, whose values may go on over lines after a comma:
+//
+//   ; comment
+//   Name: value, "text", *3 { a: 1,2,3 } {
+//     Child: ...
+//   }
 class TextReader {
  public:
   explicit TextReader(const std::string& bytes) : mText(bytes) {}
@@ -106,6 +112,7 @@ class TextReader {
     std::string text = mText.substr(mPlace + 1, end - mPlace - 1);
     mPlace = end + 1;
     for (std::size_t i = text.find("&quot;"); i != std::string::npos; i = text.find("&quot;", i)) {
+      // Past the quote that was put in, so that it is not looked at again.
       text.replace(i++, 6, "\"");
     }
     return text;

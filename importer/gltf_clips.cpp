@@ -11,7 +11,8 @@ namespace {
 
 using Interpolation = SourceModel::Interpolation;
 
-// The keys of one sampler: per key one value, or three for cubic curves.
+// The keys of one sampler: per key one value, or three for cubic curves, in the order
+// in-tangent, value, out-tangent.
 struct Samples {
   Interpolation mInterpolation = Interpolation::Linear;
   std::vector<double> mTimes, mValues;
@@ -95,6 +96,7 @@ class ClipReader {
     const auto& node = gltfItem(mParts.mFile.nodes, channel.target_node, "node");
     const auto& sampler = gltfItem(animation.samplers, channel.sampler, "sampler");
     const std::string name = gltfName(node.name, "node", std::size_t(channel.target_node));
+    // Morph targets change the shape of a mesh, which an animation file cannot say.
     if (channel.target_path == "weights") {
       noteMorph(node, name, samplesOf(sampler, 1));
       return;
@@ -122,6 +124,7 @@ class ClipReader {
     const std::size_t perKey = samples.mInterpolation == Interpolation::Cubic ? 3 : 1;
     bool stays = !rest.empty();
     for (std::size_t i = 0; stays && i < samples.mValues.size(); ++i) {
+      // For a cubic curve every weight of a key comes as in-tangent, then value, then out-tangent.
       const std::size_t place = i / rest.size() % perKey;
       const bool isTangent = perKey == 3 && place != 1;
       stays = samples.mValues[i] == (isTangent ? 0 : rest[i % rest.size()]);
@@ -131,6 +134,7 @@ class ClipReader {
 
   // A node that is not animated whole keeps the rest of its parts, signs included.
   static void holdRest(const tinygltf::Node& node, SourceModel::Channel& ioChannel) {
+    // The format forbids channels on a node with a matrix; its columns are taken apart when posed.
     if (node.matrix.size() == 16) return;
     const auto &t = node.translation, &r = node.rotation, &s = node.scale;
     hold(t.size() == 3 ? Vec3(t[0], t[1], t[2]) : Vec3(), ioChannel.mTranslations);
@@ -144,6 +148,7 @@ class ClipReader {
   SourceModel& mModel;
   SourceModel::Clip mClip;
   std::string mWhich;
+  // By node: glTF has a channel for each of translation, rotation and scale.
   std::map<std::size_t, SourceModel::Channel> mChannels;
 };
 

@@ -50,8 +50,11 @@ std::string withoutCompressedIndices(const std::string& bytes) {
   const std::size_t length = numberAt(bytes, kHeader);
   if (length > bytes.size() - kTextStart) return bytes;
   std::string text = edited(bytes.substr(kTextStart, length));
+  // Parts of a binary file are multiples of four bytes; the text is padded with blanks.
   text.resize((text.size() + 3) / 4 * 4, ' ');
   std::string result = bytes.substr(0, kTextStart) + text + bytes.substr(kTextStart + length);
+  // The text has another length now: the file states its own length at 8 and that of the text
+  // at 12.
   put(std::uint32_t(result.size()), 8, result);
   put(std::uint32_t(text.size()), kHeader, result);
   return result;

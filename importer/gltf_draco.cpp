@@ -33,6 +33,7 @@ std::vector<double> dracoAttribute(const std::string& bytes, std::uint32_t id, i
   const draco::PointAttribute* attribute = mesh->GetAttributeByUniqueId(id);
   if (attribute == nullptr) throw std::runtime_error("a compressed mesh lacks an attribute");
   std::vector<double> numbers;
+  // A float holds every number that an attribute of a mesh has, and 16 is the widest element.
   float element[16] = {};
   for (draco::PointIndex point(0); point < mesh->num_points(); ++point) {
     if (!attribute->ConvertValue<float>(attribute->mapped_index(point), std::int8_t(components),

@@ -22,6 +22,7 @@ void addTexture(const tinygltf::Model& file, int index, SourceModel::Material& o
   const auto& texture = gltfItem(file.textures, index, "texture");
   if (texture.source < 0) return;
   const auto& image = gltfItem(file.images, texture.source, "image");
+  // Either the bytes are within the file, or the picture is a file of its own.
   if (!image.image.empty()) {
     outMaterial.mTexture =
         gltfName(image.name, "image", std::size_t(texture.source)) + endingOf(image);

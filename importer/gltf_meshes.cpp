@@ -19,6 +19,7 @@ std::vector<std::array<std::size_t, 3>> cornersOf(int mode, std::size_t count) {
     for (std::size_t i = 0; i + 2 < count; i += 3) corners.push_back({i, i + 1, i + 2});
   } else if (mode == TINYGLTF_MODE_TRIANGLE_STRIP) {
     for (std::size_t i = 0; i + 2 < count; ++i) {
+      // Every second triangle of a strip turns the other way:  (0 1 2) (1 3 2) (2 3 4) ...
       corners.push_back({i, i + 1 + i % 2, i + 2 - i % 2});
     }
   } else if (mode == TINYGLTF_MODE_TRIANGLE_FAN) {
@@ -35,6 +36,8 @@ class MeshReader {
   void addNode(std::size_t index) {
     const tinygltf::Node& node = mFile.nodes[index];
     const auto& mesh = gltfItem(mFile.meshes, node.mesh, "mesh");
+    // One mesh may be used with several skins and weights; each combination is a mesh of its own
+    // here, made once.
     const std::vector<double> weights = gltfMorphWeights(mFile, node);
     const auto key = std::make_tuple(node.mesh, node.skin, weights);
     const auto [known, isNew] = mKnown.try_emplace(key);
@@ -72,6 +75,7 @@ class MeshReader {
     std::vector<double> points = mNumbers.attribute(primitive, "POSITION", 3);
     for (std::size_t t = 0; t < std::min(weights.size(), primitive.targets.size()); ++t) {
       const auto target = primitive.targets[t].find("POSITION");
+      // The targets are added as they are at rest.
       if (weights[t] == 0 || target == primitive.targets[t].end()) continue;
       const std::vector<double> moved = mNumbers.read(target->second, 3);
       if (moved.size() != points.size()) {
@@ -86,6 +90,7 @@ class MeshReader {
 
   // The format counts v downwards.
   void addUvs(const tinygltf::Primitive& primitive, SourceModel::Mesh& ioMesh) {
+    // The set that the picture of the base colour uses.
     int set = 0;
     if (primitive.material >= 0) {
       const auto& material = gltfItem(mFile.materials, primitive.material, "material");
@@ -120,6 +125,7 @@ class MeshReader {
       bone.mName = gltfItem(mFile.nodes, skin.joints[i], "node").name;
       bone.mNode = mParts.mNodes[std::size_t(skin.joints[i])];
       if (16 * i + 16 <= binds.size()) {
+        // Stored column by column.
         for (int e = 0; e < 16; ++e) bone.mOffset(e % 4, e / 4) = binds[16 * i + std::size_t(e)];
       }
       ioMesh.mBones.push_back(std::move(bone));
@@ -142,6 +148,7 @@ class MeshReader {
       if (!(joints[i] >= 0 && joints[i] < double(ioMesh.mBones.size()))) {
         throw std::runtime_error("mesh '" + ioMesh.mName + "' has weights for an absent joint");
       }
+      // JOINTS_n counts within the skin, whose bones were added in its order.
       auto& influences = ioMesh.mBones[std::size_t(joints[i])].mInfluences;
       influences.push_back({std::uint32_t(i / 4), weights[i]});
     }

@@ -13,6 +13,7 @@ namespace {
 
 template <class T>
 double numberAs(const unsigned char* from) {
+  // Copied: a buffer view may start at any byte.
   T value;
   std::memcpy(&value, from, sizeof(T));
   return double(value);
@@ -89,6 +90,7 @@ int componentsOf(const tinygltf::Accessor& accessor) {
 void normalize(const tinygltf::Accessor& accessor, std::vector<double>& ioNumbers) {
   if (!accessor.normalized) return;
   const double factor = 1 / largest(accessor.componentType);
+  // -128 of a byte is a little below -1; the format says to cut it there.
   for (double& number : ioNumbers) number = std::max(number * factor, -1.0);
 }
 
@@ -116,6 +118,7 @@ const tinygltf::Accessor& GltfNumbers::accessorAt(int index) const {
 GltfNumbers::Bytes GltfNumbers::bytesOf(int bufferView, std::size_t offset) const {
   const auto& view = gltfItem(mFile.bufferViews, bufferView, "buffer view");
   const auto& buffer = gltfItem(mFile.buffers, view.buffer, "buffer").data;
+  // Differences instead of sums: offsets from the file could overflow.
   if (view.byteOffset > buffer.size() || view.byteLength > buffer.size() - view.byteOffset ||
       offset > view.byteLength) {
     refuse("a buffer view reaches past the end of its buffer");
@@ -141,7 +144,9 @@ std::vector<double> GltfNumbers::read(int index, int components) const {
   } else {
     const Bytes from = bytesOf(accessor.bufferView, accessor.byteOffset);
     const std::size_t stated = mFile.bufferViews[std::size_t(accessor.bufferView)].byteStride;
+    // Elements may lie apart, with those of other accessors between them.
     const std::size_t stride = stated > 0 ? stated : width * size;
+    // Only the last element counts to the end: behind it there need be no gap.
     const std::size_t last = width * size;
     if (accessor.count > 0 &&
         (from.mSize < last || accessor.count - 1 > (from.mSize - last) / stride)) {
@@ -154,6 +159,7 @@ std::vector<double> GltfNumbers::read(int index, int components) const {
       }
     }
   }
+  // First all elements, then those that the sparse part replaces, then integers as fractions.
   if (accessor.sparse.isSparse) addSparse(accessor, components, numbers);
   normalize(accessor, numbers);
   return numbers;
@@ -190,6 +196,7 @@ std::vector<double> GltfNumbers::attribute(const tinygltf::Primitive& primitive,
   const auto found = primitive.attributes.find(name);
   if (found == primitive.attributes.end()) return {};
   if (const tinygltf::Value* draco = dracoOf(primitive)) {
+    // Attributes that the extension does not list are stored as usual.
     const tinygltf::Value& id = draco->Get("attributes").Get(name);
     if (id.IsInt()) {
       auto numbers = dracoAttribute(bytes(draco->Get("bufferView").GetNumberAsInt()),

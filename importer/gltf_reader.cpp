@@ -38,6 +38,8 @@ bool isOfNoConcern(const std::string& extension) {
 }
 
 void checkExtensions(const tinygltf::Model& file, SourceModel& ioModel) {
+  // Required: the file cannot be shown right without it. Used only: something is lost, which a note
+  // says.
   for (const std::string& name : file.extensionsRequired) {
     if (isRead(name) || isOfNoConcern(name) || name == "KHR_texture_transform") continue;
     const bool compresses = name.find("compression") != std::string::npos;
@@ -75,6 +77,7 @@ std::vector<int> parentsOf(const tinygltf::Model& file) {
   for (std::size_t i = 0; i < file.nodes.size(); ++i) {
     for (const int child : file.nodes[i].children) {
       gltfItem(file.nodes, child, "node");
+      // A child of two nodes would need two places.
       int& parent = parents[std::size_t(child)];
       if (parent != -1) refuse("node " + std::to_string(child) + " hangs on two nodes");
       parent = int(i);
@@ -102,6 +105,7 @@ void addNodes(const tinygltf::Model& file, GltfParts& ioParts, SourceModel& ioMo
     ioModel.mNodes.push_back(std::move(added));
     order.insert(order.end(), node.children.begin(), node.children.end());
   }
+  // Every node was reached from a root, unless some hang on each other.
   if (order.size() < file.nodes.size()) refuse("its nodes hang on each other in a ring");
 }
 
@@ -134,6 +138,7 @@ bool keepImage(tinygltf::Image* image, int, std::string*, std::string*, int, int
 tinygltf::Model parse(const std::string& file, const std::string& folder) {
   const std::string bytes = withoutCompressedIndices(file);
   tinygltf::TinyGLTF loader;
+  // No decoder for pictures is linked, and none is needed: their bytes are written out as they are.
   loader.SetImageLoader(keepImage, nullptr);
   tinygltf::Model model;
   std::string error, warning;
@@ -165,6 +170,8 @@ std::string gltfName(const std::string& name, const char* kind, std::size_t inde
 
 bool isGltf2(const std::string& bytes) {
   if (isBinary(bytes)) return bytes.size() > 4 && bytes[4] == 2;
+  // A quick look, without parsing: a file that passes it and is no glTF fails later. The three
+  // bytes after the blanks are the mark that some editors put in front of UTF-8.
   const std::size_t first = bytes.find_first_not_of(" \t\r\n\xef\xbb\xbf");
   if (first == std::string::npos || bytes[first] != '{') return false;
   const std::size_t asset = bytes.find("\"asset\"");
@@ -178,6 +185,7 @@ bool isGltf2(const std::string& bytes) {
 SourceModel readGltf(const std::string& bytes, const std::string& folder) {
   const tinygltf::Model file = parse(bytes, folder);
   SourceModel model;
+  // The format fixes its unit, and +Y up, so the axes stay as they are.
   model.mMetresPerUnit = 1;
   checkExtensions(file, model);
   GltfParts parts{file, std::vector<std::int32_t>(file.nodes.size(), 0),

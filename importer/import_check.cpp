@@ -34,6 +34,7 @@ double diagonal(const Reference& points) {
 }
 
 double distance(const Oru::TVector3D<double>& a, const Oru::TVector3D<float>& b) {
+  // NaN compares as false with everything and would pass as no difference.
   const double d = std::hypot(a.x - double(b.x), a.y - double(b.y), a.z - double(b.z));
   return std::isnan(d) ? std::numeric_limits<double>::infinity() : d;
 }
@@ -50,6 +51,7 @@ void compare(const Reference& expected, const Posed& actual, std::size_t take, s
     ioCheck.mVertex = v;
   }
   const double size = diagonal(expected);
+  // The smallest pose: a clip that leads far away must not make errors look small.
   ioCheck.mSize = ioCheck.mPoseCount == 0 ? size : std::min(ioCheck.mSize, size);
   ++ioCheck.mPoseCount;
 }

@@ -119,6 +119,7 @@ class ImportWriter {
     formats::writeObj(mesh, mModel.mMesh, writeMaterials());
     formats::writeFile(add(mName + ".json"), asText(sceneOf(mModel, mName)));
     ImportFiles result;
+    // What was written is read back and compared before anything reaches the target folder.
     result.mCheck = verifyImport(mModel, animation, formats::readObj(mesh).points, progress);
     requireFaithful(result.mCheck, mModel, stem);
     mFolder.publish();
@@ -142,6 +143,7 @@ class ImportWriter {
     std::vector<formats::MtlMaterial> materials;
     for (std::size_t i = 0; i < all.size(); ++i) {
       formats::MtlMaterial material;
+      // As the OBJ file calls it, or the two would not find each other.
       material.name = formats::nameInObj(mModel.mMesh, unsigned(i));
       for (std::size_t c = 0; c < 3; ++c) material.color[c] = all[i].mColor[c];
       material.texture = textureFor(all[i], i);

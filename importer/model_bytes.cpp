@@ -132,6 +132,7 @@ class Reader {
       transfer(*this, value);
     }
   }
+  // Any byte may arrive; a bool that is neither 0 nor 1 would be undefined behaviour.
   void get(bool& value) {
     char byte = 0;
     copy(&byte, 1);
@@ -155,6 +156,7 @@ class Reader {
   std::size_t getCount(std::size_t leastBytesEach) {
     std::uint64_t count = 0;
     copy(&count, sizeof(count));
+    // Compared before anything is allocated; a quotient cannot overflow.
     if (count > mBytes.size() / leastBytesEach) fail();
     return std::size_t(count);
   }
@@ -165,6 +167,7 @@ class Reader {
 }  // namespace
 
 std::string packModel(const SourceModel& model) {
+  // A copy, because one list of members serves reading as well, which needs to write.
   SourceModel copy = model;
   Writer writer;
   transfer(writer, copy);

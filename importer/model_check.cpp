@@ -28,6 +28,8 @@ bool isIndex(std::int32_t index, std::size_t count) {
   return index >= 0 && std::size_t(index) < count;
 }
 
+// This runs on what a child process has sent. Every later step relies on it: indices exist, parents
+// come before children, numbers are finite, times rise.
 void checkNodes(const SourceModel& model) {
   require(!model.mNodes.empty(), "it has no nodes");
   for (std::size_t i = 0; i < model.mNodes.size(); ++i) {
@@ -60,6 +62,7 @@ std::size_t dropBadInfluences(SourceModel::Bone& bone, std::size_t pointCount) {
   const auto firstBad = std::remove_if(all.begin(), all.end(), isBad);
   const auto count = std::size_t(all.end() - firstBad);
   all.erase(firstBad, all.end());
+  // A weight of 0 is no fault and has no effect: it goes without a note.
   all.erase(std::remove_if(all.begin(), all.end(),
                            [](const SourceModel::Influence& i) { return i.mWeight == 0; }),
             all.end());
@@ -121,6 +124,7 @@ void checkTrack(Track& track, const std::string& which, std::vector<std::string>
     ioNotes.push_back(which + ": a curve with keys out of order is played as straight lines");
     track.mInterpolation = SourceModel::Interpolation::Linear;
   }
+  // Stable: of two keys at one time the later one in the file stays the later one.
   std::stable_sort(keys.begin(), keys.end(),
                    [](const auto& a, const auto& b) { return a.mTime < b.mTime; });
 }
@@ -129,6 +133,7 @@ double squaredLength(const Quaternion& q) { return q.x * q.x + q.y * q.y + q.z *
 
 void checkRotations(SourceModel::Track<SourceModel::RotationKey>& track, const std::string& which,
                     std::vector<std::string>& ioNotes) {
+  // Their tangents belong to the keys by number, so none may be removed.
   if (track.mInterpolation == SourceModel::Interpolation::Cubic) return;
   auto& keys = track.mKeys;
   const auto isBad = [](const SourceModel::RotationKey& key) {
@@ -175,6 +180,7 @@ void checkClip(SourceModel::Clip& clip, std::size_t nodeCount, std::size_t pivot
 void checkMaterials(SourceModel& ioModel) {
   std::size_t used = 0;
   for (const SourceModel::Mesh& mesh : ioModel.mMeshes) {
+    // A damaged number would make as many materials below.
     require(mesh.mMaterial < 65536, "mesh " + quoted(mesh.mName) + " has a wrong material");
     used = std::max<std::size_t>(used, mesh.mMaterial + std::size_t{1});
   }

@@ -143,6 +143,7 @@ void requireSize(const std::vector<ImportedModel::Take>& takes, std::size_t node
                  std::size_t jointCount, std::uint64_t largest) {
   double frames = 0;
   for (const auto& take : takes) frames += double(take.mFrameCount);
+  // As real numbers: these products of numbers from a file can exceed 64 bits.
   const double bytes = frames * double(jointCount) * double(sizeof(formats::AnimationFile::Matrix));
   if (bytes > double(largest) || frames * double(nodeCount) > kMostNodeFrames) {
     refuse("its animation of " + std::to_string(std::llround(frames)) + " frames would take " +
@@ -195,6 +196,7 @@ void noteStillness(const SourceModel& model, const std::vector<std::size_t>& cli
       isMoved[std::size_t(channel.mNode)] = true;
     }
   }
+  // Parents come first, so one pass carries motion down the tree.
   for (std::size_t i = 1; i < isMoved.size(); ++i) {
     if (isMoved[std::size_t(model.mNodes[i].mParent)]) isMoved[i] = true;
   }
@@ -247,6 +249,7 @@ void requireNoNotes(const std::vector<std::string>& notes) {
 
 void applyTravel(const Vec3& travel, const Matrix& toHost, SourceModel& ioModel) {
   if (travel == Vec3()) return;
+  // Travel is given in host space, and the new root node is in the world.
   const auto inWorld =
       toHost.invert() * Norvel::Vexa::ux_vect3<double>(travel.x, travel.y, travel.z);
   addTravel(ioModel, {inWorld.x, inWorld.y, inWorld.z});
@@ -278,6 +281,7 @@ ImportedModel importModel(SourceModel model, const ImportOptions& options) {
   RestMesh rest = buildRestMesh(model, result.mReference.mToHost, result.mNotes);
   requireSize(result.mTakes, model.mNodes.size(), rest.mJoints.size(), options.mLargestAnimation);
   noteStillness(model, result.mReference.mClips, rest.mJoints, result.mNotes);
+  // After the last step that adds a note, before the long work.
   if (options.mStrict) requireNoNotes(result.mNotes);
   result.mAnimation = bake(model, result.mReference.mClips, result.mTakes, toUpright, rest);
   result.mMesh = std::move(rest.mMesh);

@@ -37,6 +37,7 @@ std::vector<std::int32_t> matchNodes(const SourceModel& motion, const SourceMode
       continue;
     }
     const std::vector<std::int32_t>& all = found->second;
+    // Names repeat in some files ("End", "Nub"); then the one below the same parent is meant.
     const auto best = std::find_if(all.begin(), all.end(), [&](std::int32_t i) {
       return parentName(model, model.mNodes[std::size_t(i)]) == parentName(motion, node);
     });
@@ -98,6 +99,7 @@ class MotionAdder {
   void addClip(const SourceModel::Clip& clip) {
     SourceModel::Clip added;
     const auto hasName = [&](const SourceModel::Clip& other) { return other.mName == clip.mName; };
+    // Some programs give the only clip of every file the same name; the name of the file says more.
     const bool isTaken = std::any_of(mModel.mClips.begin(), mModel.mClips.end(), hasName);
     added.mName = isTaken ? stemOf(mFile) : clip.mName;
     for (const SourceModel::Channel& channel : clip.mChannels) {

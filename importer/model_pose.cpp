@@ -25,6 +25,7 @@ Vec3 column(const Matrix& m, int c) { return {m(0, c), m(1, c), m(2, c)}; }
 Columns columnsOf(const Matrix& local) {
   Columns columns;
   columns.mTranslation = column(local, 3);
+  // A shear is lost by this, as in every format that animates the three parts.
   double lengths[3];
   for (int c = 0; c < 3; ++c) {
     const Vec3 v = column(local, c);
@@ -71,6 +72,7 @@ class WorldBuilder {
   std::vector<Matrix> build() {
     const std::size_t count = mModel.mNodes.size();
     mWorlds.reserve(count);
+    // Only FBX has nodes that do not take over all of their parent's scale.
     const bool hasPivots = !mModel.mPivots.empty();
     if (hasPivots) mScaling.resize(count);
     for (std::size_t i = 0; i < count; ++i) {
@@ -132,6 +134,7 @@ class WorldBuilder {
       if (own.mFrom != SourceModel::kNone) {
         own.mScale = scaled(own.mScale, mScaling[std::size_t(own.mFrom)].mScale);
       }
+      // The parent's scale still moves the node: it scales the way to it, and no more.
       placing.mTranslation = scaled(placing.mTranslation, mScaling[parent].mScale);
       above = mScaling[parent].mUnscaledWorld;
     }

@@ -30,6 +30,7 @@ void checkIsReadableFile(const std::string& file) {
 
 // glTF 2.0 and FBX 7 are read here, everything else by libassimp.
 SourceModel readAny(const std::string& file, double ticksPerSecond) {
+  // By the ending first, then by the contents: an old FBX or glTF 1.0 goes to libassimp.
   const std::string ending = endingOf(file);
   if (ending == "gltf" || ending == "glb") {
     const std::string bytes = formats::readFile(file);

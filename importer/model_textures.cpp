@@ -32,6 +32,7 @@ std::string withoutPercents(const std::string& text) {
 
 // As stated, or beside the model: the stated path is often that of another machine.
 std::string findFile(const std::string& folder, std::string name) {
+  // A zero byte would cut the path, a line break would end the line in the MTL file.
   if (name.find_first_of(std::string("\0\n\r", 3)) != std::string::npos) return "";
   std::replace(name.begin(), name.end(), '\\', '/');
   const std::string last = name.substr(name.find_last_of('/') + 1);

@@ -60,6 +60,12 @@ Placing placingOf(const SourceModel::Pivots& pivots, const SourceModel::Channel*
   result.mRotation = normalized(
       product(product(fromAngles(p.mPreRotation, 0), fromAngles(parts[1], p.mRotationOrder)),
               conjugate(fromAngles(p.mPostRotation, 0))));
+  // T Roff Rp R' Rp^-1 Soff Sp S Sp^-1, where R' is the whole rotation. Applied to a point p:
+  //
+  //   S p + (Soff + Sp - S Sp)            after the scale, in the space before the rotation
+  //   R' (... - Rp) + (T + Roff + Rp)     after the rotation
+  //
+  // so the translation is T + Roff + Rp + R' (Soff + Sp - Rp - S Sp).
   const Vec3 inner =
       p.mScaleOffset + p.mScalePivot - p.mRotationPivot - scaled(p.mScalePivot, parts[2]);
   result.mTranslation =

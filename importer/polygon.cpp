@@ -16,6 +16,8 @@ double turn(const Vec3& a, const Vec3& b, const Vec3& c, const Vec3& normal) {
 }
 
 Vec3 normalOf(const std::vector<Vec3>& corners) {
+  // Newell's sum: each cross product is twice the area of a triangle with the origin, and what is
+  // outside the polygon cancels out. Corners need not be in one plane.
   Vec3 sum;
   for (std::size_t i = 0; i < corners.size(); ++i) {
     sum = sum + cross(corners[i], corners[(i + 1) % corners.size()]);
@@ -31,7 +33,9 @@ bool isConvex(const std::vector<Vec3>& corners, const Vec3& normal) {
   return true;
 }
 
-// A polygon of which ears are cut off until a triangle is left.
+// A polygon of which ears are cut off until a triangle is left. An ear is a convex corner whose
+// triangle holds no other corner. Every simple polygon has two; where rounding hides them, the last
+// candidate is cut, so the loop ends for any input.
 class EarCutter {
  public:
   EarCutter(const std::vector<Vec3>& corners, const Vec3& normal)

@@ -35,6 +35,7 @@ bool isSound(const Matrix& m) {
   return std::isfinite(edges) && size > 1e-6 * edges && m.is_invertible();
 }
 
+// Well above the rounding of bind matrices, which files state in about six digits.
 constexpr double kNear = 1e-3;
 
 // Whether two places of a mesh differ by less than that part of its size: `extent` is its largest
@@ -195,6 +196,7 @@ std::uint32_t RestMeshBuilder::placementOf(const SourceModel::Instance& instance
 
 std::uint32_t RestMeshBuilder::jointOf(std::int32_t node, const Matrix& offset,
                                        std::uint32_t placement) {
+  // Keys of the two tables are the bytes of all that makes joints or points the same.
   std::string bytes;
   appendBytes(bytes, node);
   appendBytes(bytes, offset);
@@ -203,6 +205,7 @@ std::uint32_t RestMeshBuilder::jointOf(std::int32_t node, const Matrix& offset,
   const auto [found, isNew] = mJointsByBytes.emplace(bytes, index);
   if (isNew) {
     mResult.mJoints.push_back({node, offset});
+    // From the rest mesh back to the space of the source, then into the node.
     mResult.mBinds.push_back(offset * mPlacements[placement].mFromHost);
   }
   return found->second;
@@ -242,6 +245,7 @@ void RestMeshBuilder::addTriangles(const SourceModel::Mesh& source, std::uint32_
                                    const std::vector<Influences>& influences) {
   for (const auto& triangle : source.mTriangles) {
     std::array<std::uint32_t, 3> corners = {triangle.x, triangle.y, triangle.z};
+    // A mirrored node turns its faces inside out.
     if (mPlacements[placement].mIsMirrored) std::swap(corners[1], corners[2]);
     formats::ObjTriangle added;
     added.material = source.mMaterial;

@@ -59,6 +59,7 @@ auto trackValue(const SourceModel::Track<Key>& track, double seconds) {
   if (track.mInterpolation == Interpolation::Linear) {
     return interpolate(before.mValue, after->mValue, t);
   }
+  // Two tangents per key: 2k on arrival at key k, 2k + 1 on departure.
   const auto index = std::size_t(after - keys.begin());
   return finished(hermite(before.mValue, track.mTangents[2 * index - 1], after->mValue,
                           track.mTangents[2 * index], span, t));
@@ -73,6 +74,7 @@ double bezier(double p0, double p1, double p2, double p3, double u) {
 // Newton's steps within a bracket that is halved where a step would leave it.
 double parameterAt(double a, double b, double t) {
   double low = 0, high = 1, u = t;
+  // Halving alone gains a binary digit a step: 60 steps are more than a double has.
   for (int i = 0; i < 60; ++i) {
     const double error = bezier(0, a, 1 - b, 1, u) - t;
     if (std::abs(error) < 1e-15) break;
@@ -109,6 +111,7 @@ double valueAt(const SourceModel::Curve& curve, double seconds) {
   const auto steps = [](const CurveKey& key) {
     return key.mNext == CurveKey::Next::Hold || key.mNext == CurveKey::Next::Jump;
   };
+  // A held value ends exactly at its key, so a frame that misses it by rounding counts as there.
   while (after != keys.end() && after->mTime <= seconds + kReached &&
          (after == keys.begin() || steps(*std::prev(after)))) {
     ++after;
