@@ -21,6 +21,10 @@ std::unique_ptr<CollectorFill> CollectorFill::of(XIFrameCollector& collector) {
   return std::unique_ptr<CollectorFill>(new CollectorFill(own));
 }
 
+// One slab for all nodes of the file:
+//
+//   node 0: take 0 | take 1 | ...   node 1: take 0 | take 1 | ...
+//           ^mStarts[0]  ^mStarts[1]        the same starts in each node
 void CollectorFill::reserveNodes(const std::vector<std::uint32_t>& frameCounts,
                                  std::uint32_t nodes) {
   auto slab = std::make_unique<FrameSlab>();
@@ -45,6 +49,7 @@ CollectorFill::Matrix* CollectorFill::nextNode() {
   return reinterpret_cast<Matrix*>(slab.mValues.get()) + mNodes * slab.mStarts.back();
 }
 
+// The sizes are those that AddTransformation and AddLink count.
 int CollectorFill::addNode() {
   const std::vector<std::uint32_t>& starts = mCollector.mSlab->mStarts;
   mCollector.mNodes.push_back(XCTransformationNode(starts, nextNode()));
@@ -56,8 +61,7 @@ void CollectorFill::addLink(int node, std::uint32_t vertex, double weight) {
   if (vertex >= mVertices) {
     return mCollector.XCFrameCollector::AddLink(node, UxZel::CZelUUID{}, vertex, weight);  // throws
   }
-  const bool isFirst =
-      mCollector.mLinks->add(vertex, static_cast<std::uint32_t>(node), weight, mVertices);
+  const bool isFirst = mCollector.mLinks->add(vertex, std::uint32_t(node), weight, mVertices);
   mCollector.mSize += isFirst ? 72 + 28 : 28;
 }
 

@@ -22,6 +22,7 @@ float* aligned(std::vector<float>& storage) {
 
 bool isIdentity(const UXS::uxs_generic_mat4<float>& matrix) {
   const UXS::uxs_generic_mat4<float> identity;
+  // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison): a -0 is no element of the identity.
   return std::memcmp(matrix.e, identity.e, sizeof(matrix.e)) == 0;
 }
 
@@ -39,6 +40,9 @@ void NodePose::set(std::uint32_t node, const Matrix* frames, std::uint32_t count
   if (count > 0) mNodes[node] = {frames->e, count - 1};
 }
 
+// A palette needs one frame for all nodes: either no node is too short for it, or all have equally
+// many frames and hold the same last one. It has a matrix for each node, rows instead of columns,
+// so that a blend without the last row is shorter.
 void NodePose::gather(double largestWeight) {
   mPose.mNodes = mNodes.data();
   if (mFewest == 0 || (mFewest != mMost && mPose.mFrame >= mFewest)) return;

@@ -18,6 +18,8 @@ SourceFile::SourceFile(const CChemin& path) : mFile(path.OpenRegularFile()) {
   mBuffer.reset(new unsigned char[kStep]);
 }
 
+// As many elements as lie in the buffer: an element that is cut by the end of the buffer comes
+// whole after the next fill.
 const unsigned char* SourceFile::take(std::size_t size, std::uint64_t most, std::size_t& outCount) {
   if (mEnd - mBegin < size) fill();
   outCount = std::size_t(std::min<std::uint64_t>(most, (mEnd - mBegin) / size));

@@ -17,8 +17,7 @@ T littleEndian(const unsigned char* from) {
   Bits bits;
   std::memcpy(&bits, from, sizeof(bits));
 #if defined(__BYTE_ORDER__) && __BYTE_ORDER__ == __ORDER_BIG_ENDIAN__
-  bits = static_cast<Bits>(sizeof(Bits) == 4 ? __builtin_bswap32(static_cast<std::uint32_t>(bits))
-                                             : __builtin_bswap64(bits));
+  bits = Bits(sizeof(Bits) == 4 ? __builtin_bswap32(std::uint32_t(bits)) : __builtin_bswap64(bits));
 #endif
   T value;
   std::memcpy(&value, &bits, sizeof(value));

@@ -25,17 +25,17 @@ bool VertexLinks::has(std::size_t vertex) const {
   return lastLogged(vertex) != kNone || range.mBegin != range.mEnd;
 }
 
-// The next vertex in the block's order starts where this one ends.
+// The next vertex in the block's order starts where this one ends. Where all vertices of
+// a block have equally many links, each is at its own place, so that is looked at first.
 VertexLinks::Range VertexLinks::laidOut(std::size_t vertex) const {
   if (vertex >= mFirst.size()) return {0, 0};
   const std::size_t block = vertex / kBlock;
   const std::uint8_t* const order = mOrder.data() + block * kBlock;
   const std::uint8_t* const end =
       order + std::min<std::size_t>(kBlock, vertices() - block * kBlock);
-  const std::uint8_t* const place =
-      order[vertex % kBlock] == vertex % kBlock
-          ? order + vertex % kBlock
-          : std::find(order, end, static_cast<std::uint8_t>(vertex % kBlock));
+  const std::uint8_t* const place = order[vertex % kBlock] == vertex % kBlock
+                                        ? order + vertex % kBlock
+                                        : std::find(order, end, std::uint8_t(vertex % kBlock));
   return {mFirst[vertex],
           place + 1 == end ? mBlockLinks[block + 1] : mFirst[block * kBlock + place[1]]};
 }
@@ -96,6 +96,11 @@ void VertexLinks::Layout::fill() {
   mTo.mBlockLinks.push_back(std::uint32_t(mTo.mLinks.size()));
 }
 
+//   collected      vertex   a: 2 links   b: 1   c: 2   d: left
+//   order          b | a c | d           by number of links, then by index; those left come last
+//   runs           (1 link, 1 vertex) (2, 2) (0, 1)
+//
+// The links are collected while the order is not known yet, and moved only when it is another one.
 void VertexLinks::Layout::fillBlock(std::size_t first, std::size_t count) {
   mTo.mBlockLinks.push_back(std::uint32_t(mTo.mLinks.size()));
   for (std::size_t i = 0; i < count; ++i) {
@@ -162,6 +167,7 @@ void VertexLinks::Layout::addRun(std::size_t vertex) {
   mTo.mRuns.push_back({key == kLeft ? 0 : key, 0});
 }
 
+// The new layout is complete before it replaces the old one and the log.
 void VertexLinks::layOut(std::size_t vertices, std::uint32_t nodes) {
   if (mLog.empty() && mFirst.size() >= vertices && mIsUsed.size() == nodes) return;
   Layout layout(*this, vertices, nodes);

@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <memory>
 #include <new>
-#include <utility>
 #include <vector>
 
 #include "vexa/framecollector/CollectorFill_internal.h"
@@ -68,7 +67,8 @@ class Limits {
 
 // How many of the elements do not lie in the given bytes.
 double missing(double count, std::size_t bytesEach, std::uint64_t bytes) {
-  return std::max(0.0, count - double(bytes / bytesEach));
+  const std::uint64_t there = bytes / bytesEach;
+  return std::max(0.0, count - double(there));
 }
 
 Matrix matrixAt(const unsigned char* bytes) {
@@ -114,7 +114,11 @@ void Reading::readVersion() {
   }
 }
 
-// Reads the takes, the global transformation that follows their count, and their frame counts.
+//   version  takes  global matrix  frame counts  nodes  { matrices  links  { vertex  weight } }
+//   4 bytes  4      128            4 per take    4        128 each  4        4       8
+//
+// Reads the takes, the global transformation that follows their count, and their frame counts. Each
+// count is judged by what is left of the file before memory is taken for it.
 void Reading::readTakes() {
   const std::uint32_t takes = readCount();
   const std::uint64_t bytes = mFile.remaining();
@@ -160,6 +164,7 @@ void Reading::readMatrices(std::uint64_t count, Matrix* out) {
   for (; count > 0; count -= here) {
     const unsigned char* bytes = mFile.take(kMatrixBytes, count, here);
     if (bytes == nullptr) break;
+    // NOLINTNEXTLINE(clang-analyzer-cplusplus.PlacementNew): `out` has room for `count`.
     for (std::size_t i = 0; i < here; ++i) new (out++) Matrix(matrixAt(bytes + i * kMatrixBytes));
   }
   if (count > 0) mFile.drop();
@@ -169,7 +174,7 @@ void Reading::readMatrices(std::uint64_t count, Matrix* out) {
 // Elements of the nodes to come that lie past the end of the file if there are no links: their
 // matrices, and the nodes themselves where not even the link count is there.
 double Reading::missingOfNodes(double nodes) const {
-  const double bytes = double(mFile.remaining());
+  const auto bytes = double(mFile.remaining());
   const double nodeBytes = double(kMatrixBytes) * mFrames + double(kCountBytes);
   const double whole = std::floor(bytes / nodeBytes);
   if (whole >= nodes) return 0;
@@ -194,7 +199,7 @@ int Reading::addNodeMatrices() {
     for (std::uint32_t f = 0; f < mFrameCounts[take]; ++f) {
       Matrix matrix;
       readMatrices(1, &matrix);
-      node = static_cast<int>(mCollector.AddTransformation(matrix, take, node));
+      node = int(mCollector.AddTransformation(matrix, take, node));
     }
   }
   return node;
@@ -204,6 +209,7 @@ void Reading::readLinks(int node, std::uint32_t nodesLeft) {
   std::uint64_t links = readCount();
   mLimits.spendLinks(missing(double(links), kLinkBytes, mFile.remaining()));
   mLimits.spendBytes(28.0 * double(links));
+  // The nodes to come have matrices; what the file has besides these may all be links.
   if (mFill) {
     const double matrixBytes = double(nodesLeft) * mFrames * double(kMatrixBytes);
     const double most = (double(mFile.remaining()) - matrixBytes) / double(kLinkBytes);
@@ -236,7 +242,8 @@ void Reading::addLink(int node, std::uint32_t vertex, double weight) {
 
 }  // namespace
 
-XCAMOFileIOTool::XCAMOFileIOTool(CChemin path) : mPath(std::move(path)) {}
+// NOLINTNEXTLINE(performance-unnecessary-value-param): hosts link to this signature.
+XCAMOFileIOTool::XCAMOFileIOTool(CChemin path) : mPath(path) {}
 
 XCAMOFileIOTool::~XCAMOFileIOTool() = default;
 

@@ -166,7 +166,7 @@ unsigned int XCFrameCollector::AddTransformation(const Matrix& matrix, unsigned 
     mSize = size;
     throw;
   }
-  return static_cast<unsigned int>(node);
+  return unsigned(node);
 }
 
 void XCFrameCollector::SetGlobalTransformation(const Matrix& matrix) {
@@ -178,7 +178,7 @@ const Matrix& XCFrameCollector::GetGlobalTransformation() const { return mGlobal
 
 const Matrix& XCFrameCollector::GetTransformation(unsigned int take, unsigned int frame,
                                                   int node) const {
-  const auto index = static_cast<unsigned int>(node);
+  const auto index = unsigned(node);
   UxThrow::IfFalse(index < mNodes.size(), "XCFrameCollector::GetTransformation : bad node index");
   return mNodes[index].GetTransformation(take, frame);
 }
@@ -189,7 +189,7 @@ void XCFrameCollector::AddLink(int node, const UxZel::CZelUUID& /*definition*/, 
   const std::size_t vertices = restVertices().size();
   UxThrow::IfFalse(vertex < vertices, "XCFrameCollector::AddLink : bad vertex index");
   dropAskedPoints();
-  const bool isFirst = mLinks->add(vertex, static_cast<std::uint32_t>(node), weight, vertices);
+  const bool isFirst = mLinks->add(vertex, std::uint32_t(node), weight, vertices);
   mSize += isFirst ? 72 + 28 : 28;
 }
 
@@ -215,8 +215,9 @@ Point XCFrameCollector::TransformPoint(const Point* vertex, unsigned int take,
   return deformed(index, *vertex, take, frame);
 }
 
-Point XCFrameCollector::TransformPoint(unsigned int, unsigned int, unsigned int) const {
-  return Point();
+Point XCFrameCollector::TransformPoint(unsigned int /*vertex*/, unsigned int /*take*/,
+                                       unsigned int /*frame*/) const {
+  return {};
 }
 
 UXS::Mesh* XCFrameCollector::GetCurrentDefinition(unsigned int take, unsigned int frame,
@@ -239,9 +240,7 @@ unsigned int XCFrameCollector::GetSize() const { return mSize; }
 
 void XCFrameCollector::CreateTake() { mTakes.push_back(std::make_unique<XCTMPTake>()); }
 
-unsigned int XCFrameCollector::GetNbrTakes() const {
-  return static_cast<unsigned int>(mTakes.size());
-}
+unsigned int XCFrameCollector::GetNbrTakes() const { return unsigned(mTakes.size()); }
 
 XCTMPTake* XCFrameCollector::GetTake(unsigned int index) const {
   UxThrow::IfFalse(index < mTakes.size(), "XCFrameCollector::GetTake : bad take index");
@@ -284,7 +283,7 @@ bool XCFrameCollector::FillMatrix(std::size_t vertex, unsigned int take, unsigne
   const bool isLinked = mLinks->visit(vertex, [&](std::uint32_t node, double weight) {
     const Matrix* const matrix = follow(node, take, frame);
     if (matrix == nullptr) return;
-    const float w = float(weight);
+    const auto w = float(weight);
     for (int c = 0; c < 4; ++c) {
       blend.mColumns[c] = Quads::load(matrix->e + 4 * c) * w + blend.mColumns[c];
     }
@@ -377,7 +376,7 @@ void XCFrameCollector::deformVertices(unsigned int take, unsigned int frame, Poi
   }
 }
 
-// Commits within its own scope: where memory runs out the caller gets to know.
+// Commits within its own scope: the editor's destructor could not report that memory ran out.
 void XCFrameCollector::deformInto(UXS::Mesh& outMesh, unsigned int take, unsigned int frame) {
   if (restVertices().empty()) return;
   UXS::Mesh::Editor editor(outMesh, false);

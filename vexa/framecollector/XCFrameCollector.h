@@ -42,8 +42,8 @@ class VEXA_EXPORT XCFrameCollector : public XIFrameCollector {
                                                        double& outWeightSum) const override;
   Oru::TVector3D<float> TransformPoint(const Oru::TVector3D<float>* vertex, unsigned int take,
                                        unsigned int frame) const override;
-  Oru::TVector3D<float> TransformPoint(unsigned int take, unsigned int frame,
-                                       unsigned int vertex) const override;
+  Oru::TVector3D<float> TransformPoint(unsigned int vertex, unsigned int take,
+                                       unsigned int frame) const override;
   UXS::Mesh* GetCurrentDefinition(unsigned int take, unsigned int frame,
                                   const UxZel::CZelUUID& definition) override;
   unsigned int GetSize() const override;
@@ -73,7 +73,7 @@ class VEXA_EXPORT XCFrameCollector : public XIFrameCollector {
                                  unsigned int take, unsigned int frame) const;
   void deformVertices(unsigned int take, unsigned int frame, Oru::TVector3D<float>* out);
   void deformInto(UXS::Mesh& outMesh, unsigned int take, unsigned int frame);
-  unsigned int nodeCount() const { return static_cast<unsigned int>(mNodes.size()); }
+  unsigned int nodeCount() const { return unsigned(mNodes.size()); }
 
   std::unique_ptr<FrameSlab> mSlab;  // of the nodes that came from a file; null when none did
   std::vector<XCTransformationNode> mNodes;

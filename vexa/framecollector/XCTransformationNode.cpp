@@ -12,8 +12,9 @@ XCTransformationNode::XCTransformationNode(unsigned int takeCount) : mTakeCount(
 
 XCTransformationNode::XCTransformationNode(const std::vector<std::uint32_t>& starts,
                                            const Matrix* slab)
-    : mTakeCount(static_cast<unsigned int>(starts.size() - 1)), mStarts(&starts), mSlab(slab) {}
+    : mTakeCount(unsigned(starts.size() - 1)), mStarts(&starts), mSlab(slab) {}
 
+// A copy has its matrices for itself: the slab belongs to a collector, which may be gone earlier.
 XCTransformationNode::XCTransformationNode(const XCTransformationNode& other)
     : mTakeCount(other.mTakeCount), mTakes(other.ownTakes()) {}
 
@@ -30,6 +31,7 @@ XCTransformationNode::~XCTransformationNode() = default;
 void XCTransformationNode::AddTransformation(const Matrix& matrix, unsigned int take) {
   UxThrow::IfFalse(take < mTakeCount, "XCTransformationNode::AddTransformation : bad take index");
   const Matrix copy = matrix;  // it may lie in what is about to move
+  // The matrices of a file cannot grow in place: other nodes' matrices lie behind them.
   if (mStarts != nullptr) {
     mTakes = ownTakes();
     mStarts = nullptr;
@@ -44,6 +46,7 @@ const UXS::uxs_generic_mat4<float>& XCTransformationNode::GetTransformation(
   const Frames found = frames(take);
   UxThrow::IfFalse(frame < found.mCount,
                    "XCTransformationNode::GetTransformation : bad transformation index");
+  // NOLINTNEXTLINE(clang-analyzer-core.uninitialized.UndefReturn): the check above throws.
   return found.mFirst[frame];
 }
 
@@ -79,6 +82,7 @@ std::vector<XCTransformationNode::Take> XCTransformationNode::ownTakes() const {
   return takes;
 }
 
+// The array of a take, made at its place in the order when it is the first frame.
 XCTransformationNode::MatrixArray& XCTransformationNode::arrayOf(unsigned int take) {
   const auto place =
       std::lower_bound(mTakes.begin(), mTakes.end(), take,

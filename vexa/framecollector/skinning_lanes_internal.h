@@ -66,6 +66,7 @@ class Kernel {
  private:
   // Pass 1. A blend that is left to the caller is filled with zeros, which pass 2 may meet.
   template <class Source, bool hasProduct>
+  // NOLINTNEXTLINE(readability-non-const-parameter): the cursor writes through both.
   static bool blendAll(const Pose& pose, const Block& block, float* outBlends, bool* outLeft) {
     constexpr int rows = hasProduct || Source::kColumns ? 4 : 3;
     Cursor at{block.mOrder, block.mLinks, outBlends, outLeft, false};
