@@ -6,18 +6,14 @@
 #include <sstream>
 
 #include "tests/helpers/compare.h"
+#include "tests/helpers/filled.h"
 #include "tests/helpers/scratch_directory.h"
 
 namespace vexa::formats {
 namespace {
 
+using tests::filled;
 using tests::whatOf;
-
-AnimationFile::Matrix filled(double inValue) {
-  AnimationFile::Matrix matrix;
-  matrix.fill(inValue);
-  return matrix;
-}
 
 // Two takes of 1 and 2 frames, two nodes, two links and none.
 AnimationFile example() {

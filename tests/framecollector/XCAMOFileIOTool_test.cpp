@@ -10,6 +10,7 @@
 #include "models/LiteralFrameCollector.h"
 #include "models/literal_animation_file.h"
 #include "tests/helpers/compare.h"
+#include "tests/helpers/filled.h"
 #include "tests/helpers/recording_reporter.h"
 #include "tests/helpers/scratch_directory.h"
 #include "vexa/framecollector/XCFrameCollector.h"
@@ -20,6 +21,7 @@ namespace Norvel {
 namespace {
 
 using vexa::formats::AnimationFile;
+using vexa::tests::filled;
 using vexa::tests::ScratchDirectory;
 using vexa::tests::whatOf;
 
@@ -51,12 +53,6 @@ class RecordingCollector final : public vexa::tests::LiteralFrameCollector {
  private:
   std::ostringstream mCalls;
 };
-
-AnimationFile::Matrix filled(double inValue) {
-  AnimationFile::Matrix matrix;
-  matrix.fill(inValue);
-  return matrix;
-}
 
 // Three takes, the second without frames; three nodes with 2, 0 and 1 links.
 AnimationFile example() {

@@ -12,6 +12,18 @@ namespace {
 using vexa::formats::AnimationFile;
 using vexa::scene::describeFile;
 
+// a.obj, a triangle, and a.amo, one frame of one node to which the first `linked` vertices are
+// linked.
+void writeTriangle(const vexa::tests::ScratchDirectory& folder, unsigned int linked) {
+  AnimationFile file;
+  file.mFrameCounts = {1};
+  file.mNodes.resize(1);
+  file.mNodes[0].mMatrices.assign(1, AnimationFile::kIdentity);
+  for (unsigned int v = 0; v < linked; ++v) file.mNodes[0].mLinks.push_back({v, 1});
+  writeAnimationFile(file, (folder / "a.amo").string());
+  vexa::formats::writeFile((folder / "a.obj").string(), "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n");
+}
+
 TEST(Describe, AnAnimationFileWithEveryFault) {
   const vexa::tests::ScratchDirectory folder;
   const std::string path = (folder / "a.amo").string();
@@ -37,13 +49,7 @@ TEST(Describe, AnAnimationFileWithEveryFault) {
 
 TEST(Describe, ASceneWhoseAnimationDoesNotFitItsMesh) {
   const vexa::tests::ScratchDirectory folder;
-  AnimationFile file;
-  file.mFrameCounts = {1};
-  file.mNodes.resize(1);
-  file.mNodes[0].mMatrices.assign(1, AnimationFile::kIdentity);
-  file.mNodes[0].mLinks = {{0, 1}, {1, 1}, {2, 1}, {3, 1}};
-  writeAnimationFile(file, (folder / "a.amo").string());
-  vexa::formats::writeFile((folder / "a.obj").string(), "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n");
+  writeTriangle(folder, 4);
   vexa::formats::writeFile((folder / "s.json").string(),
                            R"({"objects": [{"name": "o", "mesh": "a.obj", "animation": "a.amo",
                               "takes": [{"name": "t", "frames": 1, "rate": 25}]}]})");
@@ -53,13 +59,7 @@ TEST(Describe, ASceneWhoseAnimationDoesNotFitItsMesh) {
 
 TEST(Describe, ASceneThatHidesWhatItSays) {
   const vexa::tests::ScratchDirectory folder;
-  AnimationFile file;
-  file.mFrameCounts = {1};
-  file.mNodes.resize(1);
-  file.mNodes[0].mMatrices.assign(1, AnimationFile::kIdentity);
-  file.mNodes[0].mLinks = {{0, 1}, {1, 1}, {2, 1}};
-  writeAnimationFile(file, (folder / "a.amo").string());
-  vexa::formats::writeFile((folder / "a.obj").string(), "v 0 0 0\nv 1 0 0\nv 0 1 0\nf 1 2 3\n");
+  writeTriangle(folder, 3);
   vexa::formats::writeFile((folder / "s.json").string(),
                            R"({"objects": [{"name": "o", "mesh": "a.obj", "animation": "a.amo",
                                "takes": [{"name": "t", "frames": 2, "rate": 25}]}],
