@@ -83,6 +83,12 @@ TEST(XCFrameCollector, CountsItsSizeAndRefusesWhatIsNotThere) {
   EXPECT_EQ(collector.GetNbrTakes(), 2u);
   EXPECT_STREQ(collector.GetTake(1)->GetName(), "");
   EXPECT_EQ(collector.GetTake(1)->GetFPS(), 0.33);
+  collector.GetTake(1)->SetName("walk");
+  collector.GetTake(1)->SetFPS(25);
+  EXPECT_STREQ(collector.GetTake(1)->GetName(), "walk");
+  EXPECT_EQ(collector.GetTake(1)->GetFPS(), 25);
+  collector.GetTake(1)->SetName(nullptr);
+  EXPECT_STREQ(collector.GetTake(1)->GetName(), "");
   EXPECT_EQ(collector.AddTransformation({}, 1, -1), 1u);
   EXPECT_EQ(collector.GetSize(), 96u + 64 + 32 + 48 * 2);
   collector.AddLink(1, kSome, 0, 0.5);

@@ -89,10 +89,11 @@ void runSearch(Recorder& r) {
     r.begin();
     const Curve curve = drawCurve(n);
     const V3 wanted = n.oneIn(3) ? curve.getEndValue() : drawPoint(n, n.oneIn(9));
-    const int depth = n.oneIn(9) ? n.anyInt() : n.between(-1, 8);
+    const bool isDeep = n.oneIn(30);  // 12 is the deepest
+    const int depth = isDeep ? n.between(11, 14) : n.oneIn(9) ? n.anyInt() : n.between(-1, 8);
     inCurve(r, curve);
     r.in("wanted", wanted).in("depth", depth);
-    if (depth > 9 && n.below(8) != 0) continue;
+    if (depth > 14 && n.below(8) != 0) continue;
     r.out(curve.FindDistanceFromCoordinate(curve.getStartValue(), curve.getStartControlPoint(),
                                            curve.getEndControlPoint(), curve.getEndValue(), wanted,
                                            depth));

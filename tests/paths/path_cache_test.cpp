@@ -8,6 +8,7 @@
 #include "refhost/scenes/paths.h"
 #include "refhost/scenes/properties.h"
 #include "tests/helpers/compare.h"
+#include "tests/helpers/failing_new.h"
 #include "tests/helpers/managed.h"
 #include "vexa/paths/path_position.h"
 
@@ -169,4 +170,46 @@ TEST(PathCache, AsksTheHostAsIfItBuiltAnew) {
   EXPECT_EQ(vexa::tests::caughtText(testing::internal::GetCapturedStderr(),
                                     "XCAnimationMgr::InterpolateValue"),
             vexa::tests::whatOf(anew));
+}
+
+namespace {
+
+/// Paths of one scene, each followed on request. A path that is kept is followed without memory.
+struct Rides {
+  Scene mScene;
+  vexa::tests::Manager mManager;
+  Property mPlace = scenes::ride(scenes::windingPath(1)).mProperties[0];
+
+  explicit Rides(const std::vector<int>& segments) : mManager(makeManager()) {
+    for (const int each : segments) {
+      Path& path = mScene.mPaths.add(scenes::windingPath(each));
+      path.mIdentity.mUUID = numberedUUID(std::uint32_t(mScene.mPaths.GetCount()));
+    }
+  }
+  bool isKept(std::uint32_t path) {
+    mPlace.mPath = numberedUUID(path + 1);
+    return vexa::tests::allocationsOf(
+               [&] { mManager->InterpolateValue(&mScene, &mPlace, 30, nullptr, nullptr); }) == 0;
+  }
+};
+
+}  // namespace
+
+TEST(PathCache, KeepsThe256PathsThatWereAskedForLast) {
+  Rides rides(std::vector<int>(257, 1));
+  for (std::uint32_t path = 0; path < 256; ++path) EXPECT_FALSE(rides.isKept(path));
+  EXPECT_TRUE(rides.isKept(0));
+  EXPECT_FALSE(rides.isKept(256));  // path 1 goes
+  for (const std::uint32_t path : {0u, 2u, 256u}) EXPECT_TRUE(rides.isKept(path)) << path;
+  EXPECT_FALSE(rides.isKept(1));
+}
+
+TEST(PathCache, KeepsAtMost65536Points) {
+  Rides rides({40000, 20000, 10000, 30000});
+  for (const std::uint32_t path : {0u, 1u, 2u}) EXPECT_FALSE(rides.isKept(path));
+  EXPECT_FALSE(rides.isKept(3));  // the first one has gone: there is room
+  rides.mScene.mPaths.mElements[3].mPoints.mElements[7].mPassage.y += 1;
+  EXPECT_FALSE(rides.isKept(3));  // in the place of what it was
+  for (const std::uint32_t path : {1u, 2u, 3u}) EXPECT_TRUE(rides.isKept(path)) << path;
+  EXPECT_FALSE(rides.isKept(0));
 }
