@@ -16,11 +16,13 @@ namespace {
 
 using namespace refhost;
 
+// One manager for all rows, as a host has one: its path cache is warm except where a row says so.
 Norvel::Vexa::XIAnimationMgr& manager() {
   static Norvel::Vexa::XIAnimationMgr* sManager = Norvel::Vexa::XIAnimationMgr::Create();
   return *sManager;
 }
 
+// The floor of interpolateValue: every search for the nearest keys asks each key for its frame.
 template <int Count>
 void walkKeys(benchmark::State& state) {
   const Property property = scenes::manyKeys(Count);
@@ -30,6 +32,8 @@ BENCHMARK(walkKeys<16>);
 BENCHMARK(walkKeys<64>);
 BENCHMARK(walkKeys<512>);
 
+// A real value between two of `Count` keys. Steps of seven frames visit all spans, so that no
+// branch can be learned from one span.
 template <int Count>
 void interpolateValue(benchmark::State& state) {
   const Property property = scenes::manyKeys(Count);
@@ -44,8 +48,8 @@ BENCHMARK(interpolateValue<16>);
 BENCHMARK(interpolateValue<64>);
 BENCHMARK(interpolateValue<512>);
 
-/// Where a cart is on a path of 100 segments. `edited`: one point moves before each request, so
-/// that the path is built anew.
+// Where a cart is on a path of 100 segments. `edited`: one point moves before each request, so
+// that the path is built anew.
 void positionOnPath(benchmark::State& state, bool edited) {
   Scene scene = scenes::ride(scenes::windingPath(100));
   double& number = scene.mPaths.mElements[0].mPoints.mElements[50].mPassage.z;
@@ -61,7 +65,7 @@ void positionOnPath(benchmark::State& state, bool edited) {
 BENCHMARK_CAPTURE(positionOnPath, unchanged, false);
 BENCHMARK_CAPTURE(positionOnPath, edited, true);
 
-/// The literal form of such a request: the tables of all segments, then one place.
+// The literal form of such a request: the tables of all segments, then one place.
 void positionOnLiteralPath(benchmark::State& state) {
   const Path path = scenes::windingPath(100);
   for (auto _ : state) {
@@ -71,11 +75,12 @@ void positionOnLiteralPath(benchmark::State& state) {
 }
 BENCHMARK(positionOnLiteralPath);
 
+// A crowd as a large scene has it: many walkers, few paths.
 constexpr int kWalkers = 10000;
 constexpr int kPaths = 100;
 constexpr int kSegments = 10;
 
-/// The walker's animation file, while it is needed.
+// The walker's animation file, while it is needed.
 class WalkerFile {
  public:
   WalkerFile() { writeAnimationFile(vexa::scene::walkerAnimation(), mPath); }
@@ -88,8 +93,9 @@ class WalkerFile {
   std::string mPath = std::filesystem::temp_directory_path() / "vexa_bench_walker.amo";
 };
 
-/// Registered walkers, each on one of the paths in turn.
+// Registered walkers, each on one of the paths in turn.
 Scene& crowd() {
+  // Made once: registering takes longer than many frames of driving.
   static Scene sScene = [] {
     Scene scene = scenes::walk(scenes::windingPath(kSegments), kWalkers, 1000);
     for (unsigned int i = 1; i < kPaths; ++i) {
@@ -111,6 +117,7 @@ Scene& crowd() {
   return sScene;
 }
 
+// One frame of the whole crowd. Frames 0 to 199 keep every walker on its path.
 void driveCrowd(benchmark::State& state) {
   Scene& scene = crowd();
   int frame = 0;
@@ -126,7 +133,9 @@ void driveCrowd(benchmark::State& state) {
 }
 BENCHMARK(driveCrowd)->Unit(benchmark::kMicrosecond);
 
-/// What a driven crowd cannot do without: the calls on the host and three anchors for each walker.
+// What a driven crowd cannot do without: the calls on the host and three anchors for each walker,
+// at the first frame of its take, at the one shown and at the last. The collector is filled like
+// the manager's own, which nobody can reach.
 void callHostAndTransformAnchors(benchmark::State& state) {
   Scene& scene = crowd();
   const AnimatedObject& object = *scene.mDefinitions[0].mAnimatedObject;

@@ -13,6 +13,7 @@ int sumOfKeyFrames(const UxZel::IZelInterpolatedValue& value) {
 
 namespace {
 
+// A host has no search by identifier: whoever needs a path asks each for its own.
 const UxZel::IZel3DPath* pathOf(const UxZel::IZelMgr& mgr, const UxZel::CZelUUID& id) {
   const UxZel::TZelObjectMgr<UxZel::IZel3DPath>* paths = mgr.Get3DPaths();
   for (int i = 0, count = paths->GetCount(); i < count; ++i) {
@@ -22,6 +23,8 @@ const UxZel::IZel3DPath* pathOf(const UxZel::IZelMgr& mgr, const UxZel::CZelUUID
   return nullptr;
 }
 
+// As building a path reads them: a position, then for each control point its offset and the
+// position again. The first point has no control before it.
 double sumOfPoints(const UxZel::IZel3DPath& path) {
   const UxZel::TZelObjectMgr<UxZel::IZelBezierPoint>* points = path.GetBezierPoints();
   double sum = 0;
@@ -54,6 +57,7 @@ double callHost(const UxZel::IZelMgr& mgr, const UxZel::IZelInterpolatedValue& v
   const UxZel::IZelTake* take = object->GetTakes()->GetAt(0);
   read += take->GetFrameCount() + take->GetFrameRate() + object->GetAnimationKind() +
           object->GetAnchorVertex() + take->GetElevation() + instance.GetParentUUID()->mWords[0];
+  // The sum goes into a setter, so that no compiler drops what was read.
   const UxZel::CZelPoint point{read, 2, 3};
   const UxZel::CZelVector direction{1, 0, 0};
   instance.SetRotation(*instance.GetScale());

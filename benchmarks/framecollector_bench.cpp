@@ -31,6 +31,8 @@ using Point = Oru::TVector3D<float>;
 constexpr unsigned kNodes = 64, kFrames = 30;
 constexpr UxZel::CZelUUID kNone{};
 
+// What makes deforming quick or slow: links per vertex, whether they are equally many, whether
+// there is a global product, whether all nodes show one frame.
 struct Rig {
   const char* mName;
   unsigned mLeastLinks, mMostLinks;
@@ -47,19 +49,21 @@ Matrix nodeMatrix(Dice& ioDice) {
   return {{c, s, 0.01f, 0, -s, c, 0.02f, 0, 0.03f, 0.04f, 1, 0, a, ioDice.real(), 1 - a, 1}};
 }
 
-void fill(XIFrameCollector& ioCollector, const Rig& inRig, std::size_t inVertices) {
+// Fills any collector by its interface, the library's own and the literal one alike. Weights do not
+// sum to 1, so that no form gains from it.
+void fill(XIFrameCollector& ioCollector, const Rig& rig, std::size_t vertices) {
   Dice dice;
   ioCollector.CreateTake();
-  if (!inRig.mIdentity) ioCollector.SetGlobalTransformation(nodeMatrix(dice));
+  if (!rig.mIdentity) ioCollector.SetGlobalTransformation(nodeMatrix(dice));
   for (unsigned n = 0; n < kNodes; ++n) {
     int node = -1;
-    const unsigned frames = inRig.mUnequalFrames ? kFrames / 2 + n % 16 : kFrames;
+    const unsigned frames = rig.mUnequalFrames ? kFrames / 2 + n % 16 : kFrames;
     for (unsigned f = 0; f < frames; ++f) {
       node = int(ioCollector.AddTransformation(nodeMatrix(dice), 0, node));
     }
   }
-  for (unsigned v = 0; v < inVertices; ++v) {
-    const unsigned links = inRig.mLeastLinks + dice.below(inRig.mMostLinks - inRig.mLeastLinks + 1);
+  for (unsigned v = 0; v < vertices; ++v) {
+    const unsigned links = rig.mLeastLinks + dice.below(rig.mMostLinks - rig.mLeastLinks + 1);
     for (unsigned i = 0; i < links; ++i) {
       ioCollector.AddLink(int(dice.below(kNodes)), kNone, v, 0.05 + double(dice.real()));
     }
@@ -83,10 +87,9 @@ struct Scene {
   Collector mCollector;
   unsigned mFrame = 0;
 
-  Scene(const Rig& inRig, long inVertices, Materials inMaterials)
-      : mMesh(makeTorus(torusSize(inVertices), inMaterials)),
-        mCollector(restOf<Collector>(*mMesh)) {
-    fill(mCollector, inRig, mMesh->GetVerticesArray().size());
+  Scene(const Rig& rig, long vertices, Materials materials)
+      : mMesh(makeTorus(torusSize(vertices), materials)), mCollector(restOf<Collector>(*mMesh)) {
+    fill(mCollector, rig, mMesh->GetVerticesArray().size());
     // Links are laid out once, before the first mesh.
     mCollector.GetCurrentDefinition(0, kFrames - 1, kNone);
   }
@@ -96,45 +99,44 @@ struct Scene {
   unsigned nextFrame() { return mFrame = (mFrame + 1) % kFrames; }
 };
 
+// Scenes are kept: filling one takes longer than a row measures.
 template <class Collector>
-Scene<Collector>& scene(const Rig& inRig, long inVertices, Materials inMaterials) {
+Scene<Collector>& scene(const Rig& rig, long vertices, Materials materials) {
   static std::map<std::string, std::unique_ptr<Scene<Collector>>> sScenes;
-  auto& kept = sScenes[inRig.mName + std::to_string(inVertices) + char('0' + int(inMaterials))];
-  if (!kept) kept = std::make_unique<Scene<Collector>>(inRig, inVertices, inMaterials);
+  auto& kept = sScenes[rig.mName + std::to_string(vertices) + char('0' + int(materials))];
+  if (!kept) kept = std::make_unique<Scene<Collector>>(rig, vertices, materials);
   return *kept;
 }
 
 // Asks for everything that a commit derives, in case it is left for later.
-void touch(const UXS::Mesh& inMesh) {
-  benchmark::DoNotOptimize(inMesh.GetVerticesArray().back());
-  benchmark::DoNotOptimize(inMesh.GetAABB());
-  benchmark::DoNotOptimize(inMesh.GetEdgesArray().size());
-  if (inMesh.GetTrianglesArray().empty()) return;
-  benchmark::DoNotOptimize(inMesh.GetTrianglesArray().back());
-  benchmark::DoNotOptimize(inMesh.GetSectionsCount());
-  benchmark::DoNotOptimize(inMesh.GetTriangleSmoothNormals(0));
-  benchmark::DoNotOptimize(inMesh.GetTriangleUVCoords(0));
-  benchmark::DoNotOptimize(inMesh.GetTriangleGroupID(0));
-  benchmark::DoNotOptimize(inMesh.GetMaterialAABB(0));
+void touch(const UXS::Mesh& mesh) {
+  benchmark::DoNotOptimize(mesh.GetVerticesArray().back());
+  benchmark::DoNotOptimize(mesh.GetAABB());
+  benchmark::DoNotOptimize(mesh.GetEdgesArray().size());
+  if (mesh.GetTrianglesArray().empty()) return;
+  benchmark::DoNotOptimize(mesh.GetTrianglesArray().back());
+  benchmark::DoNotOptimize(mesh.GetSectionsCount());
+  benchmark::DoNotOptimize(mesh.GetTriangleSmoothNormals(0));
+  benchmark::DoNotOptimize(mesh.GetTriangleUVCoords(0));
+  benchmark::DoNotOptimize(mesh.GetTriangleGroupID(0));
+  benchmark::DoNotOptimize(mesh.GetMaterialAABB(0));
 }
 
 // One deformed frame; without triangles a commit has nothing to derive, which leaves the
 // deformation.
-void frames(benchmark::State& ioState, const Rig& inRig, Materials inMaterials) {
-  auto& s = scene<XCFrameCollector>(inRig, ioState.range(0), inMaterials);
+void frames(benchmark::State& ioState, const Rig& rig, Materials materials) {
+  auto& s = scene<XCFrameCollector>(rig, ioState.range(0), materials);
   for (auto _ : ioState) touch(*s.mCollector.GetCurrentDefinition(0, s.nextFrame(), kNone));
   ioState.SetItemsProcessed(ioState.iterations() * ioState.range(0));
 }
-void deform(benchmark::State& ioState, const Rig& inRig) {
-  frames(ioState, inRig, Materials::kNoTriangles);
+void deform(benchmark::State& ioState, const Rig& rig) {
+  frames(ioState, rig, Materials::kNoTriangles);
 }
-void frame(benchmark::State& ioState, Materials inMaterials) {
-  frames(ioState, kFour, inMaterials);
-}
+void frame(benchmark::State& ioState, Materials materials) { frames(ioState, kFour, materials); }
 
 // The host keeps each frame until it has the next: no memory can be used again.
-void frameInNewMemory(benchmark::State& ioState, Materials inMaterials) {
-  auto& s = scene<XCFrameCollector>(kFour, ioState.range(0), inMaterials);
+void frameInNewMemory(benchmark::State& ioState, Materials materials) {
+  auto& s = scene<XCFrameCollector>(kFour, ioState.range(0), materials);
   UXS::uxs_autoptr<UXS::Mesh> held;
   for (auto _ : ioState) {
     UXS::Mesh* mesh = s.mCollector.GetCurrentDefinition(0, s.nextFrame(), kNone);
@@ -144,7 +146,8 @@ void frameInNewMemory(benchmark::State& ioState, Materials inMaterials) {
   }
 }
 
-// E: the same torus, 64 nodes and 30 frames, four links each.
+// E: the same torus, 64 nodes and 30 frames, four links each. The palettes of all frames are there
+// already, which the collector has to gather.
 void deformEigen(benchmark::State& ioState) {
   const long vertices = ioState.range(0);
   Dice dice;
@@ -198,34 +201,36 @@ void deformBy(benchmark::State& ioState, const Norvel::Vexa::skinning::Kernels& 
   ioState.SetItemsProcessed(ioState.iterations() * ioState.range(0));
 }
 
-// The rest of a frame as plainly as it goes, from the positions on.
-void deriveLiterally(const UXS::Mesh& inRest, const std::vector<Point>& inPositions) {
-  const auto count = inRest.GetTrianglesArray().size();
+// The rest of a frame as plainly as it goes, from the positions on: the order by materials,
+// sections, box, face normals, angles, edges and groups. It recomputes what the library shares
+// between frames.
+void deriveLiterally(const UXS::Mesh& rest, const std::vector<Point>& positions) {
+  const auto count = rest.GetTrianglesArray().size();
   std::vector<unsigned> order(count), materials(count), sections;
   std::iota(order.begin(), order.end(), 0u);
-  for (unsigned t = 0; t < count; ++t) materials[t] = inRest.GetTriangleMaterialID(t);
+  for (unsigned t = 0; t < count; ++t) materials[t] = rest.GetTriangleMaterialID(t);
   std::stable_sort(order.begin(), order.end(),
                    [&](unsigned a, unsigned b) { return materials[a] < materials[b]; });
   std::vector<UXS::Mesh::Corners> triangles(count);
   std::vector<UXS::Mesh::CornerUVs> uv(count);
   std::vector<UXS::Mesh::CornerPositions> normals;
   std::vector<Point> angles;
-  Point least = inPositions[0], most = least;
+  Point least = positions[0], most = least;
   for (unsigned t = 0; t < count; ++t) {
-    triangles[t] = inRest.GetTrianglesArray()[order[t]];
-    uv[t] = inRest.GetTriangleUVCoords(order[t]);
+    triangles[t] = rest.GetTrianglesArray()[order[t]];
+    uv[t] = rest.GetTriangleUVCoords(order[t]);
     if (t == 0 || materials[order[t]] != materials[order[t - 1]]) sections.push_back(t);
     for (const unsigned v : {triangles[t].x, triangles[t].y, triangles[t].z}) {
-      const Point& p = inPositions[v];
+      const Point& p = positions[v];
       least = {std::min(least.x, p.x), std::min(least.y, p.y), std::min(least.z, p.z)};
       most = {std::max(most.x, p.x), std::max(most.y, p.y), std::max(most.z, p.z)};
     }
   }
-  const tests::Walks walks(inPositions, triangles);
+  const tests::Walks walks(positions, triangles);
   for (unsigned t = 0; t < count; ++t) {
     const auto& [a, b, c] = triangles[t];
     normals.emplace_back(walks.mNormals[t], walks.mNormals[t], walks.mNormals[t]);
-    const Point &p0 = inPositions[a], &p1 = inPositions[b], &p2 = inPositions[c];
+    const Point &p0 = positions[a], &p1 = positions[b], &p2 = positions[c];
     const float angle0 = walks.angle(p1 - p0, p2 - p0), angle1 = walks.angle(p0 - p1, p2 - p1);
     angles.emplace_back(angle0, angle1, 3.1415927f - angle0 - angle1);
   }
@@ -246,6 +251,7 @@ void transformPoints(Scene<Collector>& ioScene, std::vector<Point>& outPoints) {
   }
 }
 
+// What a frame costs in the literal form: deformation by std::map, then all derived data.
 void frameLiteral(benchmark::State& ioState) {
   auto& s = scene<LiteralFrameCollector>(kFour, ioState.range(0), Materials::kBands);
   for (auto _ : ioState) {
@@ -255,6 +261,7 @@ void frameLiteral(benchmark::State& ioState) {
   }
 }
 
+// Every point of a frame, asked for one after the other.
 template <class Collector>
 void points(benchmark::State& ioState) {
   auto& s = scene<Collector>(kFour, ioState.range(0), Materials::kNoTriangles);
@@ -295,17 +302,19 @@ const char* bigFile() {
 
 // The collectors' end does not count.
 template <class Collector, class Read>
-void reading(benchmark::State& ioState, Read inRead) {
+void reading(benchmark::State& ioState, Read read) {
   bigFile();
   const auto mesh = makeTorus(torusSize(kFileVertices), Materials::kNoTriangles);
   for (auto _ : ioState) {
     auto collector = std::make_unique<Collector>(restOf<Collector>(*mesh));
-    inRead(*collector);
+    read(*collector);
     ioState.PauseTiming();
     collector.reset();
     ioState.ResumeTiming();
   }
 }
+// The three ways to read the big file: as the library does, value by value, and its bytes alone,
+// which is the floor. The file is in the system's cache after the first.
 void readFile(benchmark::State& ioState) {
   reading<XCFrameCollector>(ioState, [](XCFrameCollector& ioCollector) {
     Norvel::XCAMOFileIOTool(bigFile()).Read(&ioCollector);
@@ -342,7 +351,7 @@ void readMemory(benchmark::State& ioState) {
   bigFile();
   const auto mesh = makeTorus(torusSize(kFileVertices), Materials::kNoTriangles);
   for (auto _ : ioState) {
-    malloc_trim(0);
+    malloc_trim(0);  // what other rows freed must not count as there before
     std::ofstream("/proc/self/clear_refs") << 5;  // forgets the peak so far
     const double before = processBytes("VmRSS:");
     XCFrameCollector collector(mesh.get());
@@ -352,6 +361,7 @@ void readMemory(benchmark::State& ioState) {
     ioState.counters["bytes"] = processBytes("VmRSS:") - before;
   }
 }
+// The size of the file, as a row to compare memory with.
 void fileSize(benchmark::State& ioState) {
   for (auto _ : ioState) {
     const auto size = double(std::filesystem::file_size(bigFile()));

@@ -10,6 +10,7 @@ void eigenSkin(const float* matrices, const std::uint16_t* nodes, const float* w
   for (int v = 0; v < vertices; ++v) {
     const std::uint16_t* n = nodes + 4 * v;
     const float* w = weights + 4 * v;
+    // Eigen vectorises a sum of whole matrices; the product is three columns and the last one.
     const Eigen::Matrix4f m =
         w[0] * palette[n[0]] + w[1] * palette[n[1]] + w[2] * palette[n[2]] + w[3] * palette[n[3]];
     const float* p = points + 3 * v;

@@ -33,12 +33,15 @@ struct Operands {
     for (int i = 0; i < kPoints * 3; ++i) points[i] = ourPoints[i / 3][i % 3] = next();
   }
 };
+// Static, because they are larger than a stack frame should be.
 template <class T>
 Operands<T>& operands() {
   static Operands<T> sOperands;
   return sOperands;
 }
 
+// The compiler must take the operands for changed before each call and the results for read after
+// it.
 template <class T, class Call>
 void measure(benchmark::State& state, int items, Call call) {
   Operands<T>& o = operands<T>();
@@ -63,6 +66,7 @@ void inverseEigen(benchmark::State& state) {
              [](Operands<T>& o) { eigenInvert(o.matrices, o.results, kMatrices); });
 }
 
+// Products of neighbours, so that each matrix is loaded twice, as in a chain of transformations.
 template <class T>
 void product(benchmark::State& state) {
   measure<T>(state, kMatrices - 1, [](Operands<T>& o) {
@@ -76,6 +80,8 @@ void productGlm(benchmark::State& state) {
   });
 }
 
+// One matrix for many points. The copy tells the compiler that no result overwrites it; the others
+// have one, too.
 template <class T>
 void transform(benchmark::State& state) {
   measure<T>(state, kPoints, [](Operands<T>& o) {

@@ -7,6 +7,8 @@ namespace vexa::benchmarks {
 
 namespace {
 
+// The libraries' types lie over the plain arrays: neither has a header, and the alignment is
+// theirs.
 template <class T>
 using EigenMatrix = Eigen::Matrix<T, 4, 4>;
 template <class T>
@@ -31,6 +33,7 @@ void multiplyByGlm(const T* a, const T* b, T* out, int count) {
   for (int i = 0; i < count; ++i) to[i] = left[i] * right[i];
 }
 
+// An affine product: the fourth row is ignored, as ours ignores it.
 template <class T>
 void transformByEigen(const T* matrix, const T* points, T* out, int count) {
   const EigenMatrix<T> m = *reinterpret_cast<const EigenMatrix<T>*>(matrix);
@@ -41,6 +44,7 @@ void transformByEigen(const T* matrix, const T* points, T* out, int count) {
   }
 }
 
+// GLM has no affine product; a point with w = 1 and the first three components are its idiom.
 template <class T>
 void transformByGlm(const T* matrix, const T* points, T* out, int count) {
   const GlmMatrix<T> m = *reinterpret_cast<const GlmMatrix<T>*>(matrix);

@@ -13,10 +13,11 @@ namespace vexa::benchmarks {
 
 namespace {
 
-// The arguments of a benchmark: how many vertices, and how materials are spread over them.
+// The arguments of a benchmark: how many vertices, and how materials are spread over them. Bands
+// are in order already, and random materials have to be sorted.
 constexpr std::int64_t kBands = 0, kRandom = 1;
 
-/// The torus as its editor's arrays hold it before the first commit.
+// The torus as its editor's arrays hold it before the first commit.
 void fillUncommitted(UXS::Mesh::Impl& outMesh, const benchmark::State& state) {
   const auto torus = makeTorus(torusSize(state.range(0)), Materials::kBands);
   outMesh.mVertices = torus->GetVerticesArray();
@@ -30,6 +31,7 @@ void fillUncommitted(UXS::Mesh::Impl& outMesh, const benchmark::State& state) {
   outMesh.mSmoothNormals.resize(outMesh.mTriangles.size());
 }
 
+// The arrays that an editor fills. Copies share the triangles until a commit sorts them.
 void copyInputs(UXS::Mesh::Impl& outMesh, const UXS::Mesh::Impl& from) {
   outMesh.mVertices = from.mVertices;
   outMesh.mTriangles = from.mTriangles;
@@ -38,6 +40,8 @@ void copyInputs(UXS::Mesh::Impl& outMesh, const UXS::Mesh::Impl& from) {
   outMesh.mSmoothNormals = from.mSmoothNormals;
 }
 
+// Everything derived for the first time: sorting, topology, boxes, normals, edges and groups.
+// Making and destroying the mesh does not count.
 void firstCommit(benchmark::State& state) {
   UXS::Mesh::Impl inputs;
   fillUncommitted(inputs, state);
@@ -55,7 +59,7 @@ void firstCommit(benchmark::State& state) {
   }
 }
 
-/// One vertex moved in a mesh that is committed already.
+// One vertex moved in a mesh that is committed already.
 void laterCommit(benchmark::State& state) {
   UXS::Mesh mesh;
   const auto materials = state.range(1) == kBands ? Materials::kBands : Materials::kRandom;
@@ -67,7 +71,7 @@ void laterCommit(benchmark::State& state) {
   }
 }
 
-/// A deformed copy as the frame collector makes it, without the deformation.
+// A deformed copy as the frame collector makes it, without the deformation.
 void copyCommit(benchmark::State& state) {
   const auto materials = state.range(1) == kBands ? Materials::kBands : Materials::kRandom;
   const auto rest = makeTorus(torusSize(state.range(0)), materials);
@@ -84,6 +88,7 @@ void copyCommit(benchmark::State& state) {
   }
 }
 
+// The closest thing that meshoptimizer does to a first commit: the neighbours of each triangle.
 void adjacency(benchmark::State& state) {
   UXS::Mesh::Impl inputs;
   fillUncommitted(inputs, state);
@@ -97,7 +102,7 @@ void adjacency(benchmark::State& state) {
   }
 }
 
-/// A vertex for each corner: 300,000 of 50,000 positions.
+// A vertex for each corner: 300,000 of 50,000 positions.
 void fillApart(UXS::Mesh& outMesh) {
   const auto torus = makeTorus(torusSize(50000), Materials::kBands);
   UXS::Mesh::Editor editor(outMesh, false);
@@ -108,6 +113,7 @@ void fillApart(UXS::Mesh& outMesh) {
   }
 }
 
+// Finds the vertices at one position: 300,000 corners, six at each.
 void merging(benchmark::State& state) {
   UXS::Mesh apart, mesh;
   fillApart(apart);
@@ -117,12 +123,13 @@ void merging(benchmark::State& state) {
   for (auto _ : state) {
     state.PauseTiming();
     editor.Copy(apart, false);
-    editor.MergeTriangleVertices({0});  // from now on the triangles are its own
+    editor.MergeTriangleVertices({0});  // from now on the triangles are its own, not shared
     state.ResumeTiming();
     editor.MergeTriangleVertices(all);
   }
 }
 
+// The same by meshoptimizer, which compares bytes.
 void remap(benchmark::State& state) {
   UXS::Mesh apart;
   fillApart(apart);

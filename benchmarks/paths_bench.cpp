@@ -38,9 +38,11 @@ struct MemoryInfo final : Norvel::Vexa::XTPathInfo<models::V3, models::V3, float
   bool getTangentLockedAt(unsigned int) const override { return false; }
   bool getPathClosed() const override { return false; }
 
-  std::vector<V3> passage, before, after;
+  std::vector<V3> passage, before, after;  // one of each per point
 };
 
+// The arc-length tables of a path, whose cost is its square roots: sixteen pieces of five legs
+// each.
 void tables(benchmark::State& state) {
   const refhost::Path host = refhost::scenes::windingPath(int(state.range(0)));
   const XCZELPathInfo hostInfo(&host);
@@ -52,6 +54,7 @@ void tables(benchmark::State& state) {
   }
 }
 
+// As many square roots as the tables of that path take, and nothing else.
 void roots(benchmark::State& state) {
   const int count = int(state.range(0)) * kRootsPerSegment;
   std::vector<float> in(std::size_t(count), 2.0f), out(in.size());

@@ -16,6 +16,7 @@ class Dice {
   float real() { return float(next()) / float(1 << 24); }
 
  private:
+  // A linear congruential generator; its upper 24 bits, as the lower ones repeat soon.
   unsigned next() { return (mState = mState * 1664525 + 1013904223) >> 8; }
 
   unsigned mState = 1;
@@ -65,6 +66,10 @@ inline UXS::uxs_autoptr<UXS::Mesh> makeTorus(TorusSize size, Materials materials
     const unsigned t = editor.AddTriangle(corners, inBands ? band : dice.below(4));
     editor.SetTriangleUVCoords(t, {{0.1f, 0.2f}, {dice.real(), 0.4f}, {0.5f, 0.6f}});
   };
+  //   d --- c      i runs around the torus, j across its tube; both start again at their ends, so
+  //   |   / |      that no edge is a boundary edge.
+  //   | /   |
+  //   a --- b
   for (unsigned i = 0; i < around; ++i) {
     for (unsigned j = 0; j < across; ++j) {
       const unsigned i1 = (i + 1) % around, j1 = (j + 1) % across;

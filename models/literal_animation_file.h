@@ -8,12 +8,14 @@
 
 namespace vexa::tests {
 
+// A value that the file does not hold in full is the preset.
 template <class T>
-T readOr(std::FILE* ioFile, T inPreset) {
+T readOr(std::FILE* ioFile, T preset) {
   T value;
-  return std::fread(&value, sizeof(T), 1, ioFile) == 1 ? value : inPreset;
+  return std::fread(&value, sizeof(T), 1, ioFile) == 1 ? value : preset;
 }
 
+// Sixteen doubles in the file, narrowed one by one.
 inline UXS::uxs_generic_mat4<float> readMatrixOrIdentity(std::FILE* ioFile) {
   const auto matrix = readOr(ioFile, UXS::uxs_generic_mat4<double>());
   UXS::uxs_generic_mat4<float> result;
@@ -33,7 +35,7 @@ inline void readAnimationFileLiterally(std::FILE* ioFile,
   for (std::uint32_t& count : frames) count = readOr<std::uint32_t>(ioFile, 0);
   const auto nodes = readOr<std::uint32_t>(ioFile, 0);
   for (std::uint32_t n = 0; n < nodes; ++n) {
-    int node = -1;
+    int node = -1;  // stays so for a node without matrices, also for its links
     for (std::uint32_t t = 0; t < takes; ++t) {
       for (std::uint32_t f = 0; f < frames[t]; ++f) {
         node = int(ioCollector.AddTransformation(readMatrixOrIdentity(ioFile), t, node));

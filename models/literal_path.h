@@ -21,6 +21,8 @@ struct Segment {
 
 inline double norm(const V3& v) { return double(std::sqrt(v.x * v.x + v.y * v.y + v.z * v.z)); }
 
+// An estimate of the arc length: the control polygon and twice the broken line P0-M-P3, over three,
+// where M is the middle of C1 and C2. order: exact floats
 inline double lengthOf(const Segment& s) {
   const V3 m = (s.c1 + s.c2) * 0.5f;
   return (norm(s.p3 - s.c2) + norm(s.c1 - s.c2) + norm(s.c1 - s.p0) + 2 * norm(m - s.p3) +
@@ -28,6 +30,7 @@ inline double lengthOf(const Segment& s) {
          3.0;
 }
 
+// De Casteljau at 1/2, again and again; the pieces come in order from P0 to P3.
 inline void appendPieces(const Segment& s, int levels, std::vector<Segment>& pieces) {
   if (levels == 0) return pieces.push_back(s);
   const V3 middle = (3.0f * s.c2 + 3.0f * s.c1 + s.p0 + s.p3) * 0.125f;
@@ -37,6 +40,7 @@ inline void appendPieces(const Segment& s, int levels, std::vector<Segment>& pie
   appendPieces(right, levels - 1, pieces);
 }
 
+// Entry k is the length of the first k + 1 of sixteen pieces.
 inline LengthTable tableOf(const Segment& segment) {
   std::vector<Segment> pieces;
   pieces.reserve(16);
@@ -47,6 +51,8 @@ inline LengthTable tableOf(const Segment& segment) {
   return table;
 }
 
+// The parameter at a fraction of the length: the piece by a walk along the table, then a straight
+// line within the piece.
 inline float parameterAt(const LengthTable& d, float fraction) {
   const float x = fraction * d[15];
   std::size_t k = 0;

@@ -21,6 +21,7 @@ inline float dotZYX(const Position& a, const Position& b) {
 inline Position times(const Position& a, float s) { return {a.x * s, a.y * s, a.z * s}; }
 inline bool hasVertex(const Corners& c, unsigned int v) { return c.x == v || c.y == v || c.z == v; }
 
+// A squared length of exactly 1 needs no root; one that is 0 or NaN gives no direction.
 inline Position walkFaceNormal(const Position& p0, const Position& p1, const Position& p2) {
   const Position a = p2 - p1, b = p0 - p1;
   const Position n{a.y * b.z - a.z * b.y, a.z * b.x - a.x * b.z, a.x * b.y - a.y * b.x};
@@ -46,6 +47,8 @@ struct Walks {
     }
   }
 
+  // The last of the later triangles that share the edge decides; an edge of one triangle is drawn.
+  // The triangles around a vertex are walked for each edge, in the square of their number.
   bool isDrawn(unsigned int t, const Edge& edge) const {
     bool seen = false, crease = false;
     for (const unsigned int u : mLists[edge.x]) {
@@ -71,6 +74,8 @@ struct Walks {
     return all;
   }
 
+  // A flood fill over shared vertices from each section's first triangle. Required behaviour: that
+  // triangle uses up a number even when it has one.
   std::vector<unsigned int> groups(const std::vector<unsigned int>& sections) const {
     constexpr unsigned int kNone = 0xFFFFFFFF;
     std::vector<unsigned int> groups(mTriangles.size(), kNone);
@@ -101,6 +106,7 @@ struct Walks {
     return std::acos(dotXYZ(e, f) * (1 / root));
   }
 
+  // A vertex at two corners counts as the second before the third before the first.
   float angleAt(unsigned int t, unsigned int vertex) const {
     const auto& [a, b, c] = mTriangles[t];
     const Position &p0 = mVertices[a], &p1 = mVertices[b], &p2 = mVertices[c];
@@ -108,6 +114,8 @@ struct Walks {
     return b == vertex ? angle1 : c == vertex ? 3.1415927f - angle0 - angle1 : angle0;
   }
 
+  // The face normals around the vertex within the angle, weighted by their corner angles; a face
+  // that looks the opposite way counts with its normal reversed.
   Position smoothNormal(unsigned int t, unsigned int vertex, float degrees) const {
     const float limit = std::cos(degrees * 0.017453292f);
     if (limit >= 1) return mNormals[t];
