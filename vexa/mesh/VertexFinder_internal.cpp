@@ -73,7 +73,7 @@ unsigned int VertexFinder::firstAt(unsigned int vertex, std::uint32_t hash) {
   unsigned int* slot = &slotOf(p, hash);
   if (*slot != kFree) return *slot;
   // A NaN equals nothing, so it keeps its vertex and needs no slot.
-  if (p != p) return vertex;  // NOLINT(misc-redundant-expression): a NaN
+  if (p != p) return vertex;
   if (2 * ++mTaken > mSlots.size()) {
     grow();
     slot = &slotOf(p, hash);

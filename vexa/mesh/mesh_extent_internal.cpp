@@ -123,7 +123,7 @@ Box measureConsecutive(const Position* begin, const Position* end, bool& ioIsExa
     extend(box, c, 2, ioIsExact);
   }
   for (; begin != end; ++begin) {
-    ioIsExact = ioIsExact && *begin == *begin;  // NOLINT(misc-redundant-expression): not NaN
+    ioIsExact = ioIsExact && *begin == *begin;  // not NaN
     extend(box, *begin);
   }
   return box;

@@ -14,7 +14,7 @@ template <class T>
 class VEXA_EXPORT uxs_autoptr {
  public:
   /// Takes over one reference that the caller has taken; null owns nothing.
-  explicit uxs_autoptr(T* inObject = nullptr) : mObject(inObject) {}
+  explicit uxs_autoptr(T* object = nullptr) : mObject(object) {}
   uxs_autoptr(uxs_autoptr&& other) noexcept : mObject(std::exchange(other.mObject, nullptr)) {}
   /// Gives up what it owned and takes over what `other` owned.
   uxs_autoptr& operator=(uxs_autoptr&& other) noexcept {

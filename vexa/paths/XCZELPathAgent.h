@@ -27,9 +27,9 @@ class VEXA_EXPORT XCZELPathAgent
   bool addNewPointAt(unsigned int index) override;
   bool removePointAt(unsigned int index) override;
 
-  void setPassagePointPositionAt(unsigned int index, const V3& point) override;
-  void setBeforeControlPointAt(unsigned int index, const V3& point) override;
-  void setAfterControlPointAt(unsigned int index, const V3& point) override;
+  void setPassagePointPositionAt(unsigned int index, const V3& position) override;
+  void setBeforeControlPointAt(unsigned int index, const V3& control) override;
+  void setAfterControlPointAt(unsigned int index, const V3& control) override;
   void setToBeforeCtrlPtAt(unsigned int index, const V3& offset) override;
   void setToAfterCtrlPtAt(unsigned int index, const V3& offset) override;
   void setTangentLockedAt(unsigned int index, bool locked) override;

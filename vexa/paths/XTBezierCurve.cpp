@@ -53,8 +53,8 @@ NearestPlace nearestOnChord(const XTBezierCurve<V, W, S>& piece, const V& coordi
 
 template <class V, class W, class S>
 bool isStraight(const XTBezierCurve<V, W, S>& piece) {
-  const double polygon = double(polygonLength(piece));
-  const double chord = double(vectorLength(piece.getEndValue() - piece.getStartValue()));
+  const auto polygon = double(polygonLength(piece));
+  const auto chord = double(vectorLength(piece.getEndValue() - piece.getStartValue()));
   return !(polygon - chord > 0.000001 * polygon);  // so that NaN ends the search
 }
 
@@ -84,11 +84,11 @@ XTBezierCurve<V, W, S>::~XTBezierCurve() = default;
 template <class V, class W, class S>
 double XTBezierCurve<V, W, S>::getLengthAproximation() const {
   const V middle = (mStartControlPoint + mEndControlPoint) * S(0.5);
-  const double endLeg = double(vectorLength(mEndValue - mEndControlPoint));
-  const double middleLeg = double(vectorLength(mStartControlPoint - mEndControlPoint));
-  const double startLeg = double(vectorLength(mStartControlPoint - mStartValue));
-  const double toEnd = double(vectorLength(middle - mEndValue));
-  const double toStart = double(vectorLength(middle - mStartValue));
+  const auto endLeg = double(vectorLength(mEndValue - mEndControlPoint));
+  const auto middleLeg = double(vectorLength(mStartControlPoint - mEndControlPoint));
+  const auto startLeg = double(vectorLength(mStartControlPoint - mStartValue));
+  const auto toEnd = double(vectorLength(middle - mEndValue));
+  const auto toStart = double(vectorLength(middle - mStartValue));
   return (endLeg + middleLeg + startLeg + 2 * toEnd + 2 * toStart) / 3.0;  // order: exact floats
 }
 

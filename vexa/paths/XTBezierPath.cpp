@@ -135,7 +135,7 @@ typename XTBezierPath<V, W, S>::Place XTBezierPath<V, W, S>::placeAt(S distance)
     return {&curve, GetTfromDistanceWanted(CalculateCurveDistanceRepartition(curve), distance)};
   }
   if (distance <= mProportions[0]) {
-    return {&mCurves[0], GetTfromDistanceWanted(mRepartitions[0], distance / mProportions[0])};
+    return {mCurves.data(), GetTfromDistanceWanted(mRepartitions[0], distance / mProportions[0])};
   }
   // The first segment that does not end before the distance.
   std::size_t k = 1;

@@ -30,7 +30,7 @@ const UxZel::IZelBezierPoint& pointAt(const PointList& points, unsigned int inde
 // The points that were read, as a Bezier path wants them.
 class PathCache::ReadPoints final : public XTPathInfo<V3, V3, float> {
  public:
-  explicit ReadPoints(const std::vector<PointReads>& reads) : mReads(reads) {}
+  explicit ReadPoints(std::vector<PointReads> reads) : mReads(std::move(reads)) {}
 
   bool PointsMgrExist() const override { return true; }
   unsigned int getNbBezierPoints() const override { return unsigned(mReads.size()); }
@@ -45,11 +45,11 @@ class PathCache::ReadPoints final : public XTPathInfo<V3, V3, float> {
     return control(mReads[i].mAfterPassage, mReads[i].mAfter);
   }
   // Building a path asks for nothing below.
-  V3 getToBeforeCtrlPtAt(unsigned int) const override { return {}; }
-  V3 getToAfterCtrlPtAt(unsigned int) const override { return {}; }
-  float getAfterControlPointWeightAt(unsigned int) const override { return 0; }
-  float getBeforeControlPointWeightAt(unsigned int) const override { return 0; }
-  bool getTangentLockedAt(unsigned int) const override { return false; }
+  V3 getToBeforeCtrlPtAt(unsigned int /*index*/) const override { return {}; }
+  V3 getToAfterCtrlPtAt(unsigned int /*index*/) const override { return {}; }
+  float getAfterControlPointWeightAt(unsigned int /*index*/) const override { return 0; }
+  float getBeforeControlPointWeightAt(unsigned int /*index*/) const override { return 0; }
+  bool getTangentLockedAt(unsigned int /*index*/) const override { return false; }
   bool getPathClosed() const override { return false; }
 
   const std::vector<PointReads> mReads;
@@ -94,7 +94,7 @@ std::shared_ptr<const BezierPath> PathCache::pathOf(const UxZel::IZel3DPath* hos
   mReads = std::move(reads);
   // The result shares the entry: it stays when the cache drops it during the call.
   BezierPath* const path = &entry->mPath;
-  return {std::move(entry), path};
+  return {entry, path};
 }
 
 std::shared_ptr<PathCache::Entry> PathCache::entryOf(const UxZel::IZel3DPath* host,
@@ -106,7 +106,7 @@ std::shared_ptr<PathCache::Entry> PathCache::entryOf(const UxZel::IZel3DPath* ho
     return known->second;
   }
   // Built before the old entry goes: a fault leaves the cache as it was.
-  const auto built = std::make_shared<Entry>(reads);
+  auto built = std::make_shared<Entry>(reads);
   built->mLastRequest = mRequests;
   if (known != mEntries.end()) {
     mPointCount -= known->second->pointCount();

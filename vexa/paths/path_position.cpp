@@ -81,7 +81,7 @@ double getInterpolatedPathPosition(const KeyList* keys, int minIndex, int maxInd
   const bool restsAtEnd =
       maxIndex == count - 1 || sameFraction(fractionOf(*keys, maxIndex + 1), end);
   if (!restsAtStart && !restsAtEnd) return linear;
-  const double startTime = double(startFrame), endTime = double(endFrame), time = double(frame);
+  const auto startTime = double(startFrame), endTime = double(endFrame), time = double(frame);
   if (restsAtStart && restsAtEnd) return Sinerp(startTime, endTime, start, end, time);
   if (restsAtStart) return Sqerp(startTime, endTime, start, end, time);
   return OneMinSqerp(startTime, endTime, start, end, time);

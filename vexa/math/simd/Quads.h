@@ -63,7 +63,7 @@ struct PlainQuads {
 /// By the compiler's vector extension.
 struct VectorQuads {
   static constexpr int kQuads = 1;
-  typedef float Lanes __attribute__((vector_size(16)));
+  using Lanes = float __attribute__((vector_size(16)));
 
   Lanes lanes;
 
