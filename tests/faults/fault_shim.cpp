@@ -1,8 +1,11 @@
 // Preloaded into a process, makes one of its calls fail, or all from one on. For scripts/faults.
 //
+// A program may also set faults itself, by the functions of fault_shim.h. Otherwise:
 // VEXA_FAULT is "CALL NUMBER ERROR ONWARDS": the name of a call below, which one of them counted
 // from 0 since main started, an errno or 0 for a short count, and 1 to go on failing. CALL "new" is
 // operator new. VEXA_FAULT_COUNT names a file that gets the number of calls of that name.
+#include "tests/faults/fault_shim.h"
+
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
@@ -11,6 +14,7 @@
 #include <dlfcn.h>
 #include <fcntl.h>
 #include <new>
+#include <sys/stat.h>
 #include <unistd.h>
 
 namespace {
@@ -20,7 +24,7 @@ struct Plan {
   long mNumber = -1;
   int mError = 0, mOnwards = 0;
 } gPlan;
-std::atomic<long> gCalls{0};
+std::atomic<long> gCalls{0}, gBlocks{0};
 std::atomic<bool> gIsStarted{false};
 int (*gMain)(int, char**, char**) = nullptr;
 
@@ -61,20 +65,48 @@ void* allocate(std::size_t size) {
   if (fails("new")) throw std::bad_alloc();
   void* block = std::malloc(size == 0 ? 1 : size);
   if (block == nullptr) throw std::bad_alloc();
+  ++gBlocks;
   return block;
+}
+
+void release(void* block) {
+  if (block != nullptr) --gBlocks;
+  std::free(block);
 }
 
 }  // namespace
 
+void setFault(const char* call, long number, int error, bool onwards) {
+  gIsStarted = false;
+  std::snprintf(gPlan.mCall, sizeof(gPlan.mCall), "%s", call);
+  gPlan.mNumber = number;
+  gPlan.mError = error;
+  gPlan.mOnwards = onwards ? 1 : 0;
+  gCalls = 0;
+  gIsStarted = true;
+}
+long endFault() {
+  gIsStarted = false;
+  return gCalls;
+}
+long blocksInUse() { return gBlocks; }
+
 void* operator new(std::size_t size) { return allocate(size); }
 void* operator new[](std::size_t size) { return allocate(size); }
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  return fails("new") ? nullptr : std::malloc(size == 0 ? 1 : size);
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept try {
+  return allocate(size);
+} catch (const std::bad_alloc&) {
+  return nullptr;
 }
-void operator delete(void* block) noexcept { std::free(block); }
-void operator delete[](void* block) noexcept { std::free(block); }
-void operator delete(void* block, std::size_t) noexcept { std::free(block); }
-void operator delete[](void* block, std::size_t) noexcept { std::free(block); }
+void* operator new[](std::size_t size, const std::nothrow_t&) noexcept try {
+  return allocate(size);
+} catch (const std::bad_alloc&) {
+  return nullptr;
+}
+void operator delete(void* block) noexcept { release(block); }
+void operator delete[](void* block) noexcept { release(block); }
+void operator delete(void* block, std::size_t) noexcept { release(block); }
+void operator delete[](void* block, std::size_t) noexcept { release(block); }
 
 // A call that either fails with the error of the plan or is made.
 #define VEXA_FAULT_CALL(type, name, parameters, arguments)   \
@@ -103,10 +135,39 @@ VEXA_FAULT_TRANSFER(pwrite, (int fd, const void* bytes, size_t count, off_t at),
 VEXA_FAULT_CALL(int, rename, (const char* from, const char* to) noexcept, (from, to))
 VEXA_FAULT_CALL(int, link, (const char* from, const char* to) noexcept, (from, to))
 VEXA_FAULT_CALL(int, mkdir, (const char* path, mode_t mode) noexcept, (path, mode))
+VEXA_FAULT_CALL(int, mkdirat, (int folder, const char* path, mode_t mode) noexcept,
+                (folder, path, mode))
+VEXA_FAULT_CALL(int, renameat, (int a, const char* from, int b, const char* to) noexcept,
+                (a, from, b, to))
+VEXA_FAULT_CALL(int, unlinkat, (int folder, const char* path, int flags) noexcept,
+                (folder, path, flags))
+VEXA_FAULT_CALL(int, unlink, (const char* path) noexcept, (path))
+VEXA_FAULT_CALL(int, rmdir, (const char* path) noexcept, (path))
+VEXA_FAULT_CALL(int, fchmod, (int fd, mode_t mode) noexcept, (fd, mode))
+VEXA_FAULT_CALL(int, futimens, (int fd, const struct timespec* times) noexcept, (fd, times))
+VEXA_FAULT_CALL(int, fstatat,
+                (int folder, const char* path, struct stat* status, int flags) noexcept,
+                (folder, path, status, flags))
+VEXA_FAULT_CALL(int, stat, (const char* path, struct stat* status) noexcept, (path, status))
+VEXA_FAULT_CALL(ssize_t, readlink, (const char* path, char* text, size_t count) noexcept,
+                (path, text, count))
+VEXA_FAULT_CALL(ssize_t, pread, (int fd, void* bytes, size_t count, off_t at),
+                (fd, bytes, count, at))
 VEXA_FAULT_CALL(int, fstat, (int fd, struct stat* status) noexcept, (fd, status))
 VEXA_FAULT_CALL(int, getentropy, (void* bytes, size_t count), (bytes, count))
 VEXA_FAULT_CALL(int, pipe2, (int* ends, int flags) noexcept, (ends, flags))
 VEXA_FAULT_CALL(pid_t, fork, (), ())
+
+int openat(int folder, const char* path, int flags, ...) {
+  static const auto call =
+      reinterpret_cast<int (*)(int, const char*, int, ...)>(dlsym(RTLD_NEXT, "openat"));
+  if (fails("openat")) return errno = gPlan.mError, -1;
+  __builtin_va_list rest;
+  __builtin_va_start(rest, flags);
+  const mode_t mode = (flags & O_CREAT) != 0 ? __builtin_va_arg(rest, mode_t) : 0;
+  __builtin_va_end(rest);
+  return call(folder, path, flags, mode);
+}
 
 int open(const char* path, int flags, ...) {
   static const auto call =
@@ -135,7 +196,10 @@ std::FILE* fopen(const char* path, const char* mode) {
 
 size_t fread(void* bytes, size_t size, size_t count, std::FILE* file) {
   static const auto call = real(&fread, "fread");
-  if (fails("fread")) return errno = gPlan.mError, 0;
+  if (fails("fread")) {
+    file->_flags |= 0x20;  // what ferror() asks for
+    return errno = gPlan.mError, 0;
+  }
   return call(bytes, size, count, file);
 }
 

@@ -172,15 +172,27 @@ FileHandle openFolderOf(const std::string& path) {
   return FileHandle(open(folder.empty() ? "." : folder.c_str(), kMode | O_DIRECTORY | O_CLOEXEC));
 }
 
-bool makeDirectory(int parent, const char* name) {
-  // Closed to others until it is known to be ours.
-  if (mkdirat(parent, name, 0700) != 0) return false;
-  // By its own descriptor: in a shared folder another user may have put something else at the name.
+namespace {
+
+// Opens a new directory to all, by its own descriptor: in a shared folder another user may have put
+// something else at the name.
+bool openToAll(int parent, const char* name) {
   const FileHandle made(openat(parent, name, O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC));
   struct stat status;
   if (!made.isOpen() || fstat(made.get(), &status) != 0) return false;
   if (status.st_uid != geteuid()) return fail(EPERM);
   return fchmod(made.get(), 0777) == 0;
+}
+
+}  // namespace
+
+bool makeDirectory(int parent, const char* name) {
+  // Closed to others until it is known to be ours.
+  if (mkdirat(parent, name, 0700) != 0) return false;
+  if (openToAll(parent, name)) return true;
+  const int saved = errno;
+  unlinkat(parent, name, AT_REMOVEDIR);  // nothing else than an empty directory
+  return fail(saved);
 }
 
 FileHandle openRegularFile(int folder, const char* name, int flags, struct stat& status) {
