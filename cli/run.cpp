@@ -14,6 +14,7 @@
 #include "cli/load_scene.h"
 #include "formats/printable.h"
 #include "scene/RunPart.h"
+#include "scene/SceneSkin.h"
 #include "scene/scene_extent.h"
 #include "scene/scene_output.h"
 
@@ -28,6 +29,7 @@ struct Options {
   std::string take;
   std::string out = "out";
   std::string mesh = "none";
+  std::string glb = "skin";
   bool plot = false;
   unsigned int jobs = 0;
   std::string task;
@@ -72,7 +74,7 @@ std::vector<std::string> runPart(const Options& options, const SceneOutput& outp
   parseTask(options.task, part);
   // Plots show all frames at once, and a part has only its own.
   if (options.plot) refuseTask("--plot needs a whole run");
-  const scene::ScenePlayer player = load();
+  scene::ScenePlayer player = load();
   // The merge may start in another folder.
   part.mScene = std::filesystem::absolute(options.scene).string();
   part.mSceneSum = scene::sceneSum(options.scene, player.scene());
@@ -83,6 +85,11 @@ std::vector<std::string> runPart(const Options& options, const SceneOutput& outp
   if (part.mFrames.empty()) {
     part.mFrames.resize(std::size_t(scene::lastFrame(player.scene())) + 1);
     std::iota(part.mFrames.begin(), part.mFrames.end(), 0);
+  }
+  if (options.mesh == "glb") {
+    const bool isSkin =
+        options.glb == "skin" && scene::SceneSkin(player, part.mFrames).obstacle().empty();
+    part.mGlb = isSkin ? "skin" : "morph";
   }
   // The checksum of the scene is compared, too: after an edit the part is played again.
   if (options.resume && scene::isWhole(part, options.out)) {
@@ -98,6 +105,7 @@ void run(const Options& options) {
   if (options.mesh == "obj") output.mMeshes = SceneOutput::Meshes::kObj;
   if (options.mesh == "pc2") output.mMeshes = SceneOutput::Meshes::kPointCache;
   if (options.mesh == "glb") output.mMeshes = SceneOutput::Meshes::kGlb;
+  output.mIsMorphed = options.glb == "morph";
   output.mPlots = options.plot;
   // In a log file each step would be a line of its own.
   if (isatty(STDERR_FILENO) != 0) output.mProgress = showProgress;
@@ -128,6 +136,11 @@ void addRun(CLI::App& app) {
                    "deformed meshes: an obj per frame, one glb, a point cache per mesh, or none")
       ->check(CLI::IsMember({"obj", "glb", "pc2", "none"}))
       ->option_text("obj|glb|pc2|none [none]");
+  command
+      ->add_option("--glb", options->glb,
+                   "a glb with joints where that is exact, or always with a morph target per frame")
+      ->check(CLI::IsMember({"skin", "morph"}))
+      ->option_text("skin|morph [skin]");
   command->add_option("--jobs", options->jobs, "threads; as many as there are cores when missing")
       ->check(CLI::Range(1, 1024));
   command->add_flag("--plot", options->plot, "curves and paths as SVG, posed frames as PNG");

@@ -13,6 +13,7 @@
 #include "formats/json_value.h"
 #include "formats/read_file.h"
 #include "formats/write_file.h"
+#include "scene/SceneSkin.h"
 #include "scene/merge_files.h"
 
 namespace vexa::scene {
@@ -82,6 +83,7 @@ formats::JsonTree asJson(const RunPart& part) {
       .with("sceneSum", part.mSceneSum)
       .with("take", part.mTake)
       .with("mesh", part.mMesh)
+      .with("glb", part.mGlb)
       .with("frames", framesAsJson(part.mFrames))
       .with("task", part.mTask)
       .with("tasks", part.mTasks)
@@ -107,6 +109,7 @@ RunPart partOf(const formats::JsonValue& value) {
   part.mSceneSum = value.member("sceneSum").text();
   part.mTake = value.member("take").text();
   part.mMesh = value.member("mesh").text();
+  part.mGlb = value.member("glb").text();
   part.mFrames = framesOf(value.member("frames"));
   part.mTasks = std::size_t(value.member("tasks").integer(1, kMostTasks));
   part.mTask =
@@ -135,7 +138,7 @@ RunPart readPart(const std::string& folder) {
 // The path of the scene does not count: other machines may see the same files elsewhere.
 bool isOfSameRun(const RunPart& a, const RunPart& b) {
   return a.mSceneSum == b.mSceneSum && a.mTake == b.mTake && a.mMesh == b.mMesh &&
-         a.mFrames == b.mFrames && a.mTasks == b.mTasks;
+         a.mGlb == b.mGlb && a.mFrames == b.mFrames && a.mTasks == b.mTasks;
 }
 
 // The name of the first file that is not as it was written, or "".
@@ -266,7 +269,11 @@ std::vector<std::string> writePart(RunPart part, const std::string& folder,
   partial.mFolder = own;
   partial.mFrames = part.frames();
   // A GLB file states moves from its first frame, which rounds: parts keep the points themselves.
-  if (part.mMesh == "glb") partial.mMeshes = SceneOutput::Meshes::kPointCache;
+  // A skin needs no points at all.
+  if (part.mMesh == "glb") {
+    partial.mMeshes =
+        part.mGlb == "skin" ? SceneOutput::Meshes::kNone : SceneOutput::Meshes::kPointCache;
+  }
   std::error_code error;
   fs::remove(own + "/" + kManifest, error);
   // There are more tasks than frames. An empty list would mean all frames to writeScene.
@@ -316,7 +323,11 @@ std::vector<std::string> mergeParts(
     if (sceneSum(any.mScene, player.scene()) != any.mSceneSum) {
       fail(any.mScene, "is not the scene that the parts were played from");
     }
-    mergeGlb(folders, any.mFrames, player, target);
+    if (any.mGlb == "skin") {
+      writeSkin(SceneSkin(player, any.mFrames), player, any.mFrames, target);
+    } else {
+      mergeGlb(folders, any.mFrames, player, target);
+    }
     names.emplace_back("scene.glb");
   }
   target.publish();

@@ -23,6 +23,7 @@ struct RunPart {
   std::string mSceneSum;       ///< checksum of the scene and all that it plays
   std::string mTake;           ///< the take shown, or ""
   std::string mMesh = "none";  ///< as vexa run --mesh
+  std::string mGlb;            ///< of "glb": "skin" or "morph"
   std::vector<int> mFrames;    ///< of the whole run
   std::size_t mTask = 0, mTasks = 1;
   std::vector<std::pair<std::string, std::string>> mFiles;  ///< name and checksum

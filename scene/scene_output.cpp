@@ -18,6 +18,7 @@
 #include "formats/mesh_surfaces.h"
 #include "formats/obj.h"
 #include "formats/point_cache.h"
+#include "scene/SceneSkin.h"
 #include "scene/mesh_names.h"
 #include "scene/scene_csv.h"
 #include "scene/scene_extent.h"
@@ -75,7 +76,8 @@ class SceneFiles {
   SceneFiles(ScenePlayer& player, const SceneOutput& output)
       : mOutput(output), mFolder(output.mFolder) {
     player.setFrame(mOutput.mFrames[0]);
-    if (mOutput.mMeshes != SceneOutput::Meshes::kNone) prepareMeshes(player);
+    if (mOutput.mMeshes == SceneOutput::Meshes::kGlb && !mOutput.mIsMorphed) prepareSkin(player);
+    if (mOutput.mMeshes != SceneOutput::Meshes::kNone && !mIsSkinned) prepareMeshes(player);
     if (mOutput.mPlots) mRecord.emplace(player, mOutput.mFrames);
   }
 
@@ -105,8 +107,8 @@ class SceneFiles {
     if (mGlb) {
       mGlb->finish();
       mGlbFile->close();
-      names.emplace_back("scene.glb");
     }
+    if (mGlb || mIsSkinned) names.emplace_back("scene.glb");
     for (formats::PointCacheWriter& cache : mCaches) cache.close();
     for (const std::string& name : mCacheNames) {
       names.push_back(restName(name));
@@ -118,7 +120,9 @@ class SceneFiles {
       names.insert(names.end(), plots.begin(), plots.end());
     }
     mFolder.publish();
-    for (std::string& name : names) name = mFolder.finalPath(name);
+    for (std::string& name : names) {
+      name = mFolder.finalPath(name) + (name == "scene.glb" ? mGlbText : "");
+    }
     if (mHasObjs) names.push_back(objNames());
     return names;
   }
@@ -126,6 +130,15 @@ class SceneFiles {
   std::string inFinalPaths(const std::string& text) const { return mFolder.inFinalPaths(text); }
 
  private:
+  /// A skin is written at once: no frame has to be deformed for it.
+  void prepareSkin(ScenePlayer& player) {
+    const SceneSkin skin(player, frames());
+    mGlbText = ": " + glbText(skin);
+    mIsSkinned = skin.obstacle().empty();
+    if (mIsSkinned) writeSkin(skin, player, frames(), mFolder);
+    player.setFrame(frames()[0]);
+  }
+
   void prepareMeshes(ScenePlayer& player) {
     std::vector<formats::MovingMesh> meshes = player.meshes();
     std::vector<Points> poses;
@@ -203,6 +216,8 @@ class SceneFiles {
   std::string mFaces;  // what an OBJ file says besides the points
   std::optional<formats::NewFile> mGlbFile;
   std::optional<formats::GlbWriter> mGlb;
+  bool mIsSkinned = false;
+  std::string mGlbText;  ///< which kind of GLB it is
   std::vector<std::string> mCacheNames;
   std::vector<formats::PointCacheWriter> mCaches;
   std::optional<SceneRecord> mRecord;

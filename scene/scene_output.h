@@ -15,6 +15,7 @@ struct SceneOutput {
   std::vector<int> mFrames;  ///< rising, 0 or more; none stands for all up to lastFrame()
   std::string mFolder;       ///< made when it is not there
   Meshes mMeshes = Meshes::kNone;
+  bool mIsMorphed = false;  ///< a GLB has morph targets even where a skin would be exact
   bool mPlots = false;
   std::size_t mJobs = 1;  ///< threads; each loads the scene and plays a part of the frames
   /// Called after every frame with the number of frames done and of all, by one thread at a time.

@@ -87,8 +87,9 @@ function points(model) {
   return found;
 }
 
-// Per time in seconds of a clip, the points as x, y, z, x, y, z, ...
+// Per time in seconds of a clip, or none, the points as x, y, z, x, y, z, ...
 export function posesOf(model, clip, times) {
+  if (!clip) return times.map(() => points(model).flatMap((p) => [p.x, p.y, p.z]));
   const mixer = new THREE.AnimationMixer(model.root);
   const action = mixer.clipAction(clip);
   action.setLoop(THREE.LoopOnce);

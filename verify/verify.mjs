@@ -9,6 +9,7 @@ import { mkdtempSync, readFileSync, rmSync, writeFileSync } from 'node:fs';
 import { tmpdir } from 'node:os';
 import { basename, join } from 'node:path';
 
+import { oneWay, readObj, sizeOf, trajectories } from './compare.mjs';
 import { load, posesOf } from './poses.mjs';
 
 // Of the model's size. Quaternions a little off unit length cost up to 1.3e-4 of a model, because
@@ -49,16 +50,6 @@ function some(list) {
   return [...new Set(picked)].map((i) => list[i]);
 }
 
-function readObj(file) {
-  const points = [], used = new Set();
-  for (const line of readFileSync(file, 'utf8').split('\n')) {
-    const words = line.split(' ');
-    if (words[0] === 'v') points.push([+words[1], +words[3], -words[2]]);  // +Z up to +Y up
-    if (words[0] === 'f') for (const c of words.slice(1)) used.add(parseInt(c) - 1);
-  }
-  return [...used].flatMap((i) => points[i]);
-}
-
 function ourPoses(folder, scene, take, frames) {
   const one = structuredClone(scene);
   one.instances[0].take = take.name;
@@ -71,43 +62,6 @@ function ourPoses(folder, scene, take, frames) {
                         'obj', '--out', out], { stdio: 'pipe' });
     return readObj(join(out, `frame_${String(frame).padStart(6, '0')}.obj`));
   });
-}
-
-// One trajectory per point: its places at all times, one after the other.
-function trajectories(poses) {
-  const result = new Map();
-  for (let i = 0; i < poses[0].length; i += 3) {
-    const t = poses.flatMap((pose) => pose.slice(i, i + 3));
-    result.set(t.join(), t);
-  }
-  return [...result.values()];
-}
-
-function farthest(a, b, best) {
-  let worst = 0;
-  for (let i = 0; i < a.length && worst < best; i += 3) {
-    worst = Math.max(worst, Math.hypot(a[i] - b[i], a[i + 1] - b[i + 1], a[i + 2] - b[i + 2]));
-  }
-  return worst;
-}
-
-function oneWay(from, to) {
-  let worst = 0;
-  for (const a of from) {
-    let best = Infinity;
-    for (const b of to) {
-      best = Math.min(best, farthest(a, b, best));
-      if (best <= worst) break;
-    }
-    worst = Math.max(worst, best);
-  }
-  return worst;
-}
-
-function sizeOf(pose) {
-  const axis = (k) => pose.filter((_, i) => i % 3 === k);
-  const extent = (v) => v.reduce((a, b) => Math.max(a, b)) - v.reduce((a, b) => Math.min(a, b));
-  return Math.hypot(...[0, 1, 2].map((k) => extent(axis(k))));
 }
 
 function compareClip(model, clip, folder, scene, take, sampling) {
