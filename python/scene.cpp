@@ -229,7 +229,9 @@ void bindScene(py::module_& module) {
       .def("materials", &Scene::materials, py::arg("instance"),
            "The material of each triangle, uint32 of shape (n,).")
       .def("write_glb", &Scene::writeGlb, py::arg("path"), py::arg("frames"),
-           "Writes all meshes over evenly spaced frames as one binary glTF file.");
+           "Writes all meshes over evenly spaced frames as one binary glTF file with a morph "
+           "target\n"
+           "per frame.");
 
   module.def(
       "load",

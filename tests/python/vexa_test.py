@@ -124,7 +124,7 @@ class Meshes(unittest.TestCase):
         vexa.load(self.stem + ".json").write_glb(self.folder.name + "/a.glb", range(0, 10, 2))
         out = self.folder.name + "/out"
         subprocess.run([COMMAND, "run", self.stem + ".json", "--frames", "0:9:2", "--mesh", "glb",
-                        "--out", out], check=True, stdout=subprocess.DEVNULL)
+                        "--glb", "morph", "--out", out], check=True, stdout=subprocess.DEVNULL)
         self.assertEqual(pathlib.Path(self.folder.name, "a.glb").read_bytes(),
                          pathlib.Path(out, "scene.glb").read_bytes())
 
