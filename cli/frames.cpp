@@ -39,6 +39,7 @@ std::vector<int> parseFrames(const std::string& text) {
   const long long first = number(pieces[0], text);
   const long long last = pieces.size() > 1 ? number(pieces[1], text) : first;
   const long long step = pieces.size() > 2 ? number(pieces[2], text) : 1;
+  // A slip, most likely; an empty list would mean all frames.
   if (last < first) throw CLI::ValidationError("--frames", "\"" + text + "\" runs backwards");
   if (step < 1) throw CLI::ValidationError("--frames", "\"" + text + "\": the step is 0");
   if ((last - first) / step >= kMostFrames) {

@@ -58,6 +58,7 @@ void info(const std::string& file, bool json) {
   } else {
     printText(description);
   }
+  // Also with --json, so that the exit status means the same.
   const std::size_t faults = description["faults"].size();
   if (faults > 0) {
     throw std::runtime_error(file + ": " + std::to_string(faults) +

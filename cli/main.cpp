@@ -41,6 +41,7 @@ int complainOfUsage(const CLI::App& app, const CLI::ParseError& error) {
     return complain(
         std::string(error.what()) + " (see vexa " + commands[0]->get_name() + " --help)", 2);
   }
+  // The library would call an unknown command an argument too many.
   const bool isUnknown = app.remaining_size() > 0;
   return complain((isUnknown ? "\"" + app.remaining()[0] + "\" is no command" : error.what()) +
                       std::string(" (see vexa --help)"),

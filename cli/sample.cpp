@@ -39,6 +39,7 @@ std::size_t indexOfValue(const Options& options, const refhost::Scene& scene) {
 void printRow(int frame, const refhost::Property& value, const scene::ScenePlayer::Sample& sample) {
   std::printf("%8d", frame);
   for (const double part : scene::parts(value, sample)) {
+    // Columns are wide enough for a date and for the longest double.
     const std::string text = scene::isDate(value)
                                  ? formats::dateOfSeconds(static_cast<std::int64_t>(part))
                                  : scene::shortestNumber(part);

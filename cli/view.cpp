@@ -54,6 +54,7 @@ void view(const Options& options) {
   int first = 0, last = scene::lastFrame(player.scene());
   if (!options.frames.empty()) {
     const std::vector<int> frames = parseFrames(options.frames);
+    // A step has no meaning for a page, which shows every frame.
     first = frames.front();
     last = frames.back();
   }

@@ -28,6 +28,7 @@ JsonTree JsonTree::with(std::string_view name, JsonTree value) && {
 
 const JsonTree* JsonTree::find(std::string_view name) const {
   if (members() == nullptr) return nullptr;
+  // From the end: of members with one name the last one counts, as in most readers.
   const auto found = std::find_if(members()->rbegin(), members()->rend(),
                                   [&](const Member& member) { return member.mName == name; });
   return found == members()->rend() ? nullptr : &found->mValue;
@@ -75,6 +76,7 @@ class Writer {
       mText += std::to_string(*tree.whole());
     } else if (tree.real() != nullptr && std::isfinite(*tree.real())) {
       const std::string digits = shortestText(*tree.real());
+      // A real number stays one when it is read back: 1 is written as 1.0.
       mText += digits + (digits.find_first_of(".e") == std::string::npos ? ".0" : "");
     } else {
       mText += "null";
@@ -131,6 +133,7 @@ class Writer {
     } else if (code >= 0x20 && code < 0x7F) {
       mText += static_cast<char>(code);
     } else if (code > 0xFFFF) {  // as a pair of surrogates
+      // A pair counts from 0x10000: 0xD7C0 is 0xD800 - (0x10000 >> 10).
       writeEscape(0xD7C0 + (code >> 10));
       writeEscape(0xDC00 + (code & 0x3FF));
     } else {
@@ -164,6 +167,7 @@ class JsonTreeBuilder {
   bool boolean(bool value) { return put(value); }
   bool number_integer(std::int64_t value) { return put(value); }
   bool number_unsigned(std::uint64_t value) {
+    // Larger whole numbers lose digits as doubles, but keep their size.
     const bool fits = value <= std::uint64_t(INT64_MAX);
     return fits ? put(std::int64_t(value)) : put(double(value));
   }
@@ -204,6 +208,7 @@ class JsonTreeBuilder {
   }
   // A list or object grows only while none inside it is open: the addresses hold.
   bool open(JsonTree container) {
+    // Trees are written and freed by recursion; no file of ours is deeper than ten.
     constexpr std::size_t kDeepest = 100;
     if (mOpen.size() == kDeepest) throw std::runtime_error("the JSON is nested over 100 deep");
     mOpen.push_back(&place(std::move(container)));
@@ -236,6 +241,7 @@ std::uint64_t memoryLeft() {
   rlimit limit{};
   if (getrlimit(RLIMIT_AS, &limit) != 0 || limit.rlim_cur == RLIM_INFINITY) return left;
   std::uint64_t pages = 0;
+  // The first number is the size of the address space, which is what RLIMIT_AS limits.
   std::ifstream("/proc/self/statm") >> pages;
   const std::uint64_t used = pages * std::uint64_t(sysconf(_SC_PAGESIZE));
   return std::min(left, limit.rlim_cur > used ? limit.rlim_cur - used : 0);

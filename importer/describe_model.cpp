@@ -43,6 +43,7 @@ Json clipsOf(const SourceModel& model) {
 
 // Bones are nodes that some mesh is bound to; influences are counted per vertex.
 void describeSkin(const SourceModel& model, Json& ioFacts) {
+  // Several meshes share a skeleton: a bone counts once.
   std::vector<bool> isBone(model.mNodes.size(), false);
   std::size_t influences = 0, most = 0;
   for (const SourceModel::Mesh& mesh : model.mMeshes) {
@@ -108,6 +109,7 @@ void describeImport(SourceModel model, Json& ioFacts) {
 
 bool isModelFile(const std::string& file) {
   const std::string ending = endingOf(file);
+  // libassimp reads these endings, too, but here they are files of a scene.
   if (ending == "obj" || ending == "json" || ending == "amo") return false;
   return ending == "gltf" || ending == "glb" || ending == "fbx" || isKnownToAssimp(ending);
 }

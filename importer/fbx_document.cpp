@@ -9,6 +9,7 @@ namespace {
 
 const std::string kMagic("Kaydara FBX Binary  \0\x1a\0", 23);
 
+// For references to a text that is not there.
 const std::string kNoText;
 
 std::uint32_t versionOfText(const std::string& bytes) {
@@ -42,6 +43,7 @@ const FbxRecord* FbxRecord::find(std::string_view name) const {
 }
 
 std::vector<double> FbxRecord::numbers(std::string_view name) const {
+  // Writers use one array, or as many single values.
   const FbxRecord* child = find(name);
   if (child == nullptr || child->mValues.empty()) return {};
   if (child->mValues[0].mKind == FbxValue::Kind::Array) return child->mValues[0].mArray;

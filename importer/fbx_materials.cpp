@@ -45,6 +45,7 @@ void addFbxMaterials(FbxParts& ioParts, SourceModel& ioModel) {
       material.mHasColor = true;
     }
     for (const FbxScene::Link& link : ioParts.mScene.below(object.mId)) {
+      // Textures of other properties (normals, gloss) hang on the material as well.
       const bool isColor = link.mProperty == "DiffuseColor" && link.mObject->mClass == "Texture";
       if (isColor && material.mTexture.empty()) {
         addTexture(ioParts.mScene, *link.mObject, material);

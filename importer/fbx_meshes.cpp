@@ -100,6 +100,7 @@ class GeometryReader {
     }
     const std::uint32_t material = materialOf(polygon, first);
     SourceModel::Mesh& mesh = mMeshes[material];
+    // Polygons may be concave, so a fan will not do.
     for (const auto& [a, b, c] : trianglesOf(places)) {
       mesh.mTriangles.emplace_back(vertex(material, mesh, first + a, polygon),
                                    vertex(material, mesh, first + b, polygon),
@@ -224,6 +225,7 @@ class MeshReader {
       if (!stored->mValues.empty() && percent == 0) percent = stored->mValues[0].number();
     }
     const FbxObject* shape = mScene.firstBelow(channel.mId, "Geometry");
+    // The weight is in per cent of a full shape.
     if (percent == 0 || shape == nullptr) return;
     const auto full = channel.mRecord->numbers("FullWeights");
     const double weight = percent / (full.empty() || full[0] == 0 ? 100 : full[0]);
@@ -238,6 +240,7 @@ class MeshReader {
   }
 
   void addOn(const FbxObject& node, const FbxObject& geometry, const FbxObject* skin) {
+    // A geometry counts the materials of its node in the order in which they are connected.
     std::vector<std::uint32_t> materials;
     for (const FbxScene::Link& link : mScene.below(node.mId)) {
       const auto found = mParts.mMaterials.find(link.mObject->mId);
@@ -247,6 +250,7 @@ class MeshReader {
     reader.read();
     const Matrix geometric = fbxGeometricMatrix(node);
     const std::int32_t hangsOn = nodeFor(node, geometric);
+    // One mesh per material, as everywhere else in a SourceModel.
     for (auto& [material, mesh] : reader.meshes()) {
       const bool isDefault = material == GeometryReader::kNoMaterial;
       mesh.mMaterial = isDefault ? std::uint32_t(mParts.mMaterials.size()) : material;
@@ -291,6 +295,7 @@ class MeshReader {
       const auto weights = cluster.mRecord->numbers("Weights");
       for (std::size_t i = 0; i < std::min(indices.size(), weights.size()); ++i) {
         const auto places = copies.find(indexOf(indices[i]));
+        // Only points that this material uses have become vertices.
         if (places == copies.end()) continue;
         for (const std::uint32_t v : places->second) bone.mInfluences.push_back({v, weights[i]});
       }

@@ -29,6 +29,7 @@ SourceModel::Pivots pivotsOf(const FbxObject& node, std::vector<std::string>& io
 
 SourceModel::Inherit inheritOf(const FbxObject& node) {
   const double type = fbxNumber(node, "InheritType").value_or(1);
+  // RrSs, RSrs, Rrs in the words of the format: 1 is the usual product of matrices.
   if (type == 0) return SourceModel::Inherit::OwnAxes;
   return type == 2 ? SourceModel::Inherit::NoParent : SourceModel::Inherit::All;
 }
@@ -48,6 +49,7 @@ void addNode(const FbxObject& object, std::int32_t parent, FbxParts& ioParts,
 }  // namespace
 
 void addFbxNodes(FbxParts& ioParts, SourceModel& ioModel) {
+  // The scene's root has no object of its own; its id is 0.
   ioModel.mNodes.emplace_back();
   ioParts.mNodes.emplace(0, 0);
   // Breadth first from the nodes that hang on no other, so parents come before children.

@@ -16,6 +16,7 @@ std::string plainName(const std::string& stored) {
   return colons == std::string::npos ? stored : stored.substr(colons + 2);
 }
 
+// A file states a property only where it differs from the template of its class.
 std::map<std::string, const FbxRecord*> defaultsByClass(const FbxRecord& root) {
   std::map<std::string, const FbxRecord*> defaults;
   const FbxRecord* definitions = root.find("Definitions");
@@ -79,6 +80,7 @@ void FbxScene::addConnections(const FbxRecord& connections) {
     if (record.mValues.size() < 3) continue;
     const std::int64_t low = record.integer(1), high = record.integer(2);
     const auto lower = mById.find(low), upper = mById.find(high);
+    // One end may be the root, which is not an object, or an object that was left out.
     if (lower != mById.end()) mBelow[high].push_back({&mObjects[lower->second], record.text(3)});
     if (upper != mById.end()) mAbove[low].push_back({&mObjects[upper->second], record.text(3)});
   }
@@ -108,6 +110,7 @@ const FbxRecord* fbxProperty(const FbxRecord* holder, const char* name) {
   const FbxRecord* list = holder == nullptr ? nullptr : holder->find("Properties70");
   if (list == nullptr) return nullptr;
   for (const FbxRecord& property : list->mChildren) {
+    // P: "Lcl Translation", "Lcl Translation", "", "A", x, y, z
     if (property.text(0) == name) return &property;
   }
   return nullptr;

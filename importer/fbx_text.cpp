@@ -81,6 +81,7 @@ class TextReader {
     while (mPlace < mText.size() && peek() != '\n' && peek() != '{' && peek() != '}') {
       if (peek() != ',') ioRecord.mValues.push_back(takeValue());
       skip(false);
+      // A comma at the end of a line means that the values go on.
       if (peek() != ',') break;
       ++mPlace;
       skip();
@@ -136,6 +137,7 @@ class TextReader {
     if (!word.empty() && word[0] == '+') word.remove_prefix(1);
     FbxValue value;
     const char* const end = word.data() + word.size();
+    // An integer where all of it is one; ids have more digits than a double holds.
     if (std::from_chars(word.data(), end, value.mInteger).ptr == end) return value;
     value.mKind = FbxValue::Kind::Real;
     if (std::from_chars(word.data(), end, value.mReal).ptr != end) value.mReal = 0;

@@ -63,6 +63,7 @@ class ClipReader {
       : mParts(parts), mNumbers(parts.mFile), mModel(ioModel) {}
 
   void add(const tinygltf::Animation& animation, std::size_t index) {
+    // A nameless clip gets its name at the end, when all names are known.
     mClip = {animation.name, {}};
     mWhich = "clip '" + gltfName(animation.name, "clip", index) + "'";
     mChannels.clear();
@@ -101,6 +102,7 @@ class ClipReader {
       noteMorph(node, name, samplesOf(sampler, 1));
       return;
     }
+    // A rotation has four numbers; translation and scale have three.
     const int width = channel.target_path == "rotation" ? 4 : 3;
     const Samples samples = samplesOf(sampler, width);
     if (!fits(samples, std::size_t(width))) {

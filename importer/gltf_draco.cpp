@@ -35,6 +35,7 @@ std::vector<double> dracoAttribute(const std::string& bytes, std::uint32_t id, i
   std::vector<double> numbers;
   // A float holds every number that an attribute of a mesh has, and 16 is the widest element.
   float element[16] = {};
+  // Points may share an entry of the attribute; glTF wants one for each.
   for (draco::PointIndex point(0); point < mesh->num_points(); ++point) {
     if (!attribute->ConvertValue<float>(attribute->mapped_index(point), std::int8_t(components),
                                         element)) {

@@ -11,6 +11,7 @@ namespace {
 // glTF states linear light; screens and .mtl files have it compressed.
 double toScreen(double linear) {
   const double v = std::clamp(linear, 0.0, 1.0);
+  // The curve of sRGB: a straight line near black, then a power.
   return v <= 0.0031308 ? 12.92 * v : 1.055 * std::pow(v, 1 / 2.4) - 0.055;
 }
 
@@ -38,10 +39,12 @@ void addGltfMaterials(const tinygltf::Model& file, SourceModel& ioModel) {
   for (const tinygltf::Material& material : file.materials) {
     SourceModel::Material result;
     result.mName = material.name;
+    // The format multiplies it with the picture; an MTL file does the same with Kd and map_Kd.
     const auto& factor = material.pbrMetallicRoughness.baseColorFactor;
     for (std::size_t i = 0; i < 4 && factor.size() == 4; ++i) {
       result.mColor[i] = i < 3 ? toScreen(factor[i]) : std::clamp(factor[i], 0.0, 1.0);
     }
+    // White is the default that the format itself states.
     result.mHasColor = true;
     const int texture = material.pbrMetallicRoughness.baseColorTexture.index;
     if (texture >= 0) addTexture(file, texture, result);

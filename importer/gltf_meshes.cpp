@@ -97,6 +97,7 @@ class MeshReader {
       set = material.pbrMetallicRoughness.baseColorTexture.texCoord;
     }
     const auto uvs = mNumbers.attribute(primitive, "TEXCOORD_" + std::to_string(set), 2);
+    // Uvs for some of the points only are as good as none.
     if (uvs.size() != 2 * ioMesh.mPoints.size()) return;
     for (std::size_t i = 0; i < uvs.size(); i += 2) {
       ioMesh.mUvs.emplace_back(float(uvs[i]), float(1 - uvs[i + 1]));

@@ -19,6 +19,7 @@ double numberAs(const unsigned char* from) {
   return double(value);
 }
 
+// All numbers become doubles, which hold each of these types exactly.
 double numberAt(const unsigned char* from, int componentType) {
   switch (componentType) {
     case TINYGLTF_COMPONENT_TYPE_BYTE:
@@ -138,7 +139,9 @@ std::vector<double> GltfNumbers::read(int index, int components) const {
   }
   const auto width = std::size_t(components), size = sizeOf(accessor.componentType);
   std::vector<double> numbers;
+  // The format allows it: zeros, which a sparse part usually replaces in places.
   if (accessor.bufferView < 0) {
+    // No bytes of the file bound this count.
     if (accessor.count > kMostZeros / width) refuse("an accessor is too large");
     numbers.assign(accessor.count * width, 0);
   } else {
@@ -214,6 +217,7 @@ std::vector<std::uint32_t> GltfNumbers::indices(const tinygltf::Primitive& primi
     return dracoIndices(bytes(draco->Get("bufferView").GetNumberAsInt()));
   }
   std::vector<std::uint32_t> result;
+  // Without indices the vertices are taken in their order.
   if (primitive.indices < 0) {
     for (std::size_t i = 0; i < pointCount; ++i) result.push_back(std::uint32_t(i));
     return result;

@@ -89,6 +89,7 @@ std::string asText(const Json& scene) {
 
 void requireFaithful(const ImportCheck& check, const ImportedModel& model,
                      const std::string& file) {
+  // The library read something else than was meant: nothing is published then.
   if (check.mLargestDifference <= kImportTolerance) return;
   char text[200];
   std::snprintf(text, sizeof(text),
@@ -162,6 +163,7 @@ class ImportWriter {
       return name;
     }
     if (material.mTexture.empty()) return "";
+    // Relative, so that the folder can be moved together with the model's.
     return fs::path(material.mTexture)
         .lexically_relative(mTarget.empty() ? fs::current_path() : fs::absolute(mTarget))
         .string();

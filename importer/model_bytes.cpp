@@ -121,6 +121,7 @@ class Reader {
   void copy(void* data, std::size_t count) {
     if (count > mBytes.size()) fail();
     if (count > 0) std::memcpy(data, mBytes.data(), count);
+    // What is left is a view that only gets shorter, so nothing can be read twice.
     mBytes.remove_prefix(count);
   }
 
@@ -178,6 +179,7 @@ SourceModel unpackModel(std::string_view bytes) {
   SourceModel model;
   Reader reader(bytes);
   transfer(reader, model);
+  // Bytes behind the model mean that both sides do not agree about something.
   reader.checkAtEnd();
   return model;
 }

@@ -93,6 +93,7 @@ void checkMesh(SourceModel::Mesh& mesh) {
   require(mesh.mUvs.empty() || mesh.mUvs.size() == count,
           which + " has texture coordinates for some of its vertices only");
   for (auto& uv : mesh.mUvs) {
+    // Only the picture suffers.
     if (!isFinite(uv)) uv = {};
   }
   for (const auto& t : mesh.mTriangles) {
@@ -111,6 +112,7 @@ bool isRising(const Track& track) {
 template <class Track>
 void checkTrack(Track& track, const std::string& which, std::vector<std::string>& ioNotes) {
   auto& keys = track.mKeys;
+  // A key at no time, or with no value, leaves nothing to repair.
   const bool finite = std::all_of(keys.begin(), keys.end(), [](const auto& key) {
     return std::isfinite(key.mTime) && isFinite(key.mValue);
   });
@@ -137,6 +139,7 @@ void checkRotations(SourceModel::Track<SourceModel::RotationKey>& track, const s
   if (track.mInterpolation == SourceModel::Interpolation::Cubic) return;
   auto& keys = track.mKeys;
   const auto isBad = [](const SourceModel::RotationKey& key) {
+    // It cannot be made a unit quaternion.
     const double length = squaredLength(key.mValue);
     return !(length > 0) || !std::isfinite(length);
   };
@@ -184,6 +187,7 @@ void checkMaterials(SourceModel& ioModel) {
     require(mesh.mMaterial < 65536, "mesh " + quoted(mesh.mName) + " has a wrong material");
     used = std::max<std::size_t>(used, mesh.mMaterial + std::size_t{1});
   }
+  // Every material of a mesh has an entry from here on.
   while (ioModel.mMaterials.size() < used) {
     SourceModel::Material material;
     material.mName = "material" + std::to_string(ioModel.mMaterials.size() + 1);

@@ -108,6 +108,7 @@ std::vector<std::size_t> chooseClips(const SourceModel& model,
 
 // A clip that ends a rounding error before a frame still has it.
 constexpr double kFrameTolerance = 1e-4;
+// Nearly four days of animation at thirty frames per second.
 constexpr double kMostFrames = 1e7;
 
 std::vector<ImportedModel::Take> takesOf(const SourceModel& model,
@@ -180,6 +181,7 @@ formats::AnimationFile bake(const SourceModel& model, const std::vector<std::siz
     const SourceModel::Clip& clip = model.mClips[clips[take]];
     file.mFrameCounts.push_back(std::uint32_t(takes[take].mFrameCount));
     for (int frame = 0; frame < takes[take].mFrameCount; ++frame) {
+      // From the number of the frame: adding up steps would drift.
       const double seconds = double(frame) / takes[take].mFramesPerSecond;
       addFrame(rest, worldToUpright, nodeTransforms(model, &clip, seconds), file);
     }

@@ -25,6 +25,7 @@ const std::string& parentName(const SourceModel& model, const SourceModel::Node&
 
 // For each node of the motion the model's node of that name, or kNone.
 std::vector<std::int32_t> matchNodes(const SourceModel& motion, const SourceModel& model) {
+  // By name, because that is all that two files have in common: their numbers of nodes differ.
   std::unordered_map<std::string, std::vector<std::int32_t>> byName;
   for (std::size_t i = 0; i < model.mNodes.size(); ++i) {
     byName[model.mNodes[i].mName].push_back(std::int32_t(i));
@@ -81,11 +82,13 @@ class MotionAdder {
         mModel(ioModel),
         mMatches(matchNodes(motion, ioModel)),
         mFirstPivots(std::int32_t(ioModel.mPivots.size())) {
+    // Curves of the motion are about pivots of their own file, so these come along.
     mModel.mPivots.insert(mModel.mPivots.end(), motion.mPivots.begin(), motion.mPivots.end());
   }
 
   void addClips() {
     for (const SourceModel::Clip& clip : mMotion.mClips) addClip(clip);
+    // Nothing fits: most likely the wrong file, so this is refused instead of noted.
     if (mFound == 0) {
       throw std::runtime_error("'" + mFile + "' moves no node that the model has: " +
                                (mMissing.empty() ? "it has no motion" : listOf(mMissing)));
@@ -132,6 +135,7 @@ void addMotion(const SourceModel& motion, const std::string& file, SourceModel& 
   MotionAdder(motion, file, ioModel).addClips();
   noteSettings(motion, file, ioModel);
   for (const std::string& note : motion.mNotes) {
+    // Notes on meshes and materials of the other file say nothing about this model.
     if (note.rfind("clip ", 0) == 0) ioModel.mNotes.push_back(note);
   }
   makeNamesUnique(ioModel.mClips, "clip");

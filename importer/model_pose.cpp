@@ -65,6 +65,7 @@ class WorldBuilder {
  public:
   WorldBuilder(const SourceModel& model, const SourceModel::Clip* clip, double seconds)
       : mModel(model), mSeconds(seconds), mChannels(model.mNodes.size(), nullptr) {
+    // No clip: the stored pose.
     if (clip == nullptr) return;
     for (const auto& channel : clip->mChannels) mChannels[std::size_t(channel.mNode)] = &channel;
   }
@@ -110,6 +111,7 @@ class WorldBuilder {
                 [&](const Quaternion& q) { axesOf(q, parts.mAxes); });
       mWorlds.push_back(parentWorld(i) * matrixOf(parts.mAxes, parts.mScale, parts.mTranslation));
     }
+    // A node without pivots passes all of its matrix on, scale included.
     if (withScaling) mScaling[i].mUnscaledWorld = mWorlds.back();
   }
 

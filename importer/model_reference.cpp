@@ -27,6 +27,7 @@ std::vector<Vec3> ModelReference::pose(std::size_t take, std::size_t frame) cons
   const double seconds = double(frame) / mFramesPerSecond;
   const std::vector<Matrix> nodes = nodeTransforms(mSource, &mSource.mClips[mClips[take]], seconds);
   std::vector<Matrix> skins;
+  // Once per joint, not once per vertex.
   skins.reserve(mJoints.size());
   for (const Joint& joint : mJoints) {
     skins.push_back(mToHost * nodes[std::size_t(joint.mNode)] * joint.mOffset);

@@ -53,6 +53,7 @@ void findTextures(const std::string& modelFile, SourceModel& ioModel) {
       ioModel.mNotes.push_back("the picture '" + material.mTexture + "' of material '" +
                                material.mName + "' is not there");
     }
+    // From here on an absolute path, or empty.
     material.mTexture = found;
   }
 }

@@ -7,6 +7,7 @@
 namespace vexa::importer {
 
 void addTravel(SourceModel& ioModel, const Oru::TVector3D<double>& travel) {
+  // A node of its own above all others: no clip moves it otherwise.
   SourceModel::Node root;
   root.mName = "travel";
   ioModel.mNodes.insert(ioModel.mNodes.begin(), std::move(root));
@@ -20,6 +21,7 @@ void addTravel(SourceModel& ioModel, const Oru::TVector3D<double>& travel) {
   }
   for (SourceModel::Clip& clip : ioModel.mClips) {
     for (SourceModel::Channel& channel : clip.mChannels) ++channel.mNode;
+    // From the origin to the end of the way in the length of the clip: a straight, even motion.
     SourceModel::Channel away;
     away.mTranslations.mKeys = {{0, {}}, {clipLength(clip), travel}};
     clip.mChannels.push_back(std::move(away));

@@ -186,6 +186,7 @@ std::uint32_t RestMeshBuilder::placementOf(const SourceModel::Instance& instance
                      "' is scaled to nothing and lies at the origin of the rest mesh");
     place = mWorldToHost;
   }
+  // Few meshes have places of their own, so a list is searched.
   const auto isHere = [&](const Placement& p) { return areNear(p.mToHost, place, extent); };
   const auto found = std::find_if(mPlacements.begin(), mPlacements.end(), isHere);
   if (found != mPlacements.end()) return std::uint32_t(found - mPlacements.begin());
@@ -231,6 +232,7 @@ std::vector<RestMeshBuilder::Influences> RestMeshBuilder::influencesOf(
   std::size_t unheld = 0;
   for (Influences& own : influences) {
     if (!own.empty()) continue;
+    // The runtime divides by the sum of weights, so every vertex needs one.
     own.push_back({jointOf(node, {}, placement), 1.0});
     ++unheld;
   }

@@ -37,6 +37,7 @@ auto firstAfter(const std::vector<Key>& keys, double seconds) {
 }
 
 // Hermite curve of two values and two tangents per second over `span` seconds.
+// h00 a + h10 span m0 + h01 b + h11 span m1, with the usual four polynomials in t.
 template <class Value>
 Value hermite(const Value& a, const Value& leaving, const Value& b, const Value& arriving,
               double span, double t) {
@@ -51,6 +52,7 @@ auto trackValue(const SourceModel::Track<Key>& track, double seconds) {
   const auto& keys = track.mKeys;
   const bool steps = track.mInterpolation == Interpolation::Step;
   const auto after = firstAfter(keys, steps ? seconds + kReached : seconds);
+  // Before the first key and after the last one a track rests.
   if (after == keys.begin()) return finished(keys.front().mValue);
   const Key& before = *std::prev(after);
   if (after == keys.end() || steps) return finished(before.mValue);

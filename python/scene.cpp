@@ -49,6 +49,7 @@ class Scene {
     const std::vector<int> wanted = framesOf(frames);
     const std::size_t value = valueOf(name);
     const refhost::Property& property = mPlayer.scene().mProperties[value];
+    // The array is made while the interpreter's lock is held, and filled without it.
     const std::size_t size = scene::partCount(property);
     std::vector<py::ssize_t> shape{py::ssize_t(wanted.size())};
     // A value that is a single number gives one dimension, as numpy users expect.
@@ -141,6 +142,7 @@ class Scene {
     require(step > 0, "the frames do not rise");
     const py::gil_scoped_release released;
     const std::lock_guard<std::mutex> lock(mMutex);
+    // All poses at once: the writer takes whole meshes.
     std::vector<MovingMesh> moving = mMeshes;
     formats::addSurfaces(moving);
     for (const int frame : wanted) {
