@@ -51,6 +51,7 @@ TEST(ObjectInstanceTool, ScalesThenTurnsThenMoves) {
   expectPoint(placed(instance) * Point(1, 1, 1), 13, 18, 31);
   instance.mDirection = {0, 0, 9};
   expectPoint(placed(instance) * Point(1, 1, 1), 7, 22, 31);
+  EXPECT_EQ(CZelObjectInstanceTool::getHeading(1, {0, -0.0, 9}), 1);
 }
 
 TEST(ObjectInstanceTool, ABillboardFacesItsViewer) {

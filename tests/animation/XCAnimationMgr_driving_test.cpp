@@ -161,6 +161,50 @@ TEST(Walking, TheAnchorStaysOnThePathInsideParents) {
   }
 }
 
+// Each parent scales what is in it by the mean of its factors, without their signs: 3, then 2.
+TEST(Walking, ParentsScaleByTheMeanOfTheirFactors) {
+  Scene scene = scenes::walk(scenes::straightPath(1), 3, 100);
+  const auto scaled = [&](std::size_t i, double x, double y, double z) {
+    double* const scale = scene.mInstances.mElements[i].mScale;
+    scale[0] = x, scale[1] = y, scale[2] = z;
+    scene.mInstances.mElements[i].mParent = numberedUUID(i < 2 ? std::uint32_t(102 + i) : 0);
+  };
+  scaled(0, 1, 1, 1);
+  scaled(1, 2, -5, 2);
+  scaled(2, 1, 1, 4);
+  AllFound all(scene);
+  const Point top =
+      XCAnimationMgr().GetLocal2WorldMatrix(&all, scene.mInstances.GetAt(0)) * Point(0, 0, 1);
+  EXPECT_EQ(top.z, 4 * (2 * 2) * (1 * 2 * 3));
+}
+
+// A foot that moves by 1e-22: the square of that loses digits, and the quotient would pass 1. Where
+// a control point lies on its end, the path has no direction.
+TEST(Walking, TinyWaysHaveADirectionAndNoneHasZero) {
+  Scene scene = scenes::walk(scenes::straightPath(30), 1, 1000);
+  scene.mPaths.mElements[0].mPoints.mElements[0].mAfter = {};
+  AnimatedObject& object = *scene.mDefinitions[0].mAnimatedObject;
+  object.mPoints.mElements.assign(1, {});
+  object.mPolygons.mElements.clear();
+  object.mAnchorVertex = 0;
+  object.mTakes.mElements[0].mFrameCount = 2;
+  vexa::formats::AnimationFile file;
+  file.mFrameCounts = {2};
+  file.mNodes.resize(1);
+  file.mNodes[0].mMatrices.assign(2, file.kIdentity);
+  file.mNodes[0].mMatrices[1][12] = 1e-22;
+  file.mNodes[0].mLinks = {{0, 1}};
+  const vexa::tests::ScratchDirectory scratch;
+  writeAnimationFile(file, scratch / "tiny.amo");
+  XCAnimationMgr manager;
+  registerInstance(manager, scene, 0, scratch / "tiny.amo");
+  UxZel::CZelVector direction{7, 8, 9};
+  drive(manager, scene, 0, 0, &direction);
+  const Instance& walker = scene.mInstances.mElements[0];
+  EXPECT_EQ(walker.mRotation, 1.5707963705062866);
+  EXPECT_TRUE(sameBits(walker.mDirection, UxZel::CZelVector{0, 0, 0}));
+}
+
 // Neither scale nor height moves the anchor off the path.
 TEST(Walking, HeightAndScale) {
   Stage stage(scenes::walk(scenes::straightPath(30), 1, 1000));
@@ -191,6 +235,7 @@ TEST(Driving, EveryFaultGivesZeroAndALine) {
       {selection + "list of settings is empty",
        [](Stage& s) { s.mScene.mSettings.mElements.clear(); }},
       {selection + "bad take index", [](Stage& s) { s.walker().mState.mTakeIndex = 1; }},
+      {selection + "bad take index", [](Stage& s) { s.walker().mState.mTakeIndex = 0xFFFFFFFF; }},
       {selection + "second key frame is missing", [&](Stage& s) { keys(s).pop_back(); }},
       {selection + "first two key frames are equal", [&](Stage& s) { keys(s)[1].mFrame = 0; }},
       {"XCAnimationMgr::ManageAnimatedObjectInstance : bad anchor vertex",

@@ -7,6 +7,7 @@
 #include "tests/helpers/managed.h"
 #include "tests/helpers/registered.h"
 #include "tests/helpers/scratch_directory.h"
+#include "vexa/animation/XCAnimationMgr.h"
 #include "vexa/mesh/Mesh.h"
 
 using namespace vexa::refhost;
@@ -16,6 +17,14 @@ using vexa::tests::registerInstance;
 using vexa::tests::whatOf;
 
 namespace {
+
+// The records are private: their meshes at rest are what an address of a vertex is found in.
+auto recordsOf();
+template <auto Member>
+struct Records {
+  friend auto recordsOf() { return Member; }
+};
+template struct Records<&Norvel::Vexa::XCAnimationMgr::mInstancesByUUID>;
 
 class Registration : public testing::Test {
  protected:
@@ -56,6 +65,23 @@ TEST_F(Registration, BuildsTheMeshAndReadsTheFile) {
   EXPECT_EQ(mManager->TransformPoint(0u, 0, 24, numberedUUID(101)), Oru::TVector3D<float>());
 }
 
+// A vertex goes by its address in the mesh at rest, which stays when the manager is gone.
+TEST_F(Registration, AVertexOfTheMeshAtRestIsDeformed) {
+  enroll(0, file());
+  const UxZel::CZelUUID id = mScene.mInstances.mElements[0].mIdentity.mUUID;
+  const auto& own = dynamic_cast<const Norvel::Vexa::XCAnimationMgr&>(*mManager);
+  const UXS::Mesh& rest = *(own.*recordsOf()).at(id)->mMesh;
+  const Oru::TVector3D<float> first = rest.GetVerticesArray()[0];
+  for (const unsigned int frame : {0u, 1u, 24u}) {
+    const UXS::Mesh* const shown = mManager->GetCurrentDefinition(0, frame, id);
+    EXPECT_EQ(mManager->TransformPoint(rest.GetVerticesArray().data(), 0, frame, id),
+              shown->GetVerticesArray()[0]);
+  }
+  mManager.reset();
+  ASSERT_EQ(rest.GetVerticesArray().size(), 24u);
+  EXPECT_EQ(rest.GetVerticesArray()[0], first);
+}
+
 // One record for all instances of an object: the file may go once the first is known.
 TEST_F(Registration, InstancesOfAnObjectShareItsFile) {
   enroll(0, file());
@@ -87,6 +113,8 @@ TEST_F(Registration, AForgottenAddressMayServeAnotherObject) {
 
 TEST_F(Registration, FindsTheFile) {
   const std::string directory = mScratch / "files";
+  std::filesystem::create_directory(directory + "/inner");
+  vexa::tests::writeText(directory + "/inner/walker.amo", "no animation");
   const struct {
     std::string mFile, mFallback;
     bool mFound;
@@ -99,7 +127,9 @@ TEST_F(Registration, FindsTheFile) {
       {"/gone/walker.amo", "file://" + directory + "/", true},
       {"walker.amo", directory + "/", true},
       {"/gone/other.amo", directory + "/", false},
+      {"/gone/walker.amo", directory + "/inner", true},  // beside it, not in it
       {"/gone/walker.amo", "nowhere", false},
+      {"/gone/walker.amo", "file:nowhere", false},  // no URL
       {"/gone/walker.amo", "", false},
       {"", directory + "/", false},
   };
