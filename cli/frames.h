@@ -7,8 +7,8 @@ namespace vexa::cli {
 
 /// The frames that "A:B" or "A:B:STEP" names, both ends included; "A" is one frame.
 ///
-/// Throws CLI::ValidationError: not such a text, backwards, below 0, a step below 1, or more than
-/// a million frames.
+/// Throws CLI::ValidationError for another text, a range that runs backwards or starts below 0, a
+/// step below 1, or more than a million frames.
 std::vector<int> parseFrames(const std::string& text);
 
 }  // namespace vexa::cli

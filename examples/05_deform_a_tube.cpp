@@ -15,7 +15,7 @@ using vexa::formats::AnimationFile;
 constexpr unsigned int kRings = 21, kSides = 16, kFrames = 31;
 constexpr float kHeight = 4;
 
-// The rest pose stands along +Y: the axes of the animation file, in which Y is up. Deformation
+// The axis of the rest pose is +Y: the axes of the animation file, in which Y is up. Deformation
 // exchanges Y and Z, which mirrors: seen from outside, the corners are clockwise here.
 void buildTube(UXS::Mesh& mesh) {
   UXS::Mesh::Editor editor(mesh, false);

@@ -15,7 +15,7 @@ namespace {
 using Norvel::Vexa::XIAnimationMgr;
 using namespace vexa::refhost;
 
-// The mesh of an instance at a take frame, put where the instance stands.
+// The mesh of an instance at a take frame, placed like the instance.
 vexa::formats::ObjModel placedMesh(const XIAnimationMgr& manager, const Instance& instance,
                                    int takeFrame) {
   const UXS::Mesh* mesh = manager.GetCurrentDefinition(

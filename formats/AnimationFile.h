@@ -35,7 +35,7 @@ struct AnimationFile {
 std::string encodeAnimationFile(const AnimationFile& file);
 
 /// Writes the file under a temporary name and renames it. Throws what encodeAnimationFile and
-/// writeFile throw; a file that stood there is then as it was.
+/// writeFile throw; a former file is then unchanged.
 void writeAnimationFile(const AnimationFile& file, const std::string& path);
 
 /// Reads back what encodeAnimationFile gives, strictly: throws std::runtime_error that names the

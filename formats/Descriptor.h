@@ -6,7 +6,7 @@
 
 namespace vexa::formats {
 
-/// Owns a file descriptor and closes it at the end. A negative one stands for none.
+/// Owns a file descriptor and closes it at the end. A negative number means none.
 class Descriptor {
  public:
   explicit Descriptor(int fd = -1) : mFd(fd) {}

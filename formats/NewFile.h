@@ -12,7 +12,7 @@ namespace vexa::formats {
 /// and throws std::runtime_error "NAME: what is wrong".
 class NewFile {
  public:
-  /// `shownName` stands in errors.
+  /// Errors name the file `shownName`.
   explicit NewFile(const std::string& path) : NewFile(path, path) {}
   NewFile(const std::string& path, std::string shownName);
 

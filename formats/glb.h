@@ -43,7 +43,7 @@ class GlbWriter {
 };
 
 /// Writes meshes with all their frames, as many for each. Throws as GlbWriter, and for a mesh
-/// without a frame; a file that stood at the path is then as it was.
+/// without a frame; a former file is then unchanged.
 void writeGlb(const std::string& path, const std::vector<MovingMesh>& meshes,
               double framesPerSecond);
 

@@ -15,8 +15,8 @@ void removeTemporariesOnSignals();
 /// Removes them now, for the end of a program that no destructor will see.
 void removeTemporaries();
 
-/// Steps that a signal must not divide: while one of these lives, those three signals wait, also
-/// the ones that another thread gets.
+/// For steps that a signal must not interrupt: while one of these exists, the three signals wait,
+/// also when another thread gets them.
 class Uninterrupted {
  public:
   Uninterrupted();
@@ -28,9 +28,9 @@ class Uninterrupted {
   sigset_t mBefore;
 };
 
-/// Something that is to vanish with the process. To be made before the thing itself, both while an
-/// Uninterrupted lives. Throws std::runtime_error when there are too many (64), or for a path that
-/// is too long for the system.
+/// A file or folder that is removed when the process ends. Construct it before the file itself is
+/// made, both while an Uninterrupted exists. Throws std::runtime_error when there are too many
+/// (64), or for a path that is too long for the system.
 class Doomed {
  public:
   enum class Kind { kFile, kFolder, kEmptyFolder };

@@ -11,7 +11,7 @@
 
 namespace vexa::formats {
 
-/// A JSON value that knows where it stands, so that a fault can say so: "/values/0/keys: ...".
+/// A JSON value with its place in the document, which every error states: "/values/0/keys: ...".
 ///
 /// Borrows the document. Every reading operation throws std::runtime_error with the JSON path and
 /// what was expected.

@@ -13,8 +13,8 @@ struct MtlMaterial {
   std::string texture;                      ///< map_Kd: a file beside the MTL file, or empty
 };
 
-/// The materials of the files that an OBJ text names after "mtllib", which stand in `folder`. A
-/// file that cannot be read has none: colours are no more than decoration.
+/// The materials of the files that an OBJ text names after "mtllib", which are in `folder`. A file
+/// that cannot be read is skipped: colours are only decoration.
 std::vector<MtlMaterial> readMaterialsOf(const std::string& objText, const std::string& folder);
 
 /// The text of an MTL file, of which readMaterialsOf gives the same materials.

@@ -63,7 +63,7 @@ class LineSource : public std::streambuf {
     setg(begin, begin, begin + mText.size());
   }
 
-  // The line that ended where reading stands, without its end.
+  // The line that was read last, without its end.
   std::string_view line() {
     const auto end = static_cast<std::size_t>(gptr() - eback());
     for (; mSeen < end; ++mSeen) {
@@ -137,7 +137,7 @@ class Gatherer {
 
   void addUV() { mUVs.push_back(numbers<2>(1)); }
 
-  // An index as it stands in the file: from 1, or from -1 backwards.
+  // An index of the file counts from 1, or from -1 backwards.
   std::size_t resolve(int index, std::size_t count, const char* what) {
     const auto size = static_cast<std::int64_t>(count);
     const std::int64_t position = index < 0 ? size + index : std::int64_t{index} - 1;

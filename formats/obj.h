@@ -28,14 +28,14 @@ struct ObjModel {
   std::vector<std::string> materials;
 };
 
-/// Reads the text of an OBJ file. `name` stands in front of errors.
+/// Reads the text of an OBJ file. Errors start with `name`.
 ///
 /// Polygons become fans around their first corner. Where all materials are called by numbers, these
 /// are their ids and no names are kept; else ids count up from 0 in order of appearance. Triangles
 /// before any "usemtl" have a material without a name, 0 among numbers. Normals, groups, lines and
 /// material files are not read.
-/// Throws std::runtime_error "NAME:LINE: what is wrong" for a number that is none, a point or uv
-/// that does not exist, and a face of fewer than three corners.
+/// Throws std::runtime_error "NAME:LINE: what is wrong" for a word that is not a number, a point or
+/// uv that does not exist, and a face of fewer than three corners.
 ObjModel parseObj(const std::string& text, const std::string& name);
 /// Reads a file. Throws as parseObj, and "PATH: what is wrong" when it cannot be read.
 ObjModel readObj(const std::string& path);

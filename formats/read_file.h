@@ -16,7 +16,7 @@ constexpr std::uint64_t kLargestFile = std::uint64_t{4} << 30;
 /// "PATH: what is wrong".
 class FileReader {
  public:
-  /// Refuses what is no regular file, and a file of more than `largest` bytes.
+  /// Refuses anything but a regular file, and a file of more than `largest` bytes.
   explicit FileReader(std::string path, std::uint64_t largest = kLargestFile);
 
   std::uint64_t size() const { return mSize; }

@@ -99,7 +99,7 @@ void applyLimits(const ChildLimits& limits) {
 #endif
   // A crash is expected here; a core file of it would be of no use to anybody.
   limitResource(RLIMIT_CORE, 0, 0);
-  // The hard limit lies higher: at the soft one comes SIGXCPU, which tells the reason.
+  // The hard limit is higher: at the soft one SIGXCPU comes, by which the parent knows the reason.
   limitResource(RLIMIT_CPU, limits.mCpuSeconds, std::uint64_t{limits.mCpuSeconds} + 1);
   const std::uint64_t space = addressSpaceInUse() + limits.mMemoryBytes;
   limitResource(RLIMIT_AS, space, space);

@@ -108,7 +108,7 @@ class GeometryReader {
     }
   }
 
-  // Where a node has no material, one more stands in.
+  // A node without a material gets one more.
   std::uint32_t materialOf(std::size_t polygon, std::size_t corner) const {
     if (mMaterials.empty()) return kNoMaterial;
     const double* id = mMaterialIds.at(corner, 0, polygon);

@@ -9,7 +9,7 @@
 
 namespace vexa::importer {
 
-/// Is told how many of how many poses have been compared.
+/// Called with the number of poses compared so far, and that of all poses.
 using ImportProgress = std::function<void(std::size_t done, std::size_t count)>;
 
 /// How far the runtime's poses are from the importer's own.
@@ -24,8 +24,8 @@ struct ImportCheck {
   std::size_t mPoseCount = 0;
 };
 
-/// What the largest difference stays below for a model that is well inside what the runtime's
-/// single-precision numbers can hold.
+/// The bound of the largest difference for a model that is well inside the range of the runtime's
+/// single-precision numbers.
 constexpr double kImportTolerance = 1e-5;
 
 /// Reads an imported animation file back through the library, onto a mesh of the given rest points,

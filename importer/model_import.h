@@ -28,9 +28,9 @@ struct ImportOptions {
   /// How densely clips are sampled.
   double mFramesPerSecond = 30;
   UpAxis mUp = UpAxis::AsStated;
-  /// Lengths are multiplied by that.
+  /// All lengths are multiplied by this.
   double mScale = 1;
-  /// How fast keys follow each other that are counted in ticks; 0 for what the file says.
+  /// The rate of keys that are counted in ticks; 0 for the rate that the file states.
   double mTicksPerSecond = 0;
   /// Refuses a model that gets notes.
   bool mStrict = false;

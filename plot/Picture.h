@@ -11,8 +11,8 @@ namespace vexa::plot {
 /// A picture that was read from a file, to take colours from.
 class Picture {
  public:
-  /// Reads a PNG or JPEG file, told by its first bytes. Empty for any other file, one that cannot
-  /// be read, and one of more than 64 million pixels: a texture is no more than decoration.
+  /// Reads a PNG or JPEG file, recognised by its first bytes. Empty for any other file, one that
+  /// cannot be read, and one of more than 64 million pixels: a texture is only decoration.
   static Picture read(const std::string& path);
 
   bool isEmpty() const { return mPixels.empty(); }

@@ -37,7 +37,7 @@ constexpr Ink kLineInk{0.15, 0.35, 0.75}, kCaptionInk{0.3, 0.3, 0.3};
 constexpr double kRight[3] = {0.8944271909999159, -0.4472135954999579, 0};
 constexpr double kUp[3] = {0.18257418583505536, 0.3651483716701107, 0.9128709291752769};
 constexpr double kBack[3] = {-0.408248290463863, -0.816496580927726, 0.408248290463863};
-// Towards the light, which stands high behind the viewer's left shoulder.
+// Towards the light, which is high behind the viewer's left shoulder.
 constexpr double kLight[3] = {-0.55, -0.35, 0.76};
 
 double dot(const double (&a)[3], const Vec3& p) { return a[0] * p.x + a[1] * p.y + a[2] * p.z; }
@@ -68,7 +68,7 @@ Box seenBox(const std::vector<formats::MovingMesh>& meshes, std::size_t frame) {
   return box;
 }
 
-// The height on which everything stands: that of the lowest point of any frame.
+// The height of the ground: that of the lowest point of any frame.
 double groundHeight(const std::vector<formats::MovingMesh>& meshes) {
   Box box;
   for (const formats::MovingMesh& mesh : meshes) {

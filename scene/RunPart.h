@@ -34,10 +34,10 @@ struct RunPart {
   std::vector<int> frames() const;
 };
 
-/// A checksum that tells scenes apart: of the scene file, its meshes and its animation files.
+/// A checksum of the scene file, its meshes and its animation files.
 std::string sceneSum(const std::string& file, const refhost::Scene& scene);
 
-/// Whether the part stands whole in `folder`: written for the same run and task, its files with
+/// Whether the part is complete in `folder`: written for the same run and task, its files with
 /// their checksums.
 bool isWhole(const RunPart& part, const std::string& folder);
 

@@ -253,7 +253,7 @@ void ScenePlayer::placeInstances() {
   }
 }
 
-// Instances are elements of the scene's list, which does not move while the player lives.
+// Instances are elements of the scene's list, which does not move while the player exists.
 const ScenePlayer::Placement& ScenePlayer::placementOf(const Instance& instance) const {
   return mPlacements[std::size_t(&instance - mScene.mInstances.mElements.data())];
 }

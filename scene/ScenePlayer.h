@@ -83,8 +83,8 @@ class ScenePlayer {
   std::vector<std::size_t> mParents;  ///< of each instance, or kNone
   std::vector<std::size_t> mPlacementOrder;
   std::vector<Placement> mPlacements;
-  /// Indices of the values, those of an instance after those of its parents: where a walker stands
-  /// in its parent depends on where the parent stands at the same frame.
+  /// Indices of the values, those of an instance after those of its parents: where a walker is in
+  /// its parent depends on where the parent is at the same frame.
   std::vector<std::size_t> mOrder;
 };
 

@@ -8,7 +8,7 @@
 
 namespace vexa::scene {
 
-/// What to write of a scene that is played over some frames.
+/// Which files a run over some frames writes.
 struct SceneOutput {
   enum class Meshes { kNone, kObj, kGlb, kPointCache };
 

@@ -7,9 +7,8 @@
 
 namespace vexa::scene {
 
-/// The numbers that a value consists of, told by its kind and by the type of its first key.
-
-/// Their names: "x", "y", "z", "r", ...; one empty name for a value that is a single number.
+/// The names of the numbers that a value consists of: "x", "y", "z", "r", ...; one empty name for a
+/// value that is a single number. They follow from its kind and from the type of its first key.
 std::vector<std::string> partNames(const refhost::Property& value);
 /// How many there are.
 std::size_t partCount(const refhost::Property& value);
