@@ -52,4 +52,9 @@ std::vector<int> parseFrames(const std::string& text) {
   return frames;
 }
 
+void addFramesOption(CLI::App& command, std::string& outText) {
+  command.add_option("--frames", outText,
+                     "A, A:B or A:B:STEP, both ends included; all up to the last key when missing");
+}
+
 }  // namespace vexa::cli

@@ -125,9 +125,7 @@ void addRun(CLI::App& app) {
   CLI::App* command = app.add_subcommand("run", "Play a scene and write what each frame gives");
   const auto options = std::make_shared<Options>();
   command->add_option("SCENE", options->scene, "a scene file (JSON)")->required();
-  command->add_option(
-      "--frames", options->frames,
-      "A, A:B or A:B:STEP, both ends included; all up to the last key when missing");
+  addFramesOption(*command, options->frames);
   command->add_option("--take", options->take, "show this take of every object that has it")
       ->type_name("NAME");
   command->add_option("--out", options->out, "folder to write into")->capture_default_str();

@@ -85,9 +85,7 @@ void addSample(CLI::App& app) {
   const auto options = std::make_shared<Options>();
   command->add_option("SCENE", options->scene, "a scene file (JSON)")->required();
   command->add_option("VALUE", options->value, "the name of the value")->required();
-  command->add_option(
-      "--frames", options->frames,
-      "A, A:B or A:B:STEP, both ends included; all up to the last key when missing");
+  addFramesOption(*command, options->frames);
   command
       ->add_option("--plot", options->plot,
                    "write a plot here instead of the table, as its name ends: .svg or .png")

@@ -2,17 +2,14 @@
 #include <cstddef>
 #include <cstdint>
 #include <fstream>
-#include <string>
-#include <unistd.h>
 
 #include "formats/mtl.h"
+#include "fuzz/scratch_folder.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-  const std::string name = "vexa_fuzz_" + std::to_string(getpid()) + ".mtl";
-  const std::string file = "/tmp/" + name;
-  std::ofstream(file, std::ios::binary)
+  const auto& folder = vexa::fuzz::scratchFolder();
+  std::ofstream(folder / "some.mtl", std::ios::binary)
       .write(reinterpret_cast<const char*>(data), std::streamsize(size));
-  const auto materials = vexa::formats::readMaterialsOf("mtllib " + name + "\n", "/tmp");
-  vexa::formats::formatMtl(materials);
-  return unlink(file.c_str());
+  vexa::formats::formatMtl(vexa::formats::readMaterialsOf("mtllib some.mtl\n", folder));
+  return 0;
 }
