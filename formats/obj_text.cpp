@@ -2,6 +2,7 @@
 #include <charconv>
 #include <cstring>
 #include <stdexcept>
+#include <utility>
 
 #include "formats/number_text.h"
 #include "formats/obj.h"
@@ -13,21 +14,25 @@ namespace {
 // Text that grows in large steps: a piece is formatted where it stays.
 class Text {
  public:
-  // Room for the shortest texts of a few numbers.
-  void reserve() {
-    if (mBytes.size() - mUsed < kPiece) mBytes.resize(2 * mBytes.size() + (1 << 16));
+  // Room for the shortest texts of a few numbers, or for more.
+  void reserve(std::size_t bytes = kPiece) {
+    if (mBytes.size() - mUsed < bytes) mBytes.resize(2 * mBytes.size() + bytes + (1 << 16));
   }
   void put(char c) { mBytes[mUsed++] = c; }
   void put(float number) { moveTo(writeShortest(mBytes.data() + mUsed, number)); }
   void put(std::uint64_t number) {
     moveTo(std::to_chars(mBytes.data() + mUsed, mBytes.data() + mBytes.size(), number).ptr);
   }
-  void append(const std::string& text) {
-    mBytes.resize(mUsed);
-    mBytes += text;
-    mUsed = mBytes.size();
+  void append(std::string_view text) {
+    reserve(text.size());
+    std::memcpy(mBytes.data() + mUsed, text.data(), text.size());
+    mUsed += text.size();
   }
   std::string_view view() const { return {mBytes.data(), mUsed}; }
+  std::string take() {
+    mBytes.resize(mUsed);
+    return std::move(mBytes);
+  }
 
  private:
   void moveTo(const char* end) { mUsed = std::size_t(end - mBytes.data()); }
@@ -37,6 +42,9 @@ class Text {
   std::string mBytes;
   std::size_t mUsed = 0;
 };
+
+// About what a line takes; more is no fault.
+constexpr std::size_t kLineBytes = 40;
 
 bool hasUV(const ObjModel& model) {
   const auto isSet = [](const ObjCorner& c) { return c.u != 0 || c.v != 0; };
@@ -49,43 +57,48 @@ bool hasUV(const ObjModel& model) {
 // each new one.
 class UVIndices {
  public:
-  explicit UVIndices(std::size_t corners) {
-    std::size_t size = 16;
-    while (size < 2 * corners) size *= 2;
-    mTable.resize(size);
-  }
-
   std::uint32_t add(const ObjCorner& corner, Text& ioText) {
     std::uint64_t key = 0;
     std::memcpy(&key, &corner.u, sizeof(float));
     std::memcpy(reinterpret_cast<char*>(&key) + sizeof(float), &corner.v, sizeof(float));
-    // 2^64 divided by the golden ratio spreads neighbouring keys; the high bits are the mixed ones.
-    std::size_t place = std::size_t(key * 0x9E3779B97F4A7C15u >> 20) & (mTable.size() - 1);
-    while (mTable[place].index != 0 && mTable[place].key != key) {
-      place = (place + 1) & (mTable.size() - 1);
-    }
-    Entry& entry = mTable[place];
-    if (entry.index != 0) return entry.index;
-    entry = {key, ++mCount};
+    std::uint32_t& index = mTable[placeOf(key)];
+    if (index != 0) return index;
+    mKeys.push_back(key);
+    index = std::uint32_t(mKeys.size());
+    if (2 * mKeys.size() > mTable.size()) grow();
     ioText.reserve();
     for (const char c : {'v', 't', ' '}) ioText.put(c);
     ioText.put(corner.u);
     ioText.put(' ');
     ioText.put(corner.v);
     ioText.put('\n');
-    return mCount;
+    return std::uint32_t(mKeys.size());
   }
 
  private:
-  // A table with open addressing. At most half of it is in use, so a search ends soon at a free
-  // entry. Any key is possible, also 0; a free entry is known by its index, since indices start at
-  // 1.
-  struct Entry {
-    std::uint64_t key;
-    std::uint32_t index;  // 0: free
-  };
-  std::vector<Entry> mTable;
-  std::uint32_t mCount = 0;
+  // Where the index of the key is, or is to come.
+  std::size_t placeOf(std::uint64_t key) const {
+    // 2^64 divided by the golden ratio spreads neighbouring keys. Every bit of u and v reaches the
+    // highest bits alone: coordinates that are whole 256ths differ in no low one.
+    std::size_t place = std::size_t((key ^ key >> 29) * 0x9E3779B97F4A7C15u >> mShift);
+    while (mTable[place] != 0 && mKeys[mTable[place] - 1] != key) {
+      place = (place + 1) & (mTable.size() - 1);
+    }
+    return place;
+  }
+  void grow() {
+    std::vector<std::uint32_t>(2 * mTable.size()).swap(mTable);
+    --mShift;
+    for (std::size_t i = 0; i < mKeys.size(); ++i) {
+      mTable[placeOf(mKeys[i])] = std::uint32_t(i + 1);
+    }
+  }
+
+  std::vector<std::uint64_t> mKeys;  // of the indices from 1 on
+  // The indices, by open addressing; 0 where there is none. At most half of the places are taken,
+  // so a search ends soon at a free one.
+  std::vector<std::uint32_t> mTable = std::vector<std::uint32_t>(1024);
+  unsigned int mShift = 54;  // the table has 2^(64 - mShift) places
 };
 
 void putPoints(const std::vector<Oru::TVector3D<float>>& points, Text& ioText) {
@@ -113,23 +126,28 @@ void putFace(const ObjTriangle& triangle, UVIndices* uvs, Text& ioUvs, Text& ioF
   ioFaces.put('\n');
 }
 
-}  // namespace
-
-std::string formatObjFaces(const ObjModel& model) {
-  checkCorners(model);
+void putFaces(const ObjModel& model, Text& ioText) {
   const bool withUV = hasUV(model);
-  UVIndices indices(withUV ? 3 * model.triangles.size() : 0);
-  Text uvs, faces;
+  UVIndices indices;
+  Text faces;
+  faces.reserve(kLineBytes * model.triangles.size());
   for (std::size_t t = 0; t < model.triangles.size(); ++t) {
     const ObjTriangle& triangle = model.triangles[t];
     if (t == 0 || triangle.material != model.triangles[t - 1].material) {
       faces.append("usemtl " + nameInObj(model, triangle.material) + '\n');
     }
-    putFace(triangle, withUV ? &indices : nullptr, uvs, faces);
+    putFace(triangle, withUV ? &indices : nullptr, ioText, faces);
   }
-  std::string text(uvs.view());
-  text += faces.view();
-  return text;
+  ioText.append(faces.view());
+}
+
+}  // namespace
+
+std::string formatObjFaces(const ObjModel& model) {
+  checkCorners(model);
+  Text text;
+  putFaces(model, text);
+  return text.take();
 }
 
 void appendObjPoints(const std::vector<Oru::TVector3D<float>>& points, std::string& ioText) {
@@ -139,10 +157,13 @@ void appendObjPoints(const std::vector<Oru::TVector3D<float>>& points, std::stri
 }
 
 std::string formatObj(const ObjModel& model, const std::string& materialFile) {
-  const std::string faces = formatObjFaces(model);  // checks the corners first
-  std::string text = materialFile.empty() ? "" : "mtllib " + materialFile + '\n';
-  appendObjPoints(model.points, text);
-  return text += faces;
+  checkCorners(model);
+  Text text;
+  if (!materialFile.empty()) text.append("mtllib " + materialFile + '\n');
+  text.reserve(2 * kLineBytes * model.points.size());
+  putPoints(model.points, text);
+  putFaces(model, text);
+  return text.take();
 }
 
 void writeObj(const std::string& path, const ObjModel& model, const std::string& materialFile) {
