@@ -7,8 +7,7 @@ namespace vexa::benchmarks {
 
 namespace {
 
-// The libraries' types lie over the plain arrays: neither has a header, and the alignment is
-// theirs.
+// The libraries' types are laid over the plain arrays, which have their layout and alignment.
 template <class T>
 using EigenMatrix = Eigen::Matrix<T, 4, 4>;
 template <class T>
