@@ -58,7 +58,7 @@ void positionOnPath(benchmark::State& state, bool edited) {
     frame = (frame + 7) % 100;
     if (edited) number = 0.01 * frame;
     auto result =
-        manager().InterpolateValue(&scene, &scene.mProperties[0], frame, nullptr, nullptr);
+        manager().InterpolateValue(&scene, scene.mProperties.data(), frame, nullptr, nullptr);
     benchmark::DoNotOptimize(result);
   }
 }
@@ -126,7 +126,7 @@ void driveCrowd(benchmark::State& state) {
     for (const Property& property : scene.mProperties) {
       manager().ManageAnimatedObjectInstance(&scene,
                                              &scene.mInstances.mElements[property.mInstance],
-                                             &scene.mDefinitions[0], &property, frame, nullptr);
+                                             scene.mDefinitions.data(), &property, frame, nullptr);
     }
   }
   state.SetItemsProcessed(state.iterations() * kWalkers);

@@ -197,7 +197,7 @@ CChemin CChemin::Ajoute(const char* name) const {
 
 CChemin CChemin::Courant() {
   char path[1024];  // getcwd gives null for a longer path, which reads as ""
-  return CChemin(getcwd(path, sizeof(path)));
+  return {getcwd(path, sizeof(path))};
 }
 
 void CChemin::AjouteParametre(const char* name, const char* value) {

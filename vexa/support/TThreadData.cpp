@@ -20,6 +20,7 @@ CBaseThreadData::~CBaseThreadData() {
 
 void* CBaseThreadData::GetValue() const { return pthread_getspecific(mKey); }
 
+// NOLINTNEXTLINE(readability-make-member-function-const): it changes what GetValue returns.
 void CBaseThreadData::SetValue(const void* value) {
   UxThrow::IfFalse(pthread_setspecific(mKey, value) == 0, "CBaseThreadData::SetValue");
 }
