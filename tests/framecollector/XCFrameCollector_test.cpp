@@ -71,6 +71,17 @@ TEST(XCFrameCollector, AWeightThatIsInfiniteAsAFloatMeetsTheZerosOfTheGlobalMatr
   EXPECT_TRUE(std::isnan(collector.GetCurrentDefinition(0, 0, kNone)->GetVerticesArray()[0].x));
 }
 
+// It must not be edited; the vertices that are left must not be written past their end.
+TEST(XCFrameCollector, RefusesAMeshAtRestThatHasLostVertices) {
+  const auto mesh = meshOf(std::vector<Point>(300)), smaller = meshOf({{1, 2, 3}});
+  XCFrameCollector collector(mesh.get());
+  collector.GetCurrentDefinition(0, 0, kNone);
+  UXS::Mesh::Editor(*mesh, false).Copy(*smaller, true);
+  EXPECT_EQ(whatOf([&] { collector.GetCurrentDefinition(0, 1, kNone); }),
+            "XCFrameCollector::GetCurrentDefinition : the mesh at rest has lost vertices"
+            " (assertion failed)");
+}
+
 TEST(XCFrameCollector, CountsItsSizeAndRefusesWhatIsNotThere) {
   const auto mesh = meshOf({{0, 0, 0}, {1, 1, 1}});
   XCFrameCollector collector(mesh.get());

@@ -105,8 +105,7 @@ struct XCFrameCollector::AskedPoints {
   void make(const XCFrameCollector& collector, std::size_t block) {
     const std::vector<Point>& rest = collector.restVertices();
     const std::size_t first = block * skinning::kBlock;
-    const auto laidOut = std::size_t(collector.mLinks->block(block).mVertices);
-    const std::size_t count = std::min(laidOut, rest.size() - first);
+    const std::size_t count = std::min<std::size_t>(skinning::kBlock, rest.size() - first);
     std::copy_n(rest.data() + first, count, mRest);
     std::fill_n(mLeft, skinning::kBlock, false);
     collector.deformBlock(block, *mPose, mMade, mLeft);
@@ -350,7 +349,9 @@ void XCFrameCollector::prepareNeighbours(std::size_t vertex, unsigned int take,
   if (take != asked.mTake || frame != asked.mFrame) asked.start(take, frame);
   if (asked.mPose != nullptr) {
     const std::size_t block = vertex / skinning::kBlock;
-    if (vertex < mLinks->vertices() && asked.isToBeMade(block)) asked.make(*this, block);
+    const std::size_t vertices = restVertices().size();
+    const bool isKnown = vertex < vertices && mLinks->vertices() == vertices;
+    if (isKnown && asked.isToBeMade(block)) asked.make(*this, block);
   } else if (++asked.mCalls > nodeCount() && mLinks->isLaidOut(nodeCount())) {
     asked.mCalls = 0;
     try {
@@ -365,6 +366,8 @@ void XCFrameCollector::prepareNeighbours(std::size_t vertex, unsigned int take,
 void XCFrameCollector::deformVertices(unsigned int take, unsigned int frame, Point* out) {
   const std::vector<Point>& rest = restVertices();
   mLinks->layOut(rest.size(), nodeCount());
+  UxThrow::IfFalse(mLinks->vertices() == rest.size(),
+                   "XCFrameCollector::GetCurrentDefinition : the mesh at rest has lost vertices");
   const NodePose pose = poseOf(take, frame);
   for (std::size_t b = 0; b < mLinks->blocks(); ++b) {
     const std::size_t first = b * skinning::kBlock;

@@ -119,15 +119,16 @@ void uxInterpolated3DPath(const KeyList* keys, const UxZel::IZel3DPath* path, in
                           int maxIndex, int frame, IZelKeyFrame::uValue& outPosition,
                           IZelKeyFrame::uValue& outDirection) {
   const XCZELPathInfo info(path);
-  positionOn(XC3DPath(&info), *path, *keys, minIndex, maxIndex, frame, outPosition, outDirection);
+  const XC3DPath bezier(&info);  // throws where there is no path
+  positionOn(bezier, *path, *keys, minIndex, maxIndex, frame, outPosition, outDirection);
 }
 
 void uxInterpolated3DPath(const KeyList* keys, const UxZel::IZel3DPath* path, int minIndex,
                           int maxIndex, int frame, IZelKeyFrame::uValue& outPosition,
                           IZelKeyFrame::uValue& outDirection, double lookAhead) {
   const XCZELPathInfo info(path);
-  positionOn(XC3DPath(&info), *path, *keys, minIndex, maxIndex, frame, outPosition, outDirection,
-             lookAhead);
+  const XC3DPath bezier(&info);  // throws where there is no path
+  positionOn(bezier, *path, *keys, minIndex, maxIndex, frame, outPosition, outDirection, lookAhead);
 }
 
 }  // namespace Norvel::Vexa
