@@ -1,5 +1,7 @@
 #include <algorithm>
+#include <cmath>
 #include <cstdio>
+#include <filesystem>
 #include <memory>
 #include <stdexcept>
 #include <string>
@@ -20,6 +22,24 @@ struct Options {
   importer::ImportOptions import;
   std::vector<double> travel = {0, 0};
 };
+
+CLI::Validator aboveZero() {
+  const auto faultOf = [](const std::string& text) {
+    double value = 0;
+    const bool isGood = CLI::detail::lexical_cast(text, value) && value > 0 && std::isfinite(value);
+    return isGood ? std::string() : "\"" + text + "\" is not a number above 0";
+  };
+  return {faultOf, "POSITIVE"};
+}
+
+// "walk.amo" names the import whose files are walk.amo, walk.obj and walk.json.
+std::string stemOf(const std::string& out) {
+  const std::filesystem::path path = out;
+  for (const char* ending : {".amo", ".obj", ".json"}) {
+    if (path.extension() == ending) return std::filesystem::path(path).replace_extension().string();
+  }
+  return out;
+}
 
 importer::ImportedModel importOrSayWhichFile(const Options& options) {
   try {
@@ -114,18 +134,18 @@ void addImport(CLI::App& app) {
                    "a file of clips for the model's nodes; may be repeated")
       ->type_name("FILE");
   command->add_option("--fps", options->import.mFramesPerSecond, "frames per second")
-      ->check(CLI::PositiveNumber)
+      ->check(aboveZero())
       ->capture_default_str();
   command->add_option("--up", options->up, "the model's upward axis, whatever its file says")
       ->check(CLI::IsMember({"y", "z"}))
       ->option_text("y|z");
   command->add_option("--scale", options->import.mScale, "multiplies all lengths")
-      ->check(CLI::PositiveNumber)
+      ->check(aboveZero())
       ->capture_default_str();
   command
       ->add_option("--ticks-per-second", options->import.mTicksPerSecond,
                    "for files that count keys in ticks and state no speed, or a wrong one")
-      ->check(CLI::PositiveNumber);
+      ->check(aboveZero());
   command->add_flag("--strict", options->import.mStrict,
                     "refuse what cannot be shown exactly as the file means it");
   command
@@ -139,6 +159,7 @@ void addImport(CLI::App& app) {
     if (options->up == "y") options->import.mUp = importer::UpAxis::Y;
     if (options->up == "z") options->import.mUp = importer::UpAxis::Z;
     // A walk leads over the ground, so there is no third number.
+    options->stem = stemOf(options->stem);
     options->import.mTravel = {options->travel[0], options->travel[1], 0};
     importModelFile(*options);
   });

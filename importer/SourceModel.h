@@ -168,6 +168,8 @@ struct SourceModel {
   Matrix mAxes;
   /// Metres per unit of length; 0 when the file does not say.
   double mMetresPerUnit = 0;
+  /// Why there are no clips although the file is animated; empty for any other reason.
+  std::string mUnreadAnimation;
   /// What was left out or repaired, one line each.
   std::vector<std::string> mNotes;
 };

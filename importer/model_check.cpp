@@ -5,6 +5,8 @@
 #include <stdexcept>
 
 #include "formats/finite.h"
+#include "formats/printable.h"
+#include "formats/utf8.h"
 
 namespace vexa::importer {
 
@@ -164,8 +166,17 @@ void checkCurve(SourceModel::Curve& curve, const std::string& which) {
                    [](const auto& a, const auto& b) { return a.mTime < b.mTime; });
 }
 
+// A JSON text holds UTF-8 only.
+void checkName(SourceModel::Clip& clip, std::vector<std::string>& ioNotes) {
+  if (formats::isUtf8(clip.mName)) return;
+  clip.mName = formats::printable(clip.mName);
+  ioNotes.push_back("clip " + quoted(clip.mName) +
+                    ": its name is not UTF-8; bytes that do not fit are spelled out");
+}
+
 void checkClip(SourceModel::Clip& clip, std::size_t nodeCount, std::size_t pivotCount,
                std::vector<std::string>& ioNotes) {
+  checkName(clip, ioNotes);
   const std::string which = "clip " + quoted(clip.mName);
   for (SourceModel::Channel& channel : clip.mChannels) {
     require(isIndex(channel.mNode, nodeCount),

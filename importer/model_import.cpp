@@ -71,6 +71,7 @@ Matrix uprightToFile() { return fromRows({{{1, 0, 0}, {0, 1, 0}, {0, 0, -1}}}); 
 void requireAnimation(const SourceModel& model) {
   const bool hasBones = std::any_of(model.mMeshes.begin(), model.mMeshes.end(),
                                     [](const SourceModel::Mesh& m) { return !m.mBones.empty(); });
+  if (!model.mUnreadAnimation.empty()) refuse(model.mUnreadAnimation);
   if (model.mClips.empty()) {
     refuse(hasBones ? "it has bones but no animation" : "it has neither bones nor animation");
   }

@@ -13,6 +13,7 @@
 #include "importer/file_name_internal.h"
 #include "importer/gltf_reader_internal.h"
 #include "importer/model_bytes_internal.h"
+#include "importer/unread_animation.h"
 
 namespace vexa::importer {
 
@@ -53,7 +54,9 @@ SourceModel readModel(const std::string& file, const ChildLimits& limits, double
   } catch (const std::runtime_error& e) {
     throw std::runtime_error(std::string("the model cannot be read: ") + e.what());
   }
-  return unpackModel(bytes);
+  SourceModel model = unpackModel(bytes);
+  if (model.mClips.empty()) model.mUnreadAnimation = unreadAnimation(file);
+  return model;
 }
 
 }  // namespace vexa::importer

@@ -27,9 +27,9 @@ Axis perpendicularTo(const Axis& a) {
 
 // Three axes at right angles, each along its column as far as the longer ones before it allow.
 std::array<Axis, 3> axesOf(const std::array<Axis, 3>& columns, const double (&lengths)[3]) {
-  std::array<int, 3> order{0, 1, 2};
+  std::array<std::size_t, 3> order{0, 1, 2};
   std::stable_sort(order.begin(), order.end(),
-                   [&](int a, int b) { return lengths[a] > lengths[b]; });
+                   [&](std::size_t a, std::size_t b) { return lengths[a] > lengths[b]; });
   const auto [first, second, third] = order;
   std::array<Axis, 3> axes{Axis(1, 0, 0), Axis(0, 1, 0), Axis(0, 0, 1)};
   const double least = kNoLength * lengths[first];

@@ -191,6 +191,8 @@ class Command(unittest.TestCase):
                        cwd=self.folder)
         self.assertIn("v 0 0 0", (self.folder / "out.obj").read_text())
         self.vexa("info", "out.amo")
+        self.vexa("import", "body.gltf", "--out", "named.amo")
+        self.assertTrue((self.folder / "named.obj").exists())
 
     def test_bad_input_is_one_line_and_exit_1(self):
         (self.folder / "cut.amo").write_bytes(self.read("flag.amo")[:200])

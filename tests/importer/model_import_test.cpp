@@ -72,6 +72,14 @@ TEST(ModelImport, AnArmBendsInTheHostsSpace) {
   EXPECT_LT(checkThroughFile(model).mLargestDifference, 1e-6);
 }
 
+TEST(ModelImport, NamesThatAreNotUtf8AreSpelledOut) {
+  SourceModel source = arm();
+  source.mClips[0].mName = "b\xffnd";
+  const ImportedModel model = importModel(source);
+  EXPECT_EQ(model.mTakes.at(0).mName, "b\\xffnd");
+  EXPECT_EQ(model.mNotes.size(), 1u);
+}
+
 TEST(ModelImport, RotationGoesTheShorterWayAtConstantSpeed) {
   SourceModel source = arm();
   const double h = std::sqrt(0.5), third = std::acos(-1.0) / 6;

@@ -9,7 +9,9 @@
 #include <thread>
 
 #include "importer/model_bytes_internal.h"
+#include "importer/unread_animation.h"
 #include "tests/helpers/compare.h"
+#include "tests/helpers/scratch_directory.h"
 #include "tests/importer/small_models.h"
 
 namespace vexa::tests {
@@ -122,6 +124,20 @@ TEST(ModelReader, EveryFaultIsOneLine) {
     EXPECT_EQ(what.rfind("the model cannot be read: ", 0), 0u) << name << ": " << what;
     EXPECT_EQ(what.find('\n'), std::string::npos);
   }
+}
+
+TEST(UnreadAnimation, AFileOfSeveralFramesIsNamed) {
+  const ScratchDirectory folder;
+  const auto reasonOf = [&](const std::string& start, std::size_t framesAt, char frames) {
+    std::string bytes = start + std::string(100 - start.size(), '\0');
+    bytes[framesAt] = frames;
+    writeText(folder / "model", bytes);
+    return importer::unreadAnimation((folder / "model").string());
+  };
+  EXPECT_EQ(reasonOf("IDP2", 40, 8), "it has vertex animation, not supported");
+  EXPECT_EQ(reasonOf("IDP2", 40, 1), "");
+  EXPECT_EQ(reasonOf("IDP3", 76, 2), "it has vertex animation, not supported");
+  EXPECT_EQ(reasonOf("IDST", 40, 8), "");
 }
 
 }  // namespace
