@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cerrno>
 #include <charconv>
+#include <cstdint>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <iterator>
 #include <limits>
 
@@ -44,8 +46,46 @@ std::string shortest(T value) {
   return text;
 }
 
+// Digits with at most one point among them. They and the power of ten are doubles as they are, so
+// the quotient is rounded once. strtof computes with 128 bits, for which WebAssembly has no
+// instructions: it took most of the time of reading a mesh.
+bool parsePlain(std::string_view text, double& outValue) {
+  const bool isNegative = !text.empty() && text[0] == '-';
+  if (isNegative) text.remove_prefix(1);
+  if (text.empty() || text == "." || text.size() > 16) return false;
+  double digits = 0, power = 1;
+  bool hasPoint = false;
+  for (const char c : text) {
+    if (c == '.' && !hasPoint) {
+      hasPoint = true;
+      continue;
+    }
+    if (c < '0' || c > '9') return false;
+    digits = 10 * digits + (c - '0');
+    if (hasPoint) power *= 10;
+  }
+  if (digits > 9007199254740992.0) return false;
+  outValue = (isNegative ? -digits : digits) / power;
+  return true;
+}
+
+bool convert(double value, double& outValue) {
+  outValue = value;
+  return true;
+}
+
+// False halfway between two floats, where the rounding before decides which is the nearer one.
+bool convert(double value, float& outValue) {
+  std::uint64_t bits;
+  std::memcpy(&bits, &value, sizeof(bits));
+  outValue = float(value);
+  return (bits & 0x1fffffff) != 0x10000000;
+}
+
 template <class T>
 bool parse(std::string_view text, T& outValue) {
+  double plain = 0;
+  if (parsePlain(text, plain) && convert(plain, outValue)) return true;
   // strtod also takes blanks, a plus sign and hexadecimal digits.
   if (text.empty() || text.find_first_of(" \t\n\v\f\r+xX") == 0) return false;
   if (text.find_first_of("xX") != std::string_view::npos) return false;

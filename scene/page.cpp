@@ -1,6 +1,8 @@
 #include "scene/page.h"
 
+#include <algorithm>
 #include <filesystem>
+#include <limits>
 #include <stdexcept>
 
 #include "formats/JsonTree.h"
@@ -18,6 +20,8 @@ using Json = formats::JsonTree;
 
 // Numbers that a page keeps for the comparison; 100,000 are about two megabytes of text.
 constexpr std::size_t kMostNumbers = 100'000;
+// Steps over the frames at which the extent of a scene is taken.
+constexpr int kExtentSteps = 8;
 
 // A picture as an address of its own, because a page that was opened from a disk may not read other
 // files. Empty when a browser would not show it.
@@ -67,6 +71,25 @@ Json resultsOf(ScenePlayer& player, int first, int last) {
   return recorder.results();
 }
 
+// Two opposite corners of the box around all meshes; none without any.
+Json extentOf(ScenePlayer& player, int first, int last) {
+  constexpr float kInfinity = std::numeric_limits<float>::infinity();
+  Oru::TVector3D<float> low(kInfinity, kInfinity, kInfinity), high = -low;
+  std::vector<formats::MovingMesh::Points> poses;
+  for (int i = 0; i <= kExtentSteps; ++i) {
+    player.setFrame(int(first + (std::int64_t{last} - first) * i / kExtentSteps));
+    player.getPoses(poses);
+    for (const auto& points : poses) {
+      for (const auto& p : points) {
+        low = {std::min(low.x, p.x), std::min(low.y, p.y), std::min(low.z, p.z)};
+        high = {std::max(high.x, p.x), std::max(high.y, p.y), std::max(high.z, p.z)};
+      }
+    }
+  }
+  if (low.x > high.x) return Json::list();
+  return Json::list(Json::list(low.x, low.y, low.z), Json::list(high.x, high.y, high.z));
+}
+
 void addFile(const std::string& name, const std::string& bytes, Json& ioFiles) {
   if (ioFiles.find(name) == nullptr) ioFiles[name] = formats::base64Of(bytes);
 }
@@ -90,6 +113,7 @@ std::string pageData(const std::string& sceneFile, ScenePlayer& player, int firs
                         .with("scene", document)
                         .with("first", first)
                         .with("last", last)
+                        .with("extent", extentOf(player, first, last))
                         .with("results", resultsOf(player, first, last))
                         .with("files", std::move(files))
                         .with("materials", std::move(materials));

@@ -14,17 +14,14 @@ const { outputFiles } = await build({
   format: "iife",
   target: "es2022",
   write: false,
-  loader: { ".wasm": "binary" },
-  alias: {
-    "vexa-module": `${moduleFolder}/vexa_module.mjs`,
-    "vexa-module.wasm": `${moduleFolder}/vexa_module.wasm`,
-  },
+  alias: { "vexa-module": `${moduleFolder}/vexa_module.mjs` },
   logLevel: "warning",
 });
 // A function as replacement: "$&" in a program is no pattern.
 const script = outputFiles[0].text.replaceAll("</script", "<\\/script");
 const page = readFileSync(folder + "/src/page.html", "utf8")
   .replace("@STYLE@", () => readFileSync(folder + "/src/page.css", "utf8"))
+  .replace("@MODULE@", () => readFileSync(`${moduleFolder}/vexa_module.wasm`, "base64"))
   .replace("@SCRIPT@", () => script);
 mkdirSync(dirname(template), { recursive: true });
 writeFileSync(template, page);

@@ -150,14 +150,14 @@ void VertexLinks::Layout::collect(std::size_t vertex) {
 void VertexLinks::Layout::reorder(std::size_t first, std::size_t count) {
   std::uint32_t to = mTo.mBlockLinks.back();
   const std::uint32_t begin = to;
-  mOldLinks.assign(mTo.mLinks.begin() + to, mTo.mLinks.end());
-  mOldWeights.assign(mTo.mWeights.begin() + to, mTo.mWeights.end());
+  mOldLinks.assign(mTo.mLinks.begin() + std::ptrdiff_t(to), mTo.mLinks.end());
+  mOldWeights.assign(mTo.mWeights.begin() + std::ptrdiff_t(to), mTo.mWeights.end());
   for (std::size_t i = 0; i < count; ++i) {
     const std::size_t vertex = mTo.mOrder[first + i];
     const std::uint32_t from = mTo.mFirst[first + vertex] - begin;
     mTo.mFirst[first + vertex] = to;
-    std::copy_n(mOldLinks.begin() + from, mCounts[vertex], mTo.mLinks.begin() + to);
-    std::copy_n(mOldWeights.begin() + from, mCounts[vertex], mTo.mWeights.begin() + to);
+    std::copy_n(mOldLinks.data() + from, mCounts[vertex], mTo.mLinks.data() + to);
+    std::copy_n(mOldWeights.data() + from, mCounts[vertex], mTo.mWeights.data() + to);
     to += mCounts[vertex];
   }
 }

@@ -1,5 +1,5 @@
 // The edited scene: changes by dragging and by fields, and its download.
-import type { Handle } from "./drawing";
+import type { Handle } from "./paths";
 import { dateText, type Scene, type SceneKey, type SceneValue, type Triple } from "./scene";
 
 const kCurves = ["linear", "square", "oneMinusSquare", "sinus", "constant", "date"];
@@ -48,7 +48,6 @@ export class Editing {
   constructor(private readonly host: HTMLElement, public scene: Scene, private readonly name: string,
               private readonly report: (fault: string) => void) {
     document.getElementById("download")!.addEventListener("click", () => this.download());
-    this.build();
   }
 
   /** Makes a change; what the runtime refuses is undone. */

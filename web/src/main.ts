@@ -5,7 +5,7 @@ import { Editing } from "./editing";
 import { showExactness } from "./exactness";
 import { Plots } from "./plots";
 import { Runtime } from "./runtime";
-import type { PageData } from "./scene";
+import type { PageData, Scene } from "./scene";
 import { Timeline } from "./timeline";
 
 function element<T extends HTMLElement>(id: string): T {
@@ -17,19 +17,12 @@ function report(fault: string): void {
   element("error").hidden = fault === "";
 }
 
-/** Whether the browser draws too few frames, over half a second of playing. */
-class FrameMeter {
-  private times: number[] = [];
-  add(now: number): boolean {
-    this.times.push(now);
-    if (now - this.times[0]! < 500) return false;
-    const perSecond = ((this.times.length - 1) * 1000) / (now - this.times[0]!);
-    this.times = [];
-    return perSecond < 55;
-  }
-  clear(): void {
-    this.times = [];
-  }
+/** All that the scene shows over its frames, as `vexa view` found it, and its paths. */
+function extentOf(page: PageData, scene: Scene, runtime: Runtime): THREE.Box3 {
+  const box = new THREE.Box3();
+  for (const corner of page.extent) box.expandByPoint(new THREE.Vector3(...corner));
+  (scene.paths ?? []).forEach((_, p) => box.union(new THREE.Box3().setFromArray(runtime.curve(p))));
+  return box;
 }
 
 async function start(): Promise<void> {
@@ -37,36 +30,30 @@ async function start(): Promise<void> {
   document.title = page.name;
   element("title").textContent = page.name;
   const messages: string[] = [];
-  const runtime = await Runtime.load((text) => messages.push(text));
+  const loading = Runtime.load(element("module").textContent!, (text) => messages.push(text));
+  // The browser compiles the runtime meanwhile.
+  const drawing = new Drawing(element<HTMLCanvasElement>("view"), element("stage"));
+  drawing.applyTheme();
+  const runtime = await loading;
   runtime.open(page);
 
   const timeline = new Timeline(page.first, page.last, page.scene.settings?.timeScale ?? 25);
-  const drawing = new Drawing(element<HTMLCanvasElement>("view"), element("stage"), runtime, page);
   const editing = new Editing(element("fields"), page.scene, page.name, report);
   const showFrame = (): void => {
-    runtime.setFrame(timeline.frame);
-    drawing.showFrame();
+    drawing.showFrame(timeline.frame);
     if (messages.length > 0) report(messages.splice(0).join("\n"));
   };
-
-  const box = new THREE.Box3();
-  for (let i = 0; i <= 8; ++i) {
-    runtime.setFrame(Math.round(page.first + ((page.last - page.first) * i) / 8));
-    drawing.showFrame();
-    drawing.extendBox(box);
-  }
-  (page.scene.paths ?? []).forEach((_, p) => {
-    const curve = runtime.curve(p);
-    for (let i = 0; i < curve.length; i += 3) box.expandByPoint(new THREE.Vector3().fromArray(curve, i));
-  });
-  drawing.resize();
-  drawing.frameAll(box);
-  drawing.applyTheme(page.scene);
+  drawing.open(page, runtime);
   showFrame();
-  drawing.draw();
-  performance.mark("first picture");
+  drawing.frameAll(extentOf(page, page.scene, runtime));
+  drawing.showPaths(page.scene);
+  drawing.draw(performance.now());
   element("status").textContent = "";
+  requestAnimationFrame(() => requestAnimationFrame(() => performance.mark("first picture")));
 
+  // The rest of the page follows when the picture is on the screen.
+  await new Promise((resolve) => requestAnimationFrame(() => setTimeout(resolve)));
+  editing.build();
   const plots = new Plots(element("plots"), runtime, page.scene, page.first, page.last);
   const restore = (): void => runtime.setFrame(timeline.frame);
   const markKeys = (): void =>
@@ -88,28 +75,29 @@ async function start(): Promise<void> {
     markKeys();
     void plots.sample(scene, restore).catch((error: Error) => report(error.message));
   };
-  drawing.onDrag = (handle, to) => editing.dragHandle(handle, to);
-  drawing.onDragEnd = () => editing.build();
+  drawing.paths.onDrag = (handle, to) => editing.dragHandle(handle, to);
+  drawing.paths.onDragEnd = () => editing.build();
   plots.onKeyDrag = (value, key, frame, number) => editing.dragKey(value, key, frame, number);
   plots.onKeyDragEnd = () => editing.build();
-  element("frame-all").addEventListener("click", () => drawing.frameAll(box));
+  element("frame-all").addEventListener("click", () => {
+    const box = extentOf(page, editing.scene, runtime);
+    drawing.extendBox(box);
+    drawing.frameAll(box);
+  });
   matchMedia("(prefers-color-scheme: dark)").addEventListener("change", () => {
-    drawing.applyTheme(editing.scene);
-    plots.show(timeline.frame);
+    drawing.applyTheme();
+    plots.redraw();
   });
 
-  const meter = new FrameMeter();
   const loop = (now: number): void => {
     timeline.advance(now);
-    drawing.draw();
-    if (!timeline.isPlaying) meter.clear();
-    else if (meter.add(now)) drawing.lowerQuality();
+    drawing.draw(now);
+    plots.write(now);
     requestAnimationFrame(loop);
   };
   requestAnimationFrame(loop);
   markKeys();
   plots.show(timeline.frame);
-  await new Promise((resolve) => setTimeout(resolve));
   await plots.sample(page.scene, restore);
   await showExactness(element("exactness"), runtime, page, restore, () => edits > 0);
   // What the page's tests read.

@@ -2,19 +2,34 @@
 import type { Runtime } from "./runtime";
 import { dateText, type Scene } from "./scene";
 
-const kHeight = 64, kMargin = 6, kInks = 6, kMostPlots = 40;
+const kHeight = 64, kMargin = 6, kInks = 6;
+/** Milliseconds between two changes of the texts while the scene plays. */
+const kTextPause = 100;
 
 function numberText(x: number): string {
   return Number.isInteger(x) ? String(x) : x.toPrecision(6).replace(/\.?0+($|e)/, "$1");
 }
 
+function make<K extends keyof HTMLElementTagNameMap>(tag: K, className: string, ...content: (Node | string)[]): HTMLElementTagNameMap[K] {
+  const element = document.createElement(tag);
+  element.className = className;
+  element.append(...content);
+  return element;
+}
+
 interface Plot {
   value: number;
-  figure: HTMLElement;
   canvas: HTMLCanvasElement;
-  current: HTMLElement;
+  pen: CanvasRenderingContext2D;
+  output: HTMLElement;
+  /** The frame that is written when it is not the shown one, and the number of each part. */
+  at: HTMLElement;
+  numbers: HTMLElement[];
   low: number;
   high: number;
+  hovered: number | null;
+  isVisible: boolean;
+  isDrawn: boolean;
 }
 
 export class Plots {
@@ -24,31 +39,47 @@ export class Plots {
 
   /** Per value, frame by frame from the first: its parts. */
   private samples: Float64Array[][] = [];
-  private plots: Plot[] = [];
+  private readonly plots: Plot[];
+  private readonly cursor = make("i", "cursor");
   private frame = 0;
+  private writtenAt = -Infinity;
+  private isWritten = false;
   private pending = 0;
+  private isDragging = false;
 
   constructor(private readonly host: HTMLElement, private readonly runtime: Runtime, private scene: Scene,
               private readonly first: number, private readonly last: number) {
-    runtime.values.slice(0, kMostPlots).forEach((_, i) => this.plots.push(this.makePlot(i)));
-    new ResizeObserver(() => this.draw()).observe(host);
+    this.plots = runtime.values.map((_, i) => this.makePlot(i));
+    host.append(this.cursor);
+    this.cursor.hidden = this.plots.length === 0;
+    const seen = new IntersectionObserver((entries) => {
+      for (const entry of entries) this.plots.find((plot) => plot.canvas === entry.target)!.isVisible = entry.isIntersecting;
+      this.isWritten = false;
+      this.drawVisible();
+    }, { rootMargin: "200px" });
+    for (const plot of this.plots) seen.observe(plot.canvas);
+    new ResizeObserver(() => this.redraw()).observe(host);
   }
 
   private makePlot(value: number): Plot {
     const facts = this.runtime.values[value]!;
-    const figure = document.createElement("figure");
-    const caption = document.createElement("figcaption");
-    const name = document.createElement("b");
-    name.textContent = facts.name;
-    const current = document.createElement("output");
-    current.setAttribute("aria-label", `${facts.name} at the frame`);
-    caption.append(name, current);
-    const canvas = document.createElement("canvas");
+    const numbers = facts.parts.map(() => make("span", "number"));
+    const parts = numbers.map((number, i) => {
+      const part = make("span", "part", facts.parts[i]! === "" ? "" : make("b", "", facts.parts[i]!), " ", number);
+      part.style.setProperty("--ink", `var(--ink${i % kInks})`);
+      return part;
+    });
+    const at = make("span", "at");
+    const output = make("output", facts.color ? "color" : "", at, ...parts);
+    output.setAttribute("aria-label", `${facts.name} at the frame`);
+    output.setAttribute("aria-live", "off");
+    const canvas = make("canvas", "");
     canvas.setAttribute("role", "img");
     canvas.setAttribute("aria-label", `${facts.name} over the frames`);
-    figure.append(caption, canvas);
-    this.host.append(figure);
-    const plot = { value, figure, canvas, current, low: 0, high: 1 };
+    this.host.append(make("figure", "", make("figcaption", "", make("b", "", facts.name), output), canvas));
+    // A canvas that is read often is drawn by the processor: without a graphics card that is faster.
+    const pen = canvas.getContext("2d", { willReadFrequently: true })!;
+    const plot = { value, canvas, pen, output, at, numbers, low: 0, high: 1, hovered: null, isVisible: false, isDrawn: false };
     this.addPointer(plot);
     return plot;
   }
@@ -70,19 +101,24 @@ export class Plots {
     }
     restore();
     this.samples = samples;
-    for (const plot of this.plots) this.fit(plot);
-    this.draw();
+    if (!this.isDragging) this.fitAll();
+    this.redraw();
   }
 
-  private fit(plot: Plot): void {
-    const all = this.samples[plot.value]!.flatMap((parts) => Array.from(parts)).filter(Number.isFinite);
-    let low = Infinity, high = -Infinity;
-    for (const x of all) {
-      low = Math.min(low, x);
-      high = Math.max(high, x);
+  /** Gives every plot the range of its samples. Not during a drag: a key would run away. */
+  private fitAll(): void {
+    for (const plot of this.plots) {
+      let low = Infinity, high = -Infinity;
+      for (const parts of this.samples[plot.value] ?? []) {
+        for (const x of parts) {
+          if (!Number.isFinite(x)) continue;
+          low = Math.min(low, x);
+          high = Math.max(high, x);
+        }
+      }
+      [plot.low, plot.high] = low < high ? [low, high] : [low - 1, low + 1];
+      if (!Number.isFinite(plot.low)) [plot.low, plot.high] = [0, 1];
     }
-    [plot.low, plot.high] = low < high ? [low, high] : [low - 1, low + 1];
-    if (!Number.isFinite(plot.low)) [plot.low, plot.high] = [0, 1];
   }
 
   private x(plot: Plot, frame: number): number {
@@ -95,51 +131,65 @@ export class Plots {
 
   show(frame: number): void {
     this.frame = frame;
+    this.isWritten = false;
+    const plot = this.plots[0];
+    if (plot) this.cursor.style.transform = `translateX(${this.x(plot, frame).toFixed(1)}px)`;
+  }
+
+  /** Writes the values at the frame, not more often than can be read. */
+  write(now: number): void {
+    if (this.isWritten || now - this.writtenAt < kTextPause) return;
+    this.isWritten = true;
+    this.writtenAt = now;
     const samples = this.runtime.samples();
-    for (const plot of this.plots) this.write(plot, frame, samples[plot.value]!);
-    this.draw();
+    for (const plot of this.plots) {
+      if (plot.isVisible && plot.hovered === null) this.writeParts(plot, "", samples[plot.value]!);
+    }
   }
 
-  private write(plot: Plot, frame: number, parts: Float64Array): void {
+  private writeParts(plot: Plot, at: string, parts: Float64Array): void {
     const facts = this.runtime.values[plot.value]!;
-    const text = facts.date
-      ? dateText(parts[0] ?? 0)
-      : facts.parts.map((name, i) => `${name === "" ? "" : name + " "}${numberText(parts[i] ?? 0)}`).join("  ");
-    plot.current.textContent = frame === this.frame ? text : `frame ${frame}: ${text}`;
-    plot.current.style.setProperty("--swatch", facts.color ? `rgb(${parts[0]} ${parts[1]} ${parts[2]})` : "transparent");
-    plot.current.classList.toggle("color", facts.color);
+    plot.at.textContent = at;
+    plot.numbers.forEach((number, i) => {
+      number.textContent = facts.date ? dateText(parts[i] ?? 0) : numberText(parts[i] ?? 0);
+    });
+    if (facts.color) plot.output.style.setProperty("--swatch", `rgb(${parts[0]} ${parts[1]} ${parts[2]})`);
   }
 
-  private draw(): void {
-    for (const plot of this.plots) this.drawPlot(plot);
+  /** Draws all plots anew, those out of sight when they come into it. */
+  redraw(): void {
+    for (const plot of this.plots) plot.isDrawn = false;
+    this.drawVisible();
+    this.show(this.frame);
   }
 
-  private drawPlot(plot: Plot): void {
-    const { canvas } = plot;
+  private drawVisible(): void {
+    const style = getComputedStyle(document.documentElement);
+    for (const plot of this.plots) {
+      if (plot.isVisible && !plot.isDrawn) this.draw(plot, style);
+    }
+  }
+
+  private draw(plot: Plot, style: CSSStyleDeclaration): void {
+    const { canvas, pen } = plot;
     const width = canvas.clientWidth, ratio = devicePixelRatio;
     if (width === 0) return;
-    if (canvas.width !== Math.round(width * ratio)) {
-      canvas.width = Math.round(width * ratio);
-      canvas.height = kHeight * ratio;
-    }
-    const pen = canvas.getContext("2d")!;
-    const style = getComputedStyle(document.documentElement);
+    plot.isDrawn = true;
+    canvas.width = Math.round(width * ratio);
+    canvas.height = Math.round(kHeight * ratio);
     pen.setTransform(ratio, 0, 0, ratio, 0, 0);
-    pen.clearRect(0, 0, width, kHeight);
     const samples = this.samples[plot.value];
-    if (samples) this.drawCurves(plot, pen, style, samples);
+    if (samples) this.drawCurves(plot, style, samples);
+    pen.fillStyle = style.getPropertyValue("--text");
     this.scene.values?.[plot.value]?.keys.forEach((key) => {
-      pen.fillStyle = style.getPropertyValue("--text");
       pen.beginPath();
       pen.arc(this.x(plot, key.frame), this.keyY(plot, key.frame), 3.5, 0, 7);
       pen.fill();
     });
-    pen.fillStyle = style.getPropertyValue("--accent");
-    pen.fillRect(this.x(plot, this.frame) - 0.75, 0, 1.5, kHeight);
   }
 
-  private drawCurves(plot: Plot, pen: CanvasRenderingContext2D, style: CSSStyleDeclaration,
-                     samples: Float64Array[]): void {
+  private drawCurves(plot: Plot, style: CSSStyleDeclaration, samples: Float64Array[]): void {
+    const { pen } = plot;
     const facts = this.runtime.values[plot.value]!;
     if (facts.color) {
       samples.forEach((c, i) => {
@@ -168,37 +218,46 @@ export class Plots {
     return Math.min(Math.max(frame, this.first), this.last);
   }
 
+  private keyAt(plot: Plot, event: PointerEvent): number {
+    const keys = this.scene.values?.[plot.value]?.keys ?? [];
+    return keys.findIndex((key) =>
+      Math.hypot(this.x(plot, key.frame) - event.offsetX, this.keyY(plot, key.frame) - event.offsetY) < 9);
+  }
+
   private addPointer(plot: Plot): void {
+    const { canvas } = plot;
     let dragged = -1;
-    const keyAt = (event: PointerEvent): number => {
-      const keys = this.scene.values?.[plot.value]?.keys ?? [];
-      return keys.findIndex((key) =>
-        Math.hypot(this.x(plot, key.frame) - event.offsetX, this.keyY(plot, key.frame) - event.offsetY) < 9);
-    };
-    plot.canvas.addEventListener("pointerdown", (event) => {
-      dragged = keyAt(event);
-      if (dragged >= 0) plot.canvas.setPointerCapture(event.pointerId);
+    canvas.addEventListener("pointerdown", (event) => {
+      dragged = this.keyAt(plot, event);
+      this.isDragging = dragged >= 0;
+      if (this.isDragging) canvas.setPointerCapture(event.pointerId);
     });
-    plot.canvas.addEventListener("pointermove", (event) => {
+    canvas.addEventListener("pointermove", (event) => {
       const frame = this.frameAt(plot, event);
       if (dragged >= 0) {
         const part = (kHeight - kMargin - event.offsetY) / (kHeight - 2 * kMargin);
-        const isNumber = this.runtime.values[plot.value]!.parts.length === 1;
+        const isNumber = plot.numbers.length === 1;
         this.onKeyDrag(plot.value, dragged, frame, isNumber ? plot.low + part * (plot.high - plot.low) : null);
         return;
       }
-      plot.canvas.style.cursor = keyAt(event) >= 0 ? "grab" : "";
+      canvas.style.cursor = this.keyAt(plot, event) >= 0 ? "grab" : "";
       const parts = this.samples[plot.value]?.[frame - this.first];
-      if (parts) this.write(plot, frame, parts);
+      plot.hovered = parts ? frame : null;
+      if (parts) this.writeParts(plot, `frame ${frame}: `, parts);
     });
     const end = (): void => {
-      if (dragged >= 0) this.onKeyDragEnd();
+      if (dragged < 0) return;
       dragged = -1;
+      this.isDragging = false;
+      this.fitAll();
+      this.redraw();
+      this.onKeyDragEnd();
     };
-    plot.canvas.addEventListener("pointerup", end);
-    plot.canvas.addEventListener("pointercancel", end);
-    plot.canvas.addEventListener("pointerleave", () => {
-      if (dragged < 0) this.show(this.frame);
+    canvas.addEventListener("pointerup", end);
+    canvas.addEventListener("pointercancel", end);
+    canvas.addEventListener("pointerleave", () => {
+      plot.hovered = null;
+      this.isWritten = false;
     });
   }
 }

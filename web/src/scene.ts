@@ -60,6 +60,8 @@ export interface PageData {
   scene: Scene;
   first: number;
   last: number;
+  /** Two opposite corners, or nothing where there is no mesh. */
+  extent: Triple[];
   results: Results;
   files: Record<string, string>;
   materials: Record<string, ({ color: Triple; texture: string } | null)[]>;

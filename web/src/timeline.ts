@@ -1,6 +1,8 @@
 // The time line: which frame is shown, and how it goes on.
 
 const kSpeeds = [0.1, 0.25, 0.5, 1, 2, 4];
+/** Milliseconds between two changes of the number while the scene plays. */
+const kTextPause = 100;
 
 function element<T extends HTMLElement>(id: string): T {
   return document.getElementById(id) as T;
@@ -20,6 +22,7 @@ export class Timeline {
   private readonly marks = element("marks");
   private position: number;
   private last: number | null = null;
+  private writtenAt = 0;
 
   constructor(readonly firstFrame: number, readonly lastFrame: number, private readonly framesPerSecond: number) {
     this.frame = this.position = firstFrame;
@@ -61,6 +64,7 @@ export class Timeline {
     if (isPlaying && this.frame >= this.lastFrame) this.show(this.firstFrame);
     this.isPlaying = isPlaying;
     this.last = null;
+    this.write(this.frame);
     this.play.textContent = isPlaying ? "Pause" : "Play";
     this.play.setAttribute("aria-pressed", String(isPlaying));
   }
@@ -89,11 +93,16 @@ export class Timeline {
 
   private move(): void {
     const frame = Math.floor(this.position);
-    this.slider.valueAsNumber = frame;
-    if (document.activeElement !== this.number || !this.isPlaying) this.number.valueAsNumber = frame;
+    if (!this.isPlaying || performance.now() - this.writtenAt > kTextPause) this.write(frame);
     if (frame === this.frame) return;
     this.frame = frame;
     this.onFrame(frame);
+  }
+
+  private write(frame: number): void {
+    this.writtenAt = performance.now();
+    this.slider.valueAsNumber = frame;
+    if (document.activeElement !== this.number || !this.isPlaying) this.number.valueAsNumber = frame;
   }
 
   markKeys(frames: Iterable<number>): void {

@@ -13,8 +13,3 @@ declare module "vexa-module" {
   const create: (options: { wasmBinary: Uint8Array; printErr(text: string): void; print(text: string): void }) => Promise<VexaModule>;
   export default create;
 }
-
-declare module "vexa-module.wasm" {
-  const bytes: Uint8Array;
-  export default bytes;
-}
