@@ -331,6 +331,11 @@ export class Drawing {
     }
   }
 
+  /** Whether the picture is drawn with all care. */
+  get isAtRest(): boolean {
+    return this.shown === 0 && !this.isDirty;
+  }
+
   private render(level: number): void {
     const quality = kQualities[level]!;
     if (level !== this.shown) this.apply(quality);
@@ -375,7 +380,7 @@ export class Drawing {
   private placeNames(): void {
     const p = new THREE.Vector3();
     for (const { body, element } of this.names) {
-      p.set(0, 0, body.look.top).applyMatrix4(body.mesh.matrix).project(this.camera);
+      p.set(0, 0, body.look.top + 0.15 * body.look.radius).applyMatrix4(body.mesh.matrix).project(this.camera);
       const x = (p.x + 1) / 2 * this.overlay.clientWidth, y = (1 - p.y) / 2 * this.overlay.clientHeight;
       element.style.transform = `translate(${x.toFixed(1)}px, ${y.toFixed(1)}px) translate(-50%, -100%)`;
       element.hidden = p.z > 1;

@@ -63,6 +63,7 @@ export class Editing {
       return true;
     } catch (error) {
       this.scene = before;
+      this.build();
       this.report(`${this.name}: ${(error as Error).message}`);
       return false;
     }
@@ -93,6 +94,8 @@ export class Editing {
 
   /** Makes the fields anew, keeping open what is open and focused what is focused. */
   build(): void {
+    const fields = (): HTMLElement[] => [...this.host.querySelectorAll<HTMLElement>("summary, input, select")];
+    const focused = fields().indexOf(document.activeElement as HTMLElement);
     const open = new Set([...this.host.querySelectorAll("details[open] > summary")].map((s) => s.textContent));
     this.host.replaceChildren(
       ...(this.scene.values ?? []).map((value, i) => this.valueSection(value, i)),
@@ -101,13 +104,18 @@ export class Editing {
     for (const summary of this.host.querySelectorAll("summary")) {
       if (open.has(summary.textContent)) (summary.parentElement as HTMLDetailsElement).open = true;
     }
+    if (focused >= 0) fields()[focused]?.focus();
   }
 
   private valueSection(value: SceneValue, v: number): HTMLElement {
     const cyclic = input("checkbox", "", () => this.change((s) => (s.values![v]!.cyclic = cyclic.checked)));
     cyclic.checked = value.cyclic ?? false;
     const rows = value.keys.map((key, k) => this.keyRow(value, key, v, k));
-    return section(`value ${value.name}`, field("cyclic", cyclic), ...rows);
+    const passes = input("number", String(value.repeat ?? 0), (t) => this.change((s) => (s.values![v]!.repeat = Number(t))));
+    const row = document.createElement("div");
+    row.className = "row";
+    row.append(field("cyclic", cyclic), field("passes", passes));
+    return section(`value ${value.name}`, row, ...rows);
   }
 
   private keyRow(value: SceneValue, key: SceneKey, v: number, k: number): HTMLElement {

@@ -3,9 +3,11 @@ import { chromium } from "playwright-core";
 
 // Milliseconds, for a machine that does much else.
 export const kPatience = 300_000;
+// No flag chooses how pictures are drawn: without a graphics card Chromium draws them by software.
 const kFlags = ["--no-sandbox", "--disable-quic", "--no-first-run", "--disable-background-networking",
-  "--disable-component-update", "--disable-sync", "--use-angle=swiftshader", "--enable-unsafe-swiftshader",
-  "--ignore-gpu-blocklist"];
+  "--disable-component-update", "--disable-sync", "--enable-unsafe-swiftshader"];
+// Chromium prints this one of itself when it draws WebGL by software.
+const kOfTheBrowser = /GL Driver Message/;
 
 export function launch() {
   return chromium.launch({ executablePath: "/usr/bin/chromium", timeout: kPatience, args: kFlags });
@@ -17,7 +19,9 @@ export async function open(browser, file, options = {}) {
   context.setDefaultTimeout(kPatience);
   const page = await context.newPage();
   const noise = [];
-  page.on("console", (message) => noise.push(`console: ${message.text()}`));
+  page.on("console", (message) => {
+    if (!kOfTheBrowser.test(message.text())) noise.push(`console: ${message.text()}`);
+  });
   page.on("pageerror", (error) => noise.push(`error: ${error.message}`));
   page.on("request", (request) => {
     if (request.url() !== `file://${file}` && !/^(data|blob):/.test(request.url())) noise.push(`request: ${request.url()}`);
@@ -29,4 +33,9 @@ export async function open(browser, file, options = {}) {
 /** Waits until the page has compared its results, which it does last. */
 export async function ready(page) {
   await page.waitForFunction(() => window.vexaPage !== undefined || !document.getElementById("error").hidden, null, { timeout: kPatience });
+}
+
+/** Waits until nothing moves any more and the picture is drawn with all care. */
+export async function rest(page) {
+  await page.waitForFunction(() => window.vexaPage.drawing.isAtRest, null, { timeout: kPatience });
 }

@@ -5,7 +5,8 @@ import { mkdirSync, mkdtempSync, readFileSync, rmSync, statSync, writeFileSync }
 import { tmpdir } from "node:os";
 import { join } from "node:path";
 import { after, before, test } from "node:test";
-import { launch, open, ready } from "./browser.mjs";
+import { isDeepStrictEqual } from "node:util";
+import { launch, open, ready, rest } from "./browser.mjs";
 
 const kModel = "/usr/share/assimp/models/X/Testwuson.X";
 const root = new URL("../../", import.meta.url).pathname;
@@ -102,11 +103,13 @@ test("scrubbing and playing move the picture, the far corner stays", async () =>
   const box = await page.locator("#stage").boundingBox();
   const middle = { x: box.x + 0.25 * box.width, y: box.y + 0.3 * box.height, width: box.width / 2, height: box.height / 2 };
   const corner = { x: box.x + 4, y: box.y + 4, width: 60, height: 30 };
-  const picture = async (clip) => (await page.screenshot({ clip })).toString("base64");
+  const picture = async (clip) => {
+    await rest(page);
+    return (await page.screenshot({ clip })).toString("base64");
+  };
   const [m0, c0] = [await picture(middle), await picture(corner)];
   await page.locator("#time").focus();
   await page.keyboard.press("End");
-  await page.waitForTimeout(300);
   assert.equal(await page.locator("#frame").inputValue(), "540");
   assert.notEqual(await picture(middle), m0);
   assert.equal(await picture(corner), c0);
@@ -122,33 +125,83 @@ test("scrubbing and playing move the picture, the far corner stays", async () =>
   await page.context().close();
 });
 
-test("a dragged control point changes the walk, and the download gives it in vexa run", async () => {
-  const { page, noise } = await open(browser, pageOf(kScene, "bison"));
-  await ready(page);
-  const frames = [100, 300, 540];
-  const before = await shown(page, frames);
-  const [x, y] = await page.evaluate(() => window.vexaPage.drawing.handlePosition(2));
-  await page.mouse.move(x, y);
-  await page.mouse.down();
-  await page.mouse.move(x + 60, y - 20, { steps: 6 });
-  await page.mouse.up();
-  const edited = await shown(page, frames);
-  assert.notDeepEqual(edited[1].points, before[1].points);
-  // A key by its field: the sky is at its brightest earlier.
-  await page.getByText("value sky").click();
-  const field = page.locator("details[open] input[type=number]").nth(1);
-  await field.fill("150");
-  await field.press("Tab");
-  const now = await shown(page, frames);
-  assert.notEqual(now[0].values["sky.r"], edited[0].values["sky.r"]);
+const kFrames = [100, 300, 500];
+
+/** The download of the page's scene, played by vexa run: the values and points that the page has, too. */
+async function agreesWithItsDownload(page) {
+  const now = await shown(page, kFrames);
   const [download] = await Promise.all([page.waitForEvent("download"), page.locator("#download").click()]);
   await download.saveAs(join(folder, "edited.json"));
-  for (const row of run("edited.json", "100:540:20").filter((each) => frames.includes(each.frame))) {
-    const here = now[frames.indexOf(row.frame)];
-    assert.equal(here.values.walk, row.values.walk);
-    for (const name of ["sky.r", "camera.x"]) assert.ok(Math.abs(here.values[name] - row.values[name]) <= 5e-6);
-    row.points.forEach((p, k) => assert.ok(Math.abs(p - here.points[k]) <= 5e-6));
-  }
+  run("edited.json", "100:500:200").forEach((row, i) => {
+    assert.equal(now[i].values.walk, row.values.walk);
+    for (const name of ["sky.r", "camera.x"]) assert.ok(Math.abs(now[i].values[name] - row.values[name]) <= 5e-6, name);
+    row.points.forEach((p, k) => assert.ok(Math.abs(p - now[i].points[k]) <= 5e-6));
+  });
+  return now;
+}
+
+async function drag(page, x, y, dx, dy) {
+  await page.mouse.move(x, y);
+  await page.mouse.down();
+  await page.mouse.move(x + dx, y + dy, { steps: 6 });
+  await page.mouse.up();
+}
+
+test("dragging a control point or a key changes the results, and the download gives them in vexa run", async () => {
+  const { page, noise } = await open(browser, pageOf(kScene, "bison"));
+  await ready(page);
+  const before = await shown(page, kFrames);
+  await drag(page, ...(await page.evaluate(() => window.vexaPage.drawing.paths.handlePosition(2))), 60, -20);
+  const bent = await agreesWithItsDownload(page);
+  assert.notDeepEqual(bent[1].points, before[1].points);
+  const plot = page.getByLabel("sky over the frames");
+  await plot.scrollIntoViewIfNeeded();
+  const box = await plot.boundingBox();
+  await drag(page, box.x + 7 + (200 / 540) * (box.width - 14), box.y + 53, -60, 0);
+  assert.ok(await page.evaluate(() => window.vexaPage.editing.scene.values[1].keys[1].frame) < 190);
+  assert.notEqual((await agreesWithItsDownload(page))[0].values["sky.r"], bent[0].values["sky.r"]);
+  assert.equal(await page.locator("#exactness").getAttribute("data-state"), "edited");
+  assert.deepEqual(noise, []);
+  await page.context().close();
+});
+
+test("every field changes the results, by keyboard alone, and the download gives them in vexa run", async () => {
+  const scene = structuredClone(kScene);
+  vexa("import", kModel, "--clip", "Wuson_Walk", "--clip", "Wuson_Run", "--travel", "0,-1.3", "--out", "pair");
+  Object.assign(scene.objects[0], JSON.parse(readFileSync(join(folder, "pair.json"), "utf8")).objects[0], { name: "bison" });
+  scene.values[1].keys[2].frame = 450;
+  const { page, noise } = await open(browser, pageOf(scene, "fields"));
+  await ready(page);
+  let last = await shown(page, kFrames);
+  const unfold = async (section) => {
+    await page.locator("summary", { hasText: section }).focus();
+    await page.keyboard.press("Enter");
+  };
+  const changes = async (section, label, nth, act) => {
+    const field = page.locator("details", { hasText: section }).getByLabel(label, { exact: true }).nth(nth);
+    await field.focus();
+    await act(field);
+    const now = await agreesWithItsDownload(page);
+    assert.ok(!isDeepStrictEqual(now, last), `${section}, ${label}`);
+    last = now;
+  };
+  const type = (text) => async (field) => {
+    await field.press("Control+a");
+    await page.keyboard.type(text);
+    await page.keyboard.press("Tab");
+  };
+  await unfold("value sky");
+  await page.locator("details", { hasText: "value sky" }).getByLabel("passes").fill("2");
+  await changes("value sky", "cyclic", 0, () => page.keyboard.press(" "));
+  await changes("value sky", "frame", 1, type("150"));
+  await changes("value sky", "value", 1, type("10, 20, 30, 255"));
+  await changes("value sky", "curve", 0, () => page.keyboard.press("l"));
+  await unfold("instance bison");
+  await changes("instance bison", "start offset", 0, type("7"));
+  await changes("instance bison", "take", 0, () => page.keyboard.press("ArrowDown"));
+  await unfold("path track");
+  await changes("path track", "2 position x", 0, type("4.5"));
+  assert.equal(await page.getByRole("alert").count(), 0);
   assert.deepEqual(noise, []);
   await page.context().close();
 });
@@ -164,6 +217,12 @@ test("what the runtime refuses is shown as text, and undone when it was an edit"
   await page.evaluate(() => window.vexaPage.editing.change((scene) => (scene.values[0].keys = [])));
   assert.match(await page.getByRole("alert").innerText(), /bison.json: value "walk": has no key/);
   assert.equal(await page.evaluate(() => window.vexaPage.editing.scene.values[0].keys.length), 2);
+  await page.locator("summary", { hasText: "value walk" }).click();
+  const field = page.locator("details[open]").getByLabel("value").first();
+  await field.fill("no number");
+  await field.press("Enter");
+  assert.match(await page.getByRole("alert").innerText(), /values.0.keys.0.value/);
+  assert.equal(await field.inputValue(), "0");
   await Promise.all([first.page.context().close(), page.context().close()]);
 });
 
@@ -186,7 +245,7 @@ for (const [name, width, colorScheme] of [["wide_light", 1280, "light"], ["wide_
       .filter((each) => !each.labels?.length && !each.getAttribute("aria-label") && !each.textContent.trim()).length);
     assert.equal(unnamed, 0);
     await page.evaluate(() => window.vexaPage.timeline.show(250));
-    await page.waitForTimeout(400);
+    await rest(page);
     if (pictures) {
       mkdirSync(pictures, { recursive: true });
       await page.screenshot({ path: join(pictures, `page_${name}.png`) });
@@ -212,27 +271,37 @@ function herd() {
   return scene;
 }
 
-// How many frames a second a machine draws is no fault of the page: the figures are printed.
+// How fast a machine draws is no fault of the page, so the limits are far below what is printed.
 for (const [name, scene] of [["one walker", kScene], ["a hundred walkers", herd()]]) {
   test(`${name} play`, async (context) => {
     const file = pageOf(scene, "speed");
     const { page, noise } = await open(browser, file);
     await ready(page);
-    const alerts = await page.getByRole("alert").count();
-    assert.equal(alerts > 0 ? await page.locator("#error").innerText() : "", "");
-    await page.evaluate(() => window.vexaPage.timeline.setPlaying(true));
-    const count = () => page.evaluate(() => new Promise((done) => {
-      let frames = 0;
-      const start = performance.now();
-      const step = (now) => (now - start < 3000 ? (++frames, requestAnimationFrame(step)) : done(frames / 3));
-      requestAnimationFrame(step);
-    }));
-    await count();
-    const perSecond = await count();
+    assert.equal(await page.getByRole("alert").count(), 0);
+    const play = async (speed) => {
+      await page.locator("#speed").selectOption(speed);
+      await page.evaluate(() => window.vexaPage.timeline.setPlaying(true));
+      await page.waitForTimeout(3000);
+      return page.evaluate(() => new Promise((done) => {
+        let frames = 0, pictures = 0, last = -1;
+        const start = performance.now();
+        const step = (now) => {
+          if (now - start >= 3000) return done({ frames: frames / 3, pictures: pictures / 3 });
+          ++frames;
+          if (window.vexaPage.timeline.frame !== last) ++pictures;
+          last = window.vexaPage.timeline.frame;
+          requestAnimationFrame(step);
+        };
+        requestAnimationFrame(step);
+      }));
+    };
+    const [normal, fast] = [await play("1"), await play("4")];
     const first = await page.evaluate(() => performance.getEntriesByName("first picture")[0].startTime);
-    context.diagnostic(`${name}: ${perSecond.toFixed(0)} frames a second, first picture after ${first.toFixed(0)} ms, ` +
+    context.diagnostic(`${name}: ${normal.frames.toFixed(0)} frames a second with ${normal.pictures.toFixed(0)} pictures of a scene ` +
+      `that has 30, ${fast.pictures.toFixed(0)} pictures of one that has 120; first picture after ${first.toFixed(0)} ms, ` +
       `${(statSync(file).size / 1e6).toFixed(2)} MB`);
-    assert.ok(perSecond > 5);
+    assert.ok(normal.frames > 10);
+    assert.ok(first < 20_000);
     assert.deepEqual(noise, []);
     await page.context().close();
   });
