@@ -28,6 +28,7 @@ class VEXA_EXPORT CBaseThreadData {
   pthread_key_t mKey = pthread_key_t(-1);
 };
 
+// NOLINTBEGIN(bugprone-sizeof-expression): where T is a pointer, its own size is meant.
 /// A value of type T per thread: a plain value no larger than a pointer, all zero until set.
 template <class T>
 class TThreadData : private CBaseThreadData {
@@ -48,5 +49,6 @@ class TThreadData : private CBaseThreadData {
     CBaseThreadData::SetValue(stored);
   }
 };
+// NOLINTEND(bugprone-sizeof-expression)
 
 }  // namespace Norvel

@@ -60,7 +60,7 @@ void IfFalse(bool condition, const char* format, ...) {
   if (condition) return;
   va_list args;
   va_start(args, format);
-  const EndOfArguments end{args};
+  [[maybe_unused]] const EndOfArguments end{args};
   SignalFalse(format, args);
 }
 
@@ -68,7 +68,7 @@ void IfNULL(const void* pointer, const char* format, ...) {
   if (pointer != nullptr) return;
   va_list args;
   va_start(args, format);
-  const EndOfArguments end{args};
+  [[maybe_unused]] const EndOfArguments end{args};
   SignalNULL(format, args);
 }
 
