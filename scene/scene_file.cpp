@@ -97,8 +97,8 @@ class SceneReader {
   // The page sends each edit as a whole scene. It cannot change meshes, so reading them is skipped.
   enum class Meshes { kRead, kSkip };
 
-  SceneReader(const formats::JsonValue& document, std::filesystem::path folder, Meshes meshes)
-      : mDocument(document), mFolder(std::move(folder)), mMeshes(meshes) {}
+  SceneReader(formats::JsonValue document, std::filesystem::path folder, Meshes meshes)
+      : mDocument(std::move(document)), mFolder(std::move(folder)), mMeshes(meshes) {}
 
   Scene read() {
     // The order is that of the references: values name instances and paths, instances name objects.
