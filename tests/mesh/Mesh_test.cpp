@@ -21,3 +21,16 @@ TEST(Mesh, ANewOneIsEmptyAndDatedNow) {
   const Mesh sharing = mesh;
   EXPECT_TRUE(sharing.GetMainMesh() == &mesh && sharing.GetStaticMesh()) << "data is shared";
 }
+
+// Both zeros are the least x: the one of the later corner counts, not that of the later vertex.
+TEST(Mesh, ABoxGoesByTheOrderOfCorners) {
+  Mesh mesh;
+  {
+    Mesh::Editor editor(mesh, false);
+    for (const auto& p : {Mesh::Position(-0.0f, 1, 1), Mesh::Position(0, 2, 1), {1, 1, 2}}) {
+      editor.AddVertex(p);
+    }
+    editor.AddTriangle({1, 0, 2}, 7);
+  }
+  EXPECT_TRUE(same(mesh.GetMaterialAABB(7), {{-0.0f, 1, 1}, {1, 2, 2}, true}));
+}
