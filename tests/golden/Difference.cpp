@@ -32,10 +32,12 @@ double unitOf(double x, int digits, int lowest) {
 double unitsApart(const std::string& a, const std::string& b, double size) {
   if (a.empty() || b.empty() || (!mayBeReal(a) && !mayBeReal(b))) return HUGE_VAL;
   char *aEnd, *bEnd;
-  const double x = std::strtod(a.c_str(), &aEnd), y = std::strtod(b.c_str(), &bEnd);
+  double x = std::strtod(a.c_str(), &aEnd), y = std::strtod(b.c_str(), &bEnd);
   const std::string rest = aEnd;
   if ((!rest.empty() && rest != "f") || rest != bEnd) return HUGE_VAL;
   if (!std::isfinite(x) || !std::isfinite(y)) return HUGE_VAL;
+  // Nine digits are not the float itself, but the nearest one is.
+  if (rest == "f") x = double(float(x)), y = double(float(y));
   const double largest = std::max({std::fabs(x), std::fabs(y), size});
   const double unit = rest == "f" ? unitOf(largest, FLT_MANT_DIG, FLT_MIN_EXP - FLT_MANT_DIG)
                                   : unitOf(largest, DBL_MANT_DIG, DBL_MIN_EXP - DBL_MANT_DIG);
