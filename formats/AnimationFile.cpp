@@ -6,9 +6,9 @@
 #include <stdexcept>
 #include <utility>
 
+#include "formats/TemporaryFile.h"
 #include "formats/little_endian.h"
 #include "formats/read_file.h"
-#include "formats/write_file.h"
 
 namespace vexa::formats {
 namespace {
@@ -144,23 +144,42 @@ AnimationFile::Node getNode(Reader& ioReader, std::uint64_t matrices) {
 
 }  // namespace
 
-std::string encodeAnimationFile(const AnimationFile& file) {
+namespace {
+
+// Gives the bytes to `put` piece by piece, so that only one node is in memory twice. Matrices are
+// counted before the first piece.
+template <class Put>
+void encode(const AnimationFile& file, Put put) {
   const std::uint64_t matrices = matricesPerNode(file.mFrameCounts);
-  Writer writer;
-  writer.put(kVersion);
-  writer.putCount(file.mFrameCounts.size(), "takes");
-  writer.put(file.mGlobal);
-  for (const std::uint32_t frames : file.mFrameCounts) writer.put(frames);
-  writer.putCount(file.mNodes.size(), "nodes");
   for (std::size_t n = 0; n < file.mNodes.size(); ++n) {
     checkMatrices(n, file.mNodes[n].mMatrices.size(), matrices);
-    putNode(writer, file.mNodes[n]);
   }
-  return writer.take();
+  Writer header;
+  header.put(kVersion);
+  header.putCount(file.mFrameCounts.size(), "takes");
+  header.put(file.mGlobal);
+  for (const std::uint32_t frames : file.mFrameCounts) header.put(frames);
+  header.putCount(file.mNodes.size(), "nodes");
+  put(header.take());
+  for (const AnimationFile::Node& node : file.mNodes) {
+    Writer writer;
+    putNode(writer, node);
+    put(writer.take());
+  }
+}
+
+}  // namespace
+
+std::string encodeAnimationFile(const AnimationFile& file) {
+  std::string bytes;
+  encode(file, [&bytes](const std::string& piece) { bytes += piece; });
+  return bytes;
 }
 
 void writeAnimationFile(const AnimationFile& file, const std::string& path) {
-  writeFile(path, encodeAnimationFile(file));
+  TemporaryFile target(path);
+  encode(file, [&target](const std::string& piece) { target.file().write(piece); });
+  target.commit();
 }
 
 namespace {
