@@ -113,7 +113,8 @@ class ImportWriter {
         mTarget(target.parent_path()),
         mFolder(mTarget.string()) {}
 
-  ImportFiles write(const std::string& stem, const ImportProgress& progress) {
+  // Errors name a file where it was to be.
+  ImportFiles write(const std::string& stem, const ImportProgress& progress) try {
     requireUtf8(mModel, mName);
     const std::string animation = add(mName + ".amo"), mesh = add(mName + ".obj");
     formats::writeAnimationFile(mModel.mAnimation, animation);
@@ -126,6 +127,8 @@ class ImportWriter {
     mFolder.publish();
     for (const std::string& each : mNames) result.mFiles.push_back(mFolder.finalPath(each));
     return result;
+  } catch (const std::runtime_error& error) {
+    throw std::runtime_error(mFolder.inFinalPaths(error.what()));
   }
 
  private:

@@ -309,30 +309,34 @@ std::vector<std::string> mergeParts(
     folders.push_back({placed.mFolder, placed.mPart.frames(), std::move(names)});
   }
   formats::OutputFolder target(folder);
-  std::vector<std::string> names = mergeTables(folders, target);
-  if (any.mMesh == "obj" || any.mMesh == "pc2") {
-    const float step = any.mFrames.size() < 2 ? 1 : float(any.mFrames[1] - any.mFrames[0]);
-    const auto more =
-        any.mMesh == "obj" ? mergeObjs(folders, target) : mergeCaches(folders, step, target);
-    names.insert(names.end(), more.begin(), more.end());
-  }
-  if (any.mMesh == "glb") {
-    // The caches have points only. Triangles, materials and names of a GLB come from the scene,
-    // which therefore must not have changed since.
-    ScenePlayer player = makePlayer(any.mScene, any.mTake);
-    if (sceneSum(any.mScene, player.scene()) != any.mSceneSum) {
-      fail(any.mScene, "is not the scene that the parts were played from");
+  try {
+    std::vector<std::string> names = mergeTables(folders, target);
+    if (any.mMesh == "obj" || any.mMesh == "pc2") {
+      const float step = any.mFrames.size() < 2 ? 1 : float(any.mFrames[1] - any.mFrames[0]);
+      const auto more =
+          any.mMesh == "obj" ? mergeObjs(folders, target) : mergeCaches(folders, step, target);
+      names.insert(names.end(), more.begin(), more.end());
     }
-    if (any.mGlb == "skin") {
-      writeSkin(SceneSkin(player, any.mFrames), player, any.mFrames, target);
-    } else {
-      mergeGlb(folders, any.mFrames, player, target);
+    if (any.mMesh == "glb") {
+      // The caches have points only. Triangles, materials and names of a GLB come from the scene,
+      // which therefore must not have changed since.
+      ScenePlayer player = makePlayer(any.mScene, any.mTake);
+      if (sceneSum(any.mScene, player.scene()) != any.mSceneSum) {
+        fail(any.mScene, "is not the scene that the parts were played from");
+      }
+      if (any.mGlb == "skin") {
+        writeSkin(SceneSkin(player, any.mFrames), player, any.mFrames, target);
+      } else {
+        mergeGlb(folders, any.mFrames, player, target);
+      }
+      names.emplace_back("scene.glb");
     }
-    names.emplace_back("scene.glb");
+    target.publish();
+    for (std::string& name : names) name = target.finalPath(name);
+    return names;
+  } catch (const std::runtime_error& error) {
+    throw std::runtime_error(target.inFinalPaths(error.what()));
   }
-  target.publish();
-  for (std::string& name : names) name = target.finalPath(name);
-  return names;
 }
 
 }  // namespace vexa::scene

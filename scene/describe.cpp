@@ -228,6 +228,18 @@ void describeInstance(const refhost::Instance& instance, Description& ioDescript
   ioDescription["faults"].add("instance \"" + instance.mName + "\" has a scale of 0");
 }
 
+/// The manager finds the first instance of a scene alone as the parent of a walker.
+void describeWalk(const refhost::Scene& scene, const refhost::Property& value,
+                  Description& ioDescription) {
+  const bool isWalk = value.mPropertyType == UxZel::kPropertyAnimatedWalk;
+  if (!isWalk || value.mInstance == refhost::kNone) return;
+  const auto& instances = scene.mInstances.mElements;
+  const refhost::Instance& walker = instances[value.mInstance];
+  if (UxZel::isNone(walker.mParent) || walker.mParent == instances[0].mIdentity.mUUID) return;
+  ioDescription["notes"].add("instance \"" + walker.mName +
+                             "\" walks beside its path: its parent is not the first instance");
+}
+
 Description describeScene(const std::string& file) {
   const refhost::Scene scene = readSceneFile(file);
   Description description = newDescription("scene");
@@ -242,6 +254,7 @@ Description describeScene(const std::string& file) {
       description["faults"].add("value \"" + property.mName + "\" has no key");
     }
     describeKeys(property, description);
+    describeWalk(scene, property, description);
   }
   for (const auto& instance : scene.mInstances.mElements) describeInstance(instance, description);
   for (const auto& definition : scene.mDefinitions) describeObject(definition, description);

@@ -185,6 +185,33 @@ class Command(unittest.TestCase):
             self.assertEqual(result.stderr, f"vexa: body.gltf: {text}\n")
         self.assertEqual(list(self.folder.glob("no*")), [])
 
+    def test_an_import_names_the_files_that_it_was_asked_for(self):
+        (self.folder / "slide.gltf").write_text(slide("node"))
+
+        def full_disk():
+            resource.setrlimit(resource.RLIMIT_FSIZE, (100, 100))
+            signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
+
+        fault = self.vexa("import", "slide.gltf", "--out", "m", expect=1, preexec_fn=full_disk)
+        self.assertRegex(fault.stderr, r"\Avexa: m\.\w+: ")
+        self.vexa("import", "slide.gltf", "--out", "m.amo")
+        self.assertTrue((self.folder / "m.json").exists() and (self.folder / "m.amo").exists())
+
+    def test_a_walker_inside_a_moved_turned_and_scaled_parent_stays_on_its_path(self):
+        (self.folder / "flag.amo").write_bytes(animation_file(5, 3, axis=0))
+        self.write_scene({
+            **SCENE,
+            "instances": [{"name": "ship", "position": [100, 50, 3], "rotationDegrees": 57,
+                           "scale": [2, 2, 2]},
+                          {"name": "red", "object": "flag", "parent": "ship", "scale": 0.1}],
+            "values": [{"name": "walk", "kind": "walk", "path": "line", "instance": "red",
+                        "keys": [{"frame": 0, "value": 0}, {"frame": 9, "value": 4}]}]})
+        self.vexa("run", "scene.json", "--frames", "0:4", "--mesh", "obj", "--out", "out")
+        for frame in range(5):
+            anchor = self.read("out/frame_%06d.obj" % frame).split(b"\n")[0].split()[1:]
+            self.assertAlmostEqual(float(anchor[1]), 0, places=4)
+            self.assertAlmostEqual(float(anchor[0]), min(frame, 3), places=4)
+
     def test_an_import_without_standard_streams_works(self):
         (self.folder / "body.gltf").write_text(slide("body"))
         subprocess.run(["sh", "-c", f"{VEXA} import body.gltf --out out <&- >&- 2>&-"],

@@ -1,5 +1,6 @@
 #include "importer/model_reader.h"
 
+#include <atomic>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -36,6 +37,23 @@ TEST(ChildProcess, ItsResultOrItsEndArriveAndItLeavesNothingBehind) {
             "it ended without a result (exit status 3)");
   EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
   EXPECT_EQ(errno, ECHILD);
+}
+
+// The child is a copy of this process at a moment when other threads allocate.
+TEST(ChildProcess, ItWorksBesideBusyThreads) {
+  std::atomic<bool> isOver{false};
+  std::vector<std::thread> threads;
+  const std::size_t wanted = importer::packModel(arm()).size();
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([&] {
+      while (!isOver) EXPECT_EQ(importer::packModel(arm()).size(), wanted);
+    });
+  }
+  for (int round = 0; round < 20; ++round) {
+    EXPECT_EQ(runInChild([] { return importer::packModel(arm()); }).size(), wanted);
+  }
+  isOver = true;
+  for (std::thread& thread : threads) thread.join();
 }
 
 TEST(ChildProcess, ItsLimitsHold) {

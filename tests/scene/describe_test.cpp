@@ -71,6 +71,23 @@ TEST(Describe, ASceneThatHidesWhatItSays) {
             R"("object \"o\": take \"t\" has 2 frames, its file has 1"])");
 }
 
+TEST(Describe, AWalkerWhoseParentIsNotFound) {
+  const vexa::tests::ScratchDirectory folder;
+  const auto notes = [&](const char* parent) {
+    const std::string file = (folder / "s.json").string();
+    vexa::formats::writeFile(file,
+                             R"({"paths": [{"name": "p", "points": [{"position": [0, 0, 0]}]}],
+      "instances": [{"name": "first"}, {"name": "second"}, {"name": "w", "parent": ")" +
+                                 std::string(parent) + R"("}],
+      "values": [{"name": "v", "kind": "walk", "path": "p", "instance": "w",
+                  "keys": [{"frame": 0, "value": 0}]}]})");
+    return describeFile(file)["notes"].dump();
+  };
+  EXPECT_EQ(notes("first"), "[]");
+  EXPECT_EQ(notes("second"),
+            R"(["instance \"w\" walks beside its path: its parent is not the first instance"])");
+}
+
 TEST(Describe, WhatCannotBeReadNamesTheFile) {
   const vexa::tests::ScratchDirectory folder;
   const std::string path = (folder / "short.amo").string();
