@@ -75,10 +75,14 @@ class SceneFiles {
   // `player` is left at the first frame.
   SceneFiles(ScenePlayer& player, const SceneOutput& output)
       : mOutput(output), mFolder(output.mFolder) {
-    player.setFrame(mOutput.mFrames[0]);
-    if (mOutput.mMeshes == SceneOutput::Meshes::kGlb && !mOutput.mIsMorphed) prepareSkin(player);
-    if (mOutput.mMeshes != SceneOutput::Meshes::kNone && !mIsSkinned) prepareMeshes(player);
-    if (mOutput.mPlots) mRecord.emplace(player, mOutput.mFrames);
+    try {
+      player.setFrame(mOutput.mFrames[0]);
+      if (mOutput.mMeshes == SceneOutput::Meshes::kGlb && !mOutput.mIsMorphed) prepareSkin(player);
+      if (mOutput.mMeshes != SceneOutput::Meshes::kNone && !mIsSkinned) prepareMeshes(player);
+      if (mOutput.mPlots) mRecord.emplace(player, mOutput.mFrames);
+    } catch (const std::runtime_error& error) {
+      throw std::runtime_error(mFolder.inFinalPaths(error.what()));
+    }
   }
 
   const std::vector<int>& frames() const { return mOutput.mFrames; }
