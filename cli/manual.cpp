@@ -3,6 +3,7 @@
 //
 // The build runs this program, so neither text can differ from what the command accepts.
 #include <cstdio>
+#include <exception>
 #include <iostream>
 #include <string>
 
@@ -94,7 +95,7 @@ void writeCompletion(const CLI::App& app) {
 
 }  // namespace
 
-int main(int argc, char** argv) {
+int main(int argc, char** argv) try {
   const std::string what = argc == 2 ? argv[1] : "";
   CLI::App app;
   vexa::cli::setUp(app);
@@ -107,4 +108,7 @@ int main(int argc, char** argv) {
     return 2;
   }
   return std::cout.flush().good() ? 0 : 1;
+} catch (const std::exception& error) {
+  std::fprintf(stderr, "vexa_manual: %s\n", error.what());
+  return 1;
 }

@@ -142,8 +142,8 @@ void addRun(CLI::App& app) {
   command->add_option("--jobs", options->jobs, "threads; as many as there are cores when missing")
       ->check(CLI::Range(1, 1024));
   command->add_flag("--plot", options->plot, "curves and paths as SVG, posed frames as PNG");
-  const auto task = command->add_option("--task", options->task,
-                                        "play one of COUNT parts, counted from 0, for vexa merge");
+  auto* const task = command->add_option("--task", options->task,
+                                         "play one of COUNT parts, counted from 0, for vexa merge");
   task->type_name("INDEX/COUNT");
   command->add_flag("--resume", options->resume, "do nothing for a part that is whole already")
       ->needs(task);

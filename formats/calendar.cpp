@@ -42,7 +42,7 @@ std::string dateOfSeconds(std::int64_t seconds) {
   if (gmtime_r(&time, &fields) == nullptr) return std::to_string(seconds);
   char text[64];
   const std::size_t length = std::strftime(text, sizeof(text), "%Y-%m-%dT%H:%M:%SZ", &fields);
-  return std::string(text, length);
+  return {text, length};
 }
 
 }  // namespace vexa::formats

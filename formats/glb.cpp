@@ -265,6 +265,7 @@ void writeGlb(const std::string& path, const std::vector<MovingMesh>& meshes,
   GlbWriter writer(file.file(), path, meshes, frames, framesPerSecond);
   for (std::size_t frame = 1; frame < frames; ++frame) {
     std::vector<MovingMesh::Points> points;
+    points.reserve(meshes.size());
     for (const MovingMesh& mesh : meshes) points.push_back(mesh.mFrames[frame]);
     writer.writeFrame(frame, points);
   }

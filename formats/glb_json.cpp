@@ -58,7 +58,7 @@ void GlbFrame::write(NewFile& file, const PutJson& putJson) const {
   file.write(std::string(mJsonBytes - json.bytes(), ' '));
   if (mBinaryBytes == 0) return;
   word(mBinaryBytes);
-  file.write({"BIN", 4});  // with its final zero
+  file.write({"BIN\0", 4});
 }
 
 }  // namespace vexa::formats

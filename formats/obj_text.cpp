@@ -80,7 +80,7 @@ class UVIndices {
   std::size_t placeOf(std::uint64_t key) const {
     // 2^64 divided by the golden ratio spreads neighbouring keys. Every bit of u and v reaches the
     // highest bits alone: coordinates that are whole 256ths differ in no low one.
-    std::size_t place = std::size_t((key ^ key >> 29) * 0x9E3779B97F4A7C15u >> mShift);
+    auto place = std::size_t((key ^ key >> 29) * 0x9E3779B97F4A7C15u >> mShift);
     while (mTable[place] != 0 && mKeys[mTable[place] - 1] != key) {
       place = (place + 1) & (mTable.size() - 1);
     }

@@ -130,7 +130,7 @@ class BinaryReader {
   template <class T>
   FbxValue array() {
     const std::size_t count = take<std::uint32_t>();
-    const std::uint32_t encoding = take<std::uint32_t>();
+    const auto encoding = take<std::uint32_t>();
     const std::size_t length = take<std::uint32_t>();
     // Encoding 1 is deflate; 0 is plain. count is 32-bit, so the product fits 64 bits.
     const std::string stored = takeText(encoding == 1 ? length : count * sizeof(T));
@@ -150,7 +150,7 @@ class BinaryReader {
     // Deflate shrinks by a factor of at most 1032.
     if (size > 1032 * stored.size() + 64) fail("a compressed array claims too many numbers");
     std::string bytes(size, '\0');
-    uLongf got = uLongf(size);
+    auto got = uLongf(size);
     const int status =
         uncompress(reinterpret_cast<Bytef*>(bytes.data()), &got,
                    reinterpret_cast<const Bytef*>(stored.data()), uLong(stored.size()));

@@ -83,7 +83,7 @@ class ClipReader {
 
   void addCurves(const FbxObject& curves, const FbxObject& target, const std::string& property) {
     const auto node = mParts.mNodes.find(target.mId);
-    const auto part = std::find(std::begin(kParts), std::end(kParts), property);
+    const auto* const part = std::find(std::begin(kParts), std::end(kParts), property);
     if (node == mParts.mNodes.end() || part == std::end(kParts)) {
       noteOther(curves, target, property);
       return;

@@ -24,11 +24,11 @@ Interpolation interpolationOf(const std::string& name) {
   return Interpolation::Linear;
 }
 
-Vec3 valueAt(const std::vector<double>& v, std::size_t i, const Vec3&) {
+Vec3 valueAt(const std::vector<double>& v, std::size_t i, const Vec3& /*kind*/) {
   return {v[3 * i], v[3 * i + 1], v[3 * i + 2]};
 }
 
-Quaternion valueAt(const std::vector<double>& v, std::size_t i, const Quaternion&) {
+Quaternion valueAt(const std::vector<double>& v, std::size_t i, const Quaternion& /*kind*/) {
   return {v[4 * i], v[4 * i + 1], v[4 * i + 2], v[4 * i + 3]};
 }
 

@@ -16,7 +16,7 @@ class GltfNumbers {
   explicit GltfNumbers(const tinygltf::Model& file) : mFile(file) {}
 
   /// All elements of an accessor one after the other, normalised integers as fractions.
-  std::vector<double> read(int accessor, int components) const;
+  std::vector<double> read(int index, int components) const;
   /// The indices of a primitive, also of a compressed one; 0, 1, 2, ... where it has none.
   std::vector<std::uint32_t> indices(const tinygltf::Primitive& primitive,
                                      std::size_t pointCount) const;

@@ -129,8 +129,9 @@ void markShown(const tinygltf::Model& file, GltfParts& ioParts) {
 // --- the whole -------------------------------------------------------------------------------
 
 // Pictures are kept as they lie in the file.
-bool keepImage(tinygltf::Image* image, int, std::string*, std::string*, int, int,
-               const unsigned char* bytes, int size, void*) {
+bool keepImage(tinygltf::Image* image, int /*index*/, std::string* /*error*/,
+               std::string* /*warning*/, int /*width*/, int /*height*/, const unsigned char* bytes,
+               int size, void* /*user*/) {
   image->image.assign(bytes, bytes + size);
   return true;
 }

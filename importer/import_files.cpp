@@ -25,7 +25,7 @@ std::size_t middleVertex(const formats::ObjModel& mesh) {
   for (const auto& p : mesh.points) {
     sum[0] += double(p.x), sum[1] += double(p.y), sum[2] += double(p.z);
   }
-  const double n = double(mesh.points.size());
+  const auto n = double(mesh.points.size());
   std::size_t nearest = 0;
   double least = std::numeric_limits<double>::infinity();
   for (std::size_t i = 0; i < mesh.points.size(); ++i) {
@@ -160,7 +160,7 @@ class ImportWriter {
   // As seen from the target folder.
   std::string textureFor(const SourceModel::Material& material, std::size_t index) {
     if (!material.mTextureBytes.empty()) {
-      const std::string name =
+      std::string name =
           mName + "_" + std::to_string(index + 1) + endingFor(material.mTextureBytes);
       formats::writeFile(add(name), material.mTextureBytes);
       return name;

@@ -206,7 +206,7 @@ void noteStillness(const SourceModel& model, const std::vector<std::size_t>& cli
   const bool moves = std::any_of(joints.begin(), joints.end(), [&](const Joint& joint) {
     return isMoved[std::size_t(joint.mNode)];
   });
-  if (!moves) ioNotes.push_back("its animation moves no mesh: every frame shows the same pose");
+  if (!moves) ioNotes.emplace_back("its animation moves no mesh: every frame shows the same pose");
 }
 
 // What a file of clips says, checked; faults name it.

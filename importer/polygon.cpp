@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "importer/polygon_internal.h"
 
 namespace vexa::importer {
@@ -59,14 +61,12 @@ class EarCutter {
   bool isEar(std::size_t i) const {
     const Vec3 &a = mCorners[at(i)], &b = mCorners[at(i + 1)], &c = mCorners[at(i + 2)];
     if (turn(a, b, c, mNormal) <= 0) return false;
-    for (const std::size_t other : mLeft) {
-      if (other == at(i) || other == at(i + 1) || other == at(i + 2)) continue;
+    const auto isInside = [&](std::size_t other) {
+      if (other == at(i) || other == at(i + 1) || other == at(i + 2)) return false;
       const Vec3& p = mCorners[other];
-      const bool isInside =
-          turn(a, b, p, mNormal) > 0 && turn(b, c, p, mNormal) > 0 && turn(c, a, p, mNormal) > 0;
-      if (isInside) return false;
-    }
-    return true;
+      return turn(a, b, p, mNormal) > 0 && turn(b, c, p, mNormal) > 0 && turn(c, a, p, mNormal) > 0;
+    };
+    return std::none_of(mLeft.begin(), mLeft.end(), isInside);
   }
 
   const std::vector<Vec3>& mCorners;

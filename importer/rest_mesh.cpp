@@ -119,7 +119,7 @@ class RestMeshBuilder {
 };
 
 Oru::TVector3D<float> toFloat(const Norvel::Vexa::ux_point3<double>& p) {
-  constexpr double kLargest = double(std::numeric_limits<float>::max());
+  constexpr auto kLargest = double(std::numeric_limits<float>::max());
   if (!(std::abs(p.x) <= kLargest && std::abs(p.y) <= kLargest && std::abs(p.z) <= kLargest)) {
     throw std::runtime_error("its mesh reaches further than the runtime's numbers do");
   }

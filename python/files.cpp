@@ -100,7 +100,7 @@ py::dict importModel(const std::string& path, const std::string& stem,
   options.mFramesPerSecond = framesPerSecond;
   options.mTravel = {travel[0], travel[1], travel[2]};
   require(framesPerSecond > 0 && framesPerSecond <= 1000, "fps: expected more than 0, up to 1000");
-  require(up.empty() || up == "y" || up == "z", "up: expected \"y\", \"z\" or nothing");
+  require(up.empty() || up == "y" || up == "z", R"(up: expected "y", "z" or nothing)");
   if (up == "y") options.mUp = importer::UpAxis::Y;
   if (up == "z") options.mUp = importer::UpAxis::Z;
   // The import itself runs without the interpreter's lock: it takes seconds, and other threads of

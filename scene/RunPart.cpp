@@ -224,7 +224,7 @@ std::vector<int> RunPart::frames() const {
   const auto at = [&](std::size_t task) {
     return mFrames.begin() + static_cast<std::ptrdiff_t>(count * task / mTasks);
   };
-  return std::vector<int>(at(mTask), at(mTask + 1));
+  return {at(mTask), at(mTask + 1)};
 }
 
 std::string sceneSum(const std::string& file, const refhost::Scene& scene) {

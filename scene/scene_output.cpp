@@ -189,7 +189,7 @@ class SceneFiles {
   }
 
   std::string objNames() const {
-    const std::string first = mFolder.finalPath(objName(frames().front()));
+    std::string first = mFolder.finalPath(objName(frames().front()));
     if (frames().size() == 1) return first;
     return first + " to " + objName(frames().back()) + ": " + std::to_string(frames().size()) +
            " files";

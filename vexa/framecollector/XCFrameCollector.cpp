@@ -117,8 +117,10 @@ struct XCFrameCollector::AskedPoints {
     const std::size_t offset = reinterpret_cast<std::uintptr_t>(vertex) - mAddress;
     if (offset >= mBytes || take != mTake || frame != mFrame) return nullptr;
     const std::size_t i = offset / sizeof(Point);
-    const bool isSame =
-        offset % sizeof(Point) == 0 && std::memcmp(&mRest[i], vertex, sizeof(Point)) == 0;
+    const bool isSame = offset % sizeof(Point) == 0 &&
+                        // The bits are what counts: a NaN is the same as itself, the two zeros
+                        // differ. NOLINTNEXTLINE(bugprone-suspicious-memory-comparison)
+                        std::memcmp(&mRest[i], vertex, sizeof(Point)) == 0;
     return isSame && !mLeft[i] ? &mMade[i] : nullptr;
   }
 
